@@ -1,0 +1,41 @@
+# How the targets of this project are compiled. Options that hold for all of them stand here, once.
+
+find_program(ORV_CCACHE ccache)
+if(ORV_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${ORV_CCACHE})
+endif()
+
+add_compile_options(-Wall -Wextra -Wno-missing-field-initializers)
+# g++ otherwise deletes the zeroing that an allocation does ahead of a constructor.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  add_compile_options(-flifetime-dse=1)
+endif()
+if(ORV_SANITIZE)
+  add_compile_options(-fsanitize=${ORV_SANITIZE} -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${ORV_SANITIZE})
+  if(ORV_SANITIZE MATCHES "undefined")
+    add_compile_options(-fno-sanitize-recover=undefined)
+  endif()
+endif()
+
+# One folder of the library: an object library with its sources listed.
+function(orv_folder name)
+  add_library(orv_${name} OBJECT ${ARGN})
+  target_include_directories(orv_${name} PRIVATE ${CMAKE_SOURCE_DIR})
+  target_compile_options(orv_${name} PRIVATE -fno-exceptions)
+endfunction()
+
+# The tests of one folder: one executable, its CTest label the folder's name.
+function(orv_test folder)
+  add_executable(test_${folder} ${ARGN})
+  target_link_libraries(test_${folder} PRIVATE orvcore orv_test_support GTest::gtest)
+  add_test(NAME ${folder} COMMAND test_${folder})
+  set_tests_properties(${folder} PROPERTIES LABELS ${folder} TIMEOUT 600)
+endfunction()
+
+# The benchmarks of one folder: one executable; peers are compiled in where they were found.
+function(orv_bench folder)
+  add_executable(bench_${folder} ${ARGN})
+  target_include_directories(bench_${folder} PRIVATE ${CMAKE_SOURCE_DIR})
+  target_link_libraries(bench_${folder} PRIVATE orvcore orv_bench_support)
+endfunction()

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "toolkit/types.h"
+
+#include <type_traits>
+
+/// The order of two values: the class's own `compare`, else `<` on numbers, enums and pointers. Negative, 0 or positive.
+template <class T> inline int zcompare(const T& a, const T& b) {
+    if constexpr (requires { a.compare(b); })
+        return a.compare(b);
+    else
+        return (b < a) - (a < b);
+}
+
+/// The hash of a key: the class's own `hashKey`, else the mixed bits of a number, enum or pointer; -0 hashes as 0.
+template <class T> inline uint zhashkey(const T& key) {
+    if constexpr (requires { key.hashKey(); })
+        return uint(key.hashKey());
+    else if constexpr (std::is_floating_point_v<T>) {
+        double value = key == 0 ? 0.0 : double(key);
+        ularge bits;
+        __builtin_memcpy(&bits, &value, 8);
+        return uint(bits ^ bits >> 32);
+    } else if constexpr (std::is_pointer_v<T>) {
+        auto bits = reinterpret_cast<uintptr_t>(key);
+        return uint(bits >> 4 ^ bits >> 32);
+    } else
+        return uint(ularge(key) ^ ularge(key) >> 32);
+}

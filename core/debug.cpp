@@ -1,0 +1,65 @@
+#include "core/debug.h"
+
+#include "core/state.h"
+#include "toolkit/atomic.h"
+
+#include <cstdio>
+#include <execinfo.h>
+
+namespace orv {
+CoreState coreState;
+}
+
+namespace {
+using Sink = void (*)(const char*);
+Sink debugSink = nullptr;
+
+Sink currentSink() {
+    if (Sink sink = toolkit::loadAcquire(debugSink)) return sink;
+#ifndef NDEBUG
+    return [](const char* line) {
+        std::fputs(line, stderr);
+        std::fputc('\n', stderr);
+    };
+#else
+    return nullptr;
+#endif
+}
+} // namespace
+
+void zsetdebugsink(void (*sink)(const char* line)) { toolkit::storeRelease(debugSink, sink); }
+
+void zdebug(const char* format, ...) {
+    Sink sink = currentSink();
+    if (!sink) return;
+    char line[1024];
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(line, sizeof line, format, arguments);
+    va_end(arguments);
+    sink(line);
+}
+
+void orv_assert(const char*, const char* file, int line) {
+    zdebug("Assertion failed at: %s, %d", file, line);
+    __builtin_trap();
+}
+
+void orv_assertt(const char* text, const char* file, int line) {
+    zdebug("Failed: %s", text);
+    orv_assert(text, file, line);
+}
+
+void orv_assertw(const char* text1, const char* text2, const char* file, int line) {
+    zdebug("Failure in: %s: \"%s\"", text1, text2);
+    orv_assert(text1, file, line);
+}
+
+void logstack(const char* label, const void* p, int depth) {
+    if (!orv::coreState.coreLoaded || !currentSink()) return;
+    zdebug("%s: %p", label, p);
+    constexpr int most = 64;
+    void* frames[most];
+    int count = backtrace(frames, depth > 0 && depth < most ? depth : most);
+    for (int i = 0; i < count; ++i) zdebug("  %p", frames[i]);
+}

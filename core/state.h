@@ -1,0 +1,19 @@
+#pragma once
+
+#include "toolkit/types.h"
+
+/// What the rest of the library asks of the start and stop object without including it.
+namespace orv {
+
+struct CoreState {
+    int instances = 0;          ///< counted `ZCoreLib` objects
+    bool bound = false;         ///< the layer below is up
+    bool allowLocking = true;   ///< of the current core library
+    bool coreLoaded = false;    ///< a full load has ended
+    bool notificationsClosed = false; ///< first closing mark
+    bool typesClosed = false;   ///< second closing mark
+};
+/// Written on the main thread only.
+extern ORV_API CoreState coreState;
+
+} // namespace orv

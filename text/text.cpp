@@ -1,0 +1,1 @@
+#include "text/forward.h"
