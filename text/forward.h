@@ -10,3 +10,7 @@ class ZInteger;
 class ZRange;
 class ZStringPair;
 class ZTime;
+template <class C> class ZCharStrT;
+using ZCharStr = ZCharStrT<char>;
+using ZWCharStr = ZCharStrT<wchar>;
+using ZICharStr = ZCharStrT<ichar>;
