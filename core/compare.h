@@ -4,7 +4,8 @@
 
 #include <type_traits>
 
-/// The order of two values: the class's own `compare`, else `<` on numbers, enums and pointers. Negative, 0 or positive.
+/// The order of two values: the class's own `compare`, else `<` on numbers, enums and pointers. Negative, 0 or
+/// positive.
 template <class T> inline int zcompare(const T& a, const T& b) {
     if constexpr (requires { a.compare(b); })
         return a.compare(b);

@@ -48,7 +48,8 @@ template <class T, class... A> inline T* zmake(A&&... arguments) {
 }
 
 /// An array of `count` values on a counted zeroed block: 8 bytes that hold the count, then the items. The block's
-/// element count is set too. Null as for `zmake`; a size that would overflow is refused. Types aligned above 8 don't fit.
+/// element count is set too. Null as for `zmake`; a size that would overflow is refused. Types aligned above 8 don't
+/// fit.
 template <class T> inline T* zmakearray(size_t count) {
     static_assert(alignof(T) <= 8);
     size_t bytes;

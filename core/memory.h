@@ -8,7 +8,8 @@
 
 /// A new block of `size` bytes with count 1; contents undefined. Null when there is no memory.
 inline void* __zalloc(size_t size) { return toolkit::allocBlock(size); }
-/// A new zeroed block; acknowledges earlier failures of the thread, so that the constructor that follows is judged alone.
+/// A new zeroed block; acknowledges earlier failures of the thread, so that the constructor that follows is judged
+/// alone.
 inline void* __znalloc(size_t size) {
     void* p = toolkit::allocZeroedBlock(size);
     if (ORV_LIKELY(p != nullptr)) zresetfail();
@@ -39,7 +40,8 @@ inline int incmemref(const void* p, bool force) {
 /// The new count; frees nothing. -1 for null.
 inline int decmemref(const void* p) { return p ? toolkit::decrement(toolkit::blockHead(p)->count) : -1; }
 ORV_API void* retainFailed(const void* p);
-/// Adds a reference and answers `p`; null for null, and for a block whose count has reached 0: it is never raised again.
+/// Adds a reference and answers `p`; null for null, and for a block whose count has reached 0: it is never raised
+/// again.
 template <class T> inline T* retain(T* p) {
     if (!p || ORV_LIKELY(toolkit::incNonZero(toolkit::blockHead(p)->count) > 0)) return p;
     return static_cast<T*>(retainFailed(p));

@@ -6,12 +6,12 @@
 namespace orv {
 
 struct CoreState {
-    int instances = 0;          ///< counted `ZCoreLib` objects
-    bool bound = false;         ///< the layer below is up
-    bool allowLocking = true;   ///< of the current core library
-    bool coreLoaded = false;    ///< a full load has ended
+    int instances = 0;                ///< counted `ZCoreLib` objects
+    bool bound = false;               ///< the layer below is up
+    bool allowLocking = true;         ///< of the current core library
+    bool coreLoaded = false;          ///< a full load has ended
     bool notificationsClosed = false; ///< first closing mark
-    bool typesClosed = false;   ///< second closing mark
+    bool typesClosed = false;         ///< second closing mark
 };
 /// Written on the main thread only.
 extern ORV_API CoreState coreState;

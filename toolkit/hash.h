@@ -53,8 +53,8 @@ inline uint64_t hash64(const void* data, size_t length, uint64_t seed = 0) {
     return fold(key2 ^ length, fold(a ^ key1, b ^ h));
 }
 
-/// The hash of a byte range, held below `limit`; 0xFFFFFFFF means no limit. `method` picks the family: 0 is the default,
-/// any other number gives another, equally good one.
+/// The hash of a byte range, held below `limit`; 0xFFFFFFFF means no limit. `method` picks the family: 0 is the
+/// default, any other number gives another, equally good one.
 inline unsigned hashData(unsigned method, const void* data, size_t length, unsigned limit) {
     uint64_t h = hash64(data, length, method);
     unsigned folded = unsigned(h ^ h >> 32);

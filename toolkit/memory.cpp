@@ -15,6 +15,94 @@ static const AllocHooks* hooks = nullptr;
 const AllocHooks* setAllocHooks(const AllocHooks* wanted) { return exchange(hooks, wanted); }
 const AllocHooks* allocHooks() { return loadAcquire(hooks); }
 
+// Small blocks that a thread has freed wait for its next allocation of that size: no call, no lock. Not under a
+// sanitizer, which has to see every block come and go.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool caching = false;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+constexpr bool caching = false;
+#else
+constexpr bool caching = true;
+#endif
+#else
+constexpr bool caching = true;
+#endif
+
+namespace {
+constexpr size_t cachedSize = 256; // largest payload that is kept
+constexpr int cachedClasses = cachedSize / 16 + 1, cachedBlocks = 64;
+struct Waiting {
+    Waiting* next;
+};
+struct BlockCache {
+    Waiting* first[cachedClasses];
+    int count[cachedClasses];
+    bool registered; // the thread's end will empty it
+    bool closed;     // the thread is ending
+};
+ORV_THREAD_LOCAL BlockCache cache{};
+
+void emptyCache() {
+    for (int i = 0; i < cachedClasses; ++i) {
+        while (Waiting* block = cache.first[i]) {
+            cache.first[i] = block->next;
+            std::free(block);
+        }
+        cache.count[i] = 0;
+    }
+}
+struct CacheEnd {
+    bool used = false;
+    ~CacheEnd() {
+        cache.closed = true;
+        cache.registered = false;
+        emptyCache();
+    }
+};
+thread_local CacheEnd cacheEnd;
+
+[[gnu::noinline]] bool registerCache() {
+    if (cache.closed) return false;
+    cacheEnd.used = cache.registered = true;
+    return true;
+}
+} // namespace
+
+/// What is asked of malloc. A sanitizer gets the exact size, to see every overrun.
+static inline size_t rounded(size_t size) {
+    return caching ? (size + sizeof(BlockHead) + 15) & ~size_t(15) : size + sizeof(BlockHead);
+}
+
+/// Memory for a head and a payload, with room up to the next 16 bytes.
+static inline void* take(size_t size) {
+    if (caching && size <= cachedSize) {
+        size_t index = (size + 15) / 16;
+        if (Waiting* block = cache.first[index]) {
+            cache.first[index] = block->next;
+            --cache.count[index];
+            return block;
+        }
+    }
+    return std::malloc(rounded(size));
+}
+
+static inline void giveBack(BlockHead* head, size_t size) {
+    if (caching && size <= cachedSize) {
+        size_t index = (size + 15) / 16;
+        if (cache.count[index] < cachedBlocks && (cache.registered || registerCache())) {
+            auto block = reinterpret_cast<Waiting*>(head);
+            block->next = cache.first[index];
+            cache.first[index] = block;
+            ++cache.count[index];
+            return;
+        }
+    }
+    std::free(head);
+}
+
+void emptyThreadCache() { emptyCache(); }
+
 static inline void* finish(void* raw, size_t size) {
     auto head = static_cast<BlockHead*>(raw);
     *head = {uint32_t(size), 1, uint32_t(size >> 32) << 24, 0};
@@ -25,7 +113,7 @@ static inline void* finish(void* raw, size_t size) {
 [[gnu::noinline, gnu::cold]] static void* allocWatched(size_t size, bool zero) {
     const AllocHooks* watch = allocHooks();
     if (watch && !watch->allow(size)) return nullptr;
-    void* raw = std::malloc(size + sizeof(BlockHead));
+    void* raw = std::malloc(rounded(size));
     if (!raw) return nullptr;
     void* payload = finish(raw, size);
     if (zero) std::memset(payload, 0, size);
@@ -36,7 +124,7 @@ static inline void* finish(void* raw, size_t size) {
 void* allocBlock(size_t size) {
     if (ORV_UNLIKELY(size > blockLimit)) return nullptr;
     if (ORV_UNLIKELY(load(hooks) != nullptr)) return allocWatched(size, false);
-    void* raw = std::malloc(size + sizeof(BlockHead));
+    void* raw = take(size);
     return ORV_LIKELY(raw != nullptr) ? finish(raw, size) : nullptr;
 }
 
@@ -45,10 +133,15 @@ void* allocZeroedBlock(size_t size) {
     if (ORV_UNLIKELY(load(hooks) != nullptr)) return allocWatched(size, true);
     // Large blocks come from fresh pages, which calloc knows to be zero.
     constexpr size_t fresh = 128 * 1024;
-    void* raw = size < fresh ? std::malloc(size + sizeof(BlockHead)) : std::calloc(1, size + sizeof(BlockHead));
+    void* raw = size < fresh ? take(size) : std::calloc(1, rounded(size));
     if (ORV_UNLIKELY(!raw)) return nullptr;
     void* payload = finish(raw, size);
-    if (size < fresh) std::memset(payload, 0, size);
+    if (caching && size <= 64) {
+        // Whole 16-byte steps: the room reaches to the next of them.
+        auto words = static_cast<uint64_t*>(payload);
+        for (size_t i = 0; i < size; i += 16) words[i / 8] = words[i / 8 + 1] = 0;
+    } else if (size < fresh)
+        std::memset(payload, 0, size);
     return payload;
 }
 
@@ -58,7 +151,7 @@ void* reallocBlock(void* payload, size_t size) {
     const AllocHooks* watch = allocHooks();
     if (watch && !watch->allow(size)) return nullptr;
     BlockHead* head = blockHead(payload);
-    auto moved = static_cast<BlockHead*>(std::realloc(head, size + sizeof(BlockHead)));
+    auto moved = static_cast<BlockHead*>(std::realloc(head, rounded(size)));
     if (!moved) return nullptr;
     moved->sizeLow = uint32_t(size);
     moved->state = (moved->state & blockLockMask) | uint32_t(size >> 32) << 24;
@@ -72,9 +165,10 @@ void* reallocBlock(void* payload, size_t size) {
 void freeBlock(void* payload) {
     if (!payload) return;
     BlockHead* head = blockHead(payload);
-    if (uint32_t lock = load(head->state) & blockLockMask; ORV_UNLIKELY(lock != 0) && freeBlockLock) freeBlockLock(lock);
+    if (uint32_t lock = load(head->state) & blockLockMask; ORV_UNLIKELY(lock != 0) && freeBlockLock)
+        freeBlockLock(lock);
     if (const AllocHooks* watch = load(hooks); ORV_UNLIKELY(watch != nullptr)) watch->gone(payload);
-    std::free(head);
+    giveBack(head, blockSize(payload));
 }
 
 static ularge scaled(unsigned long units, const struct sysinfo& info) { return ularge(units) * info.mem_unit; }

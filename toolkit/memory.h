@@ -10,8 +10,9 @@ namespace toolkit {
 struct BlockHead {
     uint32_t sizeLow; ///< payload bytes, low 32 bits
     int count;        ///< reference count; 1 in a new block; atomic
-    uint32_t state;   ///< bits 0 to 23: number of the block's own lock, 0 for none (atomic); 24 to 31: size, bits 32 to 39
-    int elements;     ///< element count of an array
+    uint32_t
+        state;    ///< bits 0 to 23: number of the block's own lock, 0 for none (atomic); 24 to 31: size, bits 32 to 39
+    int elements; ///< element count of an array
 };
 static_assert(sizeof(BlockHead) == 16);
 
@@ -36,12 +37,15 @@ ORV_API void* reallocBlock(void* payload, size_t size);
 /// Frees a block whatever its count, and its own lock. Null is fine.
 ORV_API void freeBlock(void* payload);
 
+/// Frees the small blocks that wait for the running thread's next allocations.
+ORV_API void emptyThreadCache();
+
 /// Called around every allocation while set; for tests and leak reports. None of them may allocate blocks.
 struct AllocHooks {
-    bool (*allow)(size_t size);                                    ///< false makes this allocation fail
-    void (*made)(void* payload, size_t size, const char* type);    ///< `type`: what is being constructed, or null
+    bool (*allow)(size_t size);                                 ///< false makes this allocation fail
+    void (*made)(void* payload, size_t size, const char* type); ///< `type`: what is being constructed, or null
     void (*gone)(void* payload);
-    void (*mark)(void* payload, const char* file, int line);       ///< a debug label was given
+    void (*mark)(void* payload, const char* file, int line); ///< a debug label was given
 };
 /// Sets the hooks, null for none; answers the old ones. They have to outlive every call.
 ORV_API const AllocHooks* setAllocHooks(const AllocHooks* hooks);

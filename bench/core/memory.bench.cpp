@@ -24,7 +24,9 @@ void peerZeroed(benchmark::State& state) {
 BenchPair zeroed("zeroed 64-byte block, allocate and free", "calloc/free", 0.7, oursZeroed, peerZeroed);
 
 /// A shared count is only atomic once the process has started a thread.
-void startThread() { std::thread([] {}).join(); }
+void startThread() {
+    std::thread([] {}).join();
+}
 
 void oursRetain(benchmark::State& state) {
     startThread();

@@ -16,7 +16,8 @@ const toolkit::AllocHooks* before = nullptr;
 bool allow(size_t) {
     std::lock_guard held(state.lock);
     ++state.allocations;
-    bool refuse = state.failAt && (state.allocations == state.failAt || (state.onwards && state.allocations > state.failAt));
+    bool refuse =
+        state.failAt && (state.allocations == state.failAt || (state.onwards && state.allocations > state.failAt));
     state.failed |= refuse;
     return !refuse;
 }
@@ -30,7 +31,8 @@ void gone(void* p) {
 }
 void mark(void* p, const char* file, int line) {
     std::lock_guard held(state.lock);
-    if (auto at = state.blocks.find(p); at != state.blocks.end()) at->second = std::string(file) + ":" + std::to_string(line);
+    if (auto at = state.blocks.find(p); at != state.blocks.end())
+        at->second = std::string(file) + ":" + std::to_string(line);
 }
 const toolkit::AllocHooks hooks{allow, made, gone, mark};
 } // namespace

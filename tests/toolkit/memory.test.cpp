@@ -39,7 +39,8 @@ TEST(Block, ReallocKeepsContentsAndRefusesWhatCantBe) {
 TEST(Hash, EveryByteAndTheLengthCount) {
     std::string text(70, 'x');
     std::set<uint64_t> seen;
-    for (size_t length = 0; length <= text.size(); ++length) EXPECT_TRUE(seen.insert(toolkit::hash64(text.data(), length)).second);
+    for (size_t length = 0; length <= text.size(); ++length)
+        EXPECT_TRUE(seen.insert(toolkit::hash64(text.data(), length)).second);
     for (size_t at = 0; at < text.size(); ++at) {
         std::string other = text;
         other[at] = 'y';
