@@ -1,0 +1,328 @@
+#include "text/number.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+#include <string>
+
+namespace {
+
+template <class C> class Number : public testing::Test {
+public:
+    using Text = std::basic_string<C>;
+    static Text widen(const std::string& text) { return Text(text.begin(), text.end()); }
+    static std::string narrow(const Text& text) { return std::string(text.begin(), text.end()); }
+
+    /// Runs one of the writers and checks its contract: measuring, cutting and the terminator.
+    template <class F> static std::string written(F&& write) {
+        int length = write(nullptr, 0);
+        Text whole(size_t(length) + 3, C('#'));
+        EXPECT_EQ(write(whole.data(), length + 1), length);
+        EXPECT_EQ(whole[size_t(length)], 0);
+        EXPECT_EQ(whole[size_t(length) + 1], C('#'));
+        Text cut(size_t(length) + 3, C('#'));
+        EXPECT_EQ(write(cut.data(), length), length);
+        if (length > 0) {
+            EXPECT_EQ(cut[size_t(length) - 1], 0);
+            EXPECT_EQ(cut.substr(0, size_t(length) - 1), whole.substr(0, size_t(length) - 1));
+        }
+        EXPECT_EQ(cut[size_t(length)], C('#'));
+        return narrow(whole.substr(0, size_t(length)));
+    }
+    template <class T> static std::string read(const std::string& text, int radix) {
+        T value = 77;
+        Text wide = widen(text);
+        if (!orv::strtonumber(wide.data(), int(wide.size()), value, radix)) {
+            EXPECT_EQ(value, T(77)) << text;
+            return "refused";
+        }
+        T again = 0;
+        EXPECT_TRUE(orv::strtonumber(wide.c_str(), -1, again, radix));
+        EXPECT_EQ(value, again);
+        return std::to_string(value);
+    }
+};
+using Widths = testing::Types<char, wchar, ichar>;
+TYPED_TEST_SUITE(Number, Widths);
+
+} // namespace
+
+TYPED_TEST(Number, IntegersToText) {
+    struct Row {
+        large value;
+        int radix, width;
+        bool zeros, upper;
+        const char* text;
+    };
+    static const Row rows[] = {
+        {0, 10, 0, false, false, "0"},
+        {-7, 10, 4, false, false, "  -7"},
+        {-7, 10, 4, true, false, "-007"},
+        {255, 16, 0, false, true, "FF"},
+        {255, 16, 4, true, false, "00ff"},
+        {-5, 2, 0, false, false, "-101"},
+        {35, 36, 0, false, false, "z"},
+        {12, 1, -3, true, false, "12"},
+        {12, 37, 0, false, false, "12"},
+        {INT64_MIN, 10, 0, false, false, "-9223372036854775808"},
+        {INT64_MIN, 2, 66, true, false, "-01000000000000000000000000000000000000000000000000000000000000000"},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(this->written([&](TypeParam* out, int size) {
+            return orv::inttostr(out, size, row.value, row.radix, row.width, row.zeros, row.upper);
+        }),
+                  row.text);
+    EXPECT_EQ(
+        this->written([](TypeParam* out, int size) { return orv::uinttostr(out, size, ~0ull, 16, 0, false, false); }),
+        "ffffffffffffffff");
+    EXPECT_EQ(orv::inttostr(static_cast<TypeParam*>(nullptr), 0, 1, 10, INT32_MAX, true, false), orv::numberWidthLimit);
+}
+
+TYPED_TEST(Number, RealsToText) {
+    struct Row {
+        double value;
+        int width, precision;
+        char decimal;
+        const char* text;
+    };
+    static const double inf = std::numeric_limits<double>::infinity();
+    static const Row rows[] = {
+        {0.5, 0, 8, '.', "0.5"},
+        {5, 0, 8, '.', "5"},
+        {-1.25, 8, 6, ',', "   -1,25"},
+        {100, 0, 0, '.', "100"},
+        {2.5, 0, 0, '.', "2"},
+        {-0.0001, 0, 2, '.', "0"},
+        {0.1, 0, 17, '.', "0.10000000000000001"},
+        {0.1, 0, 20, '.', "0.10000000000000000555"},
+        {inf, 5, 2, ',', "  inf"},
+        {-inf, 0, 2, '.', "-inf"},
+        {std::nan(""), 0, 2, '.', "nan"},
+        {1e22, 0, 3, '.', "10000000000000000000000"},
+        {0.999999, 0, 3, '.', "1"},
+        {1.5, 0, -1, '.', "1.5"},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(this->written([&](TypeParam* out, int size) {
+            return orv::realtostr(out, size, row.value, row.width, row.precision, ichar(row.decimal));
+        }),
+                  row.text);
+    auto extreme = [](double value) {
+        return TestFixture::written(
+            [&](TypeParam* out, int size) { return orv::realtostr(out, size, value, 0, INT32_MAX, '.'); });
+    };
+    for (double value : {1.7976931348623157e308, 5e-324, 0.1}) {
+        auto text = this->widen(extreme(-value));
+        double back = 0;
+        EXPECT_TRUE(orv::strtonumber(text.data(), int(text.size()), back, '.'));
+        EXPECT_EQ(back, -value);
+    }
+    // A decimal character of several units counts in full: U+066B takes two bytes.
+    TypeParam text[16];
+    int units = sizeof(TypeParam) == 1 ? 2 : 1;
+    EXPECT_EQ(orv::realtostr(text, 16, 1.5, 8, 1, 0x66B), 8);
+    EXPECT_EQ(text[8 - units - 2], TypeParam('1'));
+    EXPECT_EQ(text[7], TypeParam('5'));
+    double back = 0;
+    EXPECT_EQ(orv::strtonumber(text, -1, back, 0x66B) && back == 1.5, units == 1);
+}
+
+TEST(NumberPrecision, SmallMagnitudesGetEightDecimals) {
+    EXPECT_EQ(orv::realPrecision(5.0, 0), 8);
+    EXPECT_EQ(orv::realPrecision(50.0, 0), 6);
+    EXPECT_EQ(orv::realPrecision(5.0, 10), 10);
+    EXPECT_EQ(orv::realPrecision(-9.99, 2), 8);
+    EXPECT_EQ(orv::realPrecision(-10.0, 2), 2);
+}
+
+TYPED_TEST(Number, TextToIntegers) {
+    struct Row {
+        const char* text;
+        int radix;
+        const char *asByte, *asInt8, *asInt, *asUInt, *asLarge;
+    };
+    static const Row rows[] = {
+        {"0", 10, "0", "0", "0", "0", "0"},
+        {" \t12 \n", 10, "12", "12", "12", "12", "12"},
+        {"+200", 10, "200", "refused", "200", "200", "200"},
+        {"-128", 10, "refused", "-128", "-128", "refused", "-128"},
+        {"-129", 10, "refused", "refused", "-129", "refused", "-129"},
+        {"256", 10, "refused", "refused", "256", "256", "256"},
+        {"2147483648", 10, "refused", "refused", "refused", "2147483648", "2147483648"},
+        {"-2147483648", 10, "refused", "refused", "-2147483648", "refused", "-2147483648"},
+        {"-9223372036854775808", 10, "refused", "refused", "refused", "refused", "-9223372036854775808"},
+        {"9223372036854775808", 10, "refused", "refused", "refused", "refused", "refused"},
+        {"99999999999999999999999", 10, "refused", "refused", "refused", "refused", "refused"},
+        {"0x1F", 10, "31", "31", "31", "31", "31"},
+        {"-0X1f", 16, "refused", "-31", "-31", "refused", "-31"},
+        {"0b101", 10, "5", "5", "5", "5", "5"},
+        {"0b1", 16, "177", "refused", "177", "177", "177"},
+        {"0x1", 36, "refused", "refused", "1189", "1189", "1189"},
+        {"010", 10, "10", "10", "10", "10", "10"},
+        {"0x", 10, "refused", "refused", "refused", "refused", "refused"},
+        {"0b2", 10, "refused", "refused", "refused", "refused", "refused"},
+        {"7", 99, "7", "7", "7", "7", "7"},
+        {"", 10, "refused", "refused", "refused", "refused", "refused"},
+        {"-", 10, "refused", "refused", "refused", "refused", "refused"},
+        {"1 2", 10, "refused", "refused", "refused", "refused", "refused"},
+        {"12a", 10, "refused", "refused", "refused", "refused", "refused"},
+        {"--1", 10, "refused", "refused", "refused", "refused", "refused"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        EXPECT_EQ(this->template read<byte>(row.text, row.radix), row.asByte);
+        EXPECT_EQ(this->template read<int8>(row.text, row.radix), row.asInt8);
+        EXPECT_EQ(this->template read<int>(row.text, row.radix), row.asInt);
+        EXPECT_EQ(this->template read<uint>(row.text, row.radix), row.asUInt);
+        EXPECT_EQ(this->template read<large>(row.text, row.radix), row.asLarge);
+    }
+    EXPECT_EQ(this->template read<ularge>("18446744073709551615", 10), "18446744073709551615");
+    EXPECT_EQ(this->template read<ularge>("18446744073709551616", 10), "refused");
+    EXPECT_EQ(this->template read<word>("65536", 10), "refused");
+    EXPECT_EQ(this->template read<int16>("-32768", 10), "-32768");
+    int unset = 5;
+    EXPECT_FALSE(orv::strtonumber(static_cast<const TypeParam*>(nullptr), 3, unset, 10));
+    EXPECT_EQ(unset, 5);
+    if (sizeof(TypeParam) > 1) {
+        TypeParam lookalike[] = {TypeParam('1'), TypeParam(0x130), 0}; // ends like '0' in its low byte
+        EXPECT_FALSE(orv::strtonumber(lookalike, -1, unset, 10));
+    }
+}
+
+TYPED_TEST(Number, TextToReals) {
+    struct Row {
+        const char* text;
+        char decimal;
+        bool good;
+        double value;
+    };
+    static const double inf = std::numeric_limits<double>::infinity();
+    static const Row rows[] = {
+        {"1.5", '.', true, 1.5},
+        {" -1,25e2 ", ',', true, -125},
+        {"+.5", '.', true, 0.5},
+        {"5.", '.', true, 5},
+        {"-INF", '.', true, -inf},
+        {"infinity", ',', true, inf},
+        {"1e400", '.', false, 0},
+        {"-1e400", '.', false, 0},
+        {"1e-400", '.', true, 0},
+        {"0e99999999999999999999", '.', true, 0},
+        {"1e99999999999999999999", '.', false, 0},
+        {"4.9406564584124654e-324", '.', true, 5e-324},
+        {"9007199254740993", '.', true, 9007199254740992.0},
+        {"1,5", '.', false, 0},
+        {"1.5", ',', false, 0},
+        {".", '.', false, 0},
+        {"+-1", '.', false, 0},
+        {"1e", '.', false, 0},
+        {"0x10", '.', false, 0},
+        {"", '.', false, 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        double value = 77;
+        auto text = this->widen(row.text);
+        EXPECT_EQ(orv::strtonumber(text.data(), int(text.size()), value, row.decimal), row.good);
+        EXPECT_EQ(value, row.good ? row.value : 77);
+    }
+    // Long texts are decided by their last digit: just above half-way rounds up.
+    for (bool above : {false, true}) {
+        double value = 0;
+        auto shifted = this->widen("0." + std::string(2000, '0') + "9007199254740993" + std::string(3000, '0') +
+                                   (above ? "1" : "0") + "e2016");
+        EXPECT_TRUE(orv::strtonumber(shifted.data(), int(shifted.size()), value, '.'));
+        EXPECT_EQ(value, above ? 9007199254740994.0 : 9007199254740992.0);
+    }
+    auto zeros = this->widen("1" + std::string(500, '0') + "e-500");
+    float single = 0;
+    EXPECT_TRUE(orv::strtonumber(zeros.data(), int(zeros.size()), single, '.'));
+    EXPECT_EQ(single, 1.0f);
+    auto big = this->widen("3.5e38");
+    EXPECT_FALSE(orv::strtonumber(big.data(), -1, single, '.'));
+    EXPECT_EQ(single, 1.0f);
+    double nan = 0;
+    auto word = this->widen("NaN");
+    EXPECT_TRUE(orv::strtonumber(word.data(), -1, nan, '.') && std::isnan(nan));
+}
+
+TYPED_TEST(Number, Numerals) {
+    struct Row {
+        uint value;
+        const char *roman, *alpha, *letter;
+    };
+    static const Row rows[] = {
+        {0, "", "", ""},
+        {1, "I", "A", "A"},
+        {26, "XXVI", "Z", "Z"},
+        {27, "XXVII", "AA", "AA"},
+        {28, "XXVIII", "AB", "BB"},
+        {53, "LIII", "BA", "AAA"},
+        {444, "CDXLIV", "QB", "BBBBBBBBBBBBBBBBBB"},
+        {702, "DCCII", "ZZ", "ZZZZZZZZZZZZZZZZZZZZZZZZZZZ"},
+        {703, "DCCIII", "AAA", "AAAAAAAAAAAAAAAAAAAAAAAAAAAA"},
+        {1999, "MCMXCIX", "BXW", nullptr},
+        {3999, "MMMCMXCIX", "EWU", nullptr},
+        {4000, "", "EWV", nullptr},
+        {UINT32_MAX, "", "MWLQKWU", ""},
+    };
+    for (const Row& row : rows) {
+        auto text = [&](int kind) {
+            return TestFixture::written(
+                [&](TypeParam* out, int size) { return orv::numeral(out, size, row.value, kind); });
+        };
+        EXPECT_EQ(text(orv::numeralDecimal), std::to_string(row.value));
+        EXPECT_EQ(text(orv::numeralRomanU), row.roman);
+        EXPECT_EQ(text(orv::numeralAlphaU), row.alpha);
+        if (row.letter) { EXPECT_EQ(text(orv::numeralLetterU), row.letter); }
+        std::string lower = text(orv::numeralRomanL) + text(orv::numeralAlphaL) + text(orv::numeralLetterL);
+        std::string upper = text(orv::numeralRomanU) + text(orv::numeralAlphaU) + text(orv::numeralLetterU);
+        for (char& c : lower) c = char(std::toupper(c));
+        EXPECT_EQ(lower, upper);
+        EXPECT_EQ(text(0), "");
+    }
+}
+
+TYPED_TEST(Number, RadixPrefixes) {
+    struct Row {
+        const char* text;
+        int radix;
+        bool sign;
+        int passed, found;
+        bool negative;
+    };
+    static const Row rows[] = {
+        {"0x7f", 10, true, 2, 16, false}, {" -0b1", 10, true, 4, 2, true}, {"-5", 10, false, 0, 10, false},
+        {"0xg", 10, true, 0, 10, false},  {"012", 8, true, 0, 8, false},   {"0x1", 8, true, 0, 8, false},
+        {"+ff", 16, false, 1, 16, false},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        auto text = this->widen(row.text);
+        int radix = row.radix;
+        bool negative = false;
+        EXPECT_EQ(orv::strradix(text.c_str(), -1, &radix, row.sign, &negative), row.passed);
+        EXPECT_EQ(radix, row.found);
+        EXPECT_EQ(negative, row.negative);
+    }
+}
+
+TYPED_TEST(Number, RoundTripOfRandomNumbers) {
+    std::mt19937_64 random(7);
+    for (int i = 0; i < 20000; ++i) {
+        large value = large(random()) >> (random() % 64);
+        int radix = int(2 + random() % 35);
+        TypeParam text[80];
+        orv::inttostr(text, 80, value, radix, int(random() % 70), random() % 2, random() % 2);
+        large back = 0;
+        ASSERT_TRUE(orv::strtonumber(text, -1, back, radix));
+        ASSERT_EQ(back, value);
+        double real = std::ldexp(double(value), -int(random() % 40));
+        TypeParam digits[1500];
+        orv::realtostr(digits, 1500, real, 0, 1074, ',');
+        double realBack = 0;
+        ASSERT_TRUE(orv::strtonumber(digits, -1, realBack, ','));
+        ASSERT_EQ(realBack, real);
+    }
+}
