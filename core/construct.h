@@ -90,6 +90,12 @@ class ZFailGuard {
 public:
     ZFailGuard() : before(zfailcount()) {}
     bool rose() const { return zfailcount() > before; }
+    /// Forgets the failures raised since, and only those: what an enclosing construction raised stays.
+    void forget() const {
+        auto& state = toolkit::threadState;
+        if (state.failCount > before) state.failCount = before;
+        if (state.failMark > state.failCount) state.failMark = state.failCount;
+    }
 
 private:
     int before;
