@@ -1,0 +1,79 @@
+#pragma once
+
+#include "core/memory.h"
+#include "toolkit/datapack.h"
+
+namespace orv::detail {
+
+/// What the pack maps have in common: a handle on a counted store. A copy shares the store; writing operations run
+/// `detach` first. Writers are kept apart by the owner's lock; `entry`, `valid` and `count` are safe without one while
+/// another thread adds.
+class ORV_API PackMap {
+public:
+    PackMap(const PackMap&) = delete;
+    PackMap& operator=(const PackMap&) = delete;
+
+    /// Whether there is a store.
+    bool isSet() const { return pack != nullptr; }
+    uint entrySize() const { return pack ? uint(pack->entrySize()) : 0; }
+
+    // Entries
+
+    /// The contents of an entry, which never moves until the store is cloned; null if there is none. Writing through it
+    /// reaches all maps that share the store.
+    void* entry(uint id) const { return pack ? pack->entry(id) : nullptr; }
+    bool valid(uint id) const { return pack && pack->valid(id); }
+    uint count() const { return pack ? pack->count() : 0; }
+    /// The highest id given out so far.
+    uint lastId() const { return pack ? pack->lastId() : 0; }
+    /// A new zeroed entry that isn't linked; 0 when there is no memory.
+    uint create();
+    /// Unlinks an entry, destroys its contents and frees its id, which is the next one given out. False if there is
+    /// none.
+    bool remove(uint id);
+    /// Makes room for `count` more entries.
+    bool expand(uint count);
+    /// Removes all entries. A store that others share is left to them.
+    bool clean();
+    /// Makes this handle the only one on its store, by a clone with the same ids. False when that can't be had.
+    bool detach();
+
+    // Diagnostics
+
+    /// Levels of the deepest bucket of all trees.
+    uint maxDepth() const;
+
+protected:
+    PackMap() = default;
+    ~PackMap() = default;
+
+    /// The order of tree `tree`, kept by the map and valid as long as it is.
+    struct Order {
+        const PackMap* map;
+        uint tree;
+    };
+    virtual toolkit::PackCompare comparator(const Order& order) const = 0;
+    virtual uint hashOf(uint tree, const void* key, uint size) const = 0;
+    virtual bool copyEntry(void* to, const void* from) const = 0;
+    virtual void destructEntry(void* contents) const = 0;
+
+    bool make(uint trees, uint entrySize, uint growth);
+    void share(const PackMap& other);
+    /// Gives the store up; the destructors of the derived classes begin with it.
+    void drop();
+    uint findIn(uint tree, const void* key) const;
+    bool linkIn(uint tree, uint id);
+    /// A new entry with the contents of `source`, not linked.
+    uint addCopy(const void* source, bool useUserCopy);
+    /// Frees an id without destroying its contents.
+    void forget(uint id);
+
+    toolkit::DataPack* pack = nullptr;
+
+private:
+    static bool copyCall(const void* context, void* to, const void* from);
+    static void destructCall(const void* context, void* contents);
+    static void release(toolkit::DataPack* store, const PackMap* by);
+};
+
+} // namespace orv::detail
