@@ -35,7 +35,7 @@ constexpr MemoryServices memoryServices{
     .allocZeroed = allocZeroedBlock,
     .realloc = reallocBlock,
     .free = freeBlock,
-    .setDebug = [](bool) {},
+    .setDebug = setMemoryDebug,
 };
 constexpr StringServices stringServices{base64Encode, base64Decode, hexEncode};
 constexpr RuntimeServices runtimeServices{environment, getConfig, setConfig, purgePools, hashData};

@@ -121,6 +121,9 @@ static inline void* finish(void* raw, size_t size) {
     return payload;
 }
 
+static bool memoryDebug = false;
+void setMemoryDebug(bool on) { store(memoryDebug, on); }
+
 void* allocBlock(size_t size) {
     if (ORV_UNLIKELY(size > blockLimit)) return nullptr;
     if (ORV_UNLIKELY(load(hooks) != nullptr)) return allocWatched(size, false);
@@ -168,7 +171,11 @@ void freeBlock(void* payload) {
     if (uint32_t lock = load(head->state) & blockLockMask; ORV_UNLIKELY(lock != 0) && freeBlockLock)
         freeBlockLock(lock);
     if (const AllocHooks* watch = load(hooks); ORV_UNLIKELY(watch != nullptr)) watch->gone(payload);
-    giveBack(head, blockSize(payload));
+    size_t size = blockSize(payload);
+#ifndef NDEBUG
+    if (load(memoryDebug)) std::memset(payload, 0xDD, size);
+#endif
+    giveBack(head, size);
 }
 
 static ularge scaled(unsigned long units, const struct sysinfo& info) { return ularge(units) * info.mem_unit; }

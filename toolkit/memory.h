@@ -37,6 +37,8 @@ ORV_API void* reallocBlock(void* payload, size_t size);
 /// Frees a block whatever its count, and its own lock. Null is fine.
 ORV_API void freeBlock(void* payload);
 
+/// In a development configuration: overwrites freed blocks with 0xDD, so that late readers notice. Off at first.
+ORV_API void setMemoryDebug(bool on);
 /// Frees the small blocks that wait for the running thread's next allocations.
 ORV_API void emptyThreadCache();
 
