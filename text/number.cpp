@@ -1,5 +1,7 @@
 #include "text/number.h"
 
+#include "text/transcode.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -24,19 +26,9 @@ public:
         length += count;
     }
     void put(ichar code) {
-        if constexpr (sizeof(C) == 4) {
-            fill(1, code);
-        } else if constexpr (sizeof(C) == 2) {
-            if (code < 0x10000) return fill(1, code);
-            fill(1, 0xD800 + ((code - 0x10000) >> 10));
-            fill(1, 0xDC00 + (code & 0x3FF));
-        } else {
-            if (code < 0x80) return fill(1, code);
-            if (code >= 0x10000) fill(1, 0xF0 | (code >> 18));
-            if (code >= 0x800) fill(1, (code < 0x10000 ? 0xE0 : 0x80) | (code >> 12 & (code < 0x10000 ? 0xF : 0x3F)));
-            fill(1, (code < 0x800 ? 0xC0 : 0x80) | (code >> 6 & (code < 0x800 ? 0x1F : 0x3F)));
-            fill(1, 0x80 | (code & 0x3F));
-        }
+        C units[detail::longestCode<C>];
+        int count = detail::encodeCode(units, code);
+        for (int i = 0; i < count; ++i) fill(1, units[i]);
     }
     int finish() {
         if (out) out[std::min(length, room)] = 0;
