@@ -13,9 +13,12 @@ template <class T> inline int zcompare(const T& a, const T& b) {
         return (b < a) - (a < b);
 }
 
-/// The hash of a key: the class's own `hashKey`, else the mixed bits of a number, enum or pointer; -0 hashes as 0.
+/// The hash of a key: the class's own `textHash`, which texts of several forms have so that equal ones hash alike, or
+/// its `hashKey`, else the mixed bits of a number, enum or pointer; -0 hashes as 0.
 template <class T> inline uint zhashkey(const T& key) {
-    if constexpr (requires { key.hashKey(); })
+    if constexpr (requires { key.textHash(); })
+        return uint(key.textHash());
+    else if constexpr (requires { key.hashKey(); })
         return uint(key.hashKey());
     else if constexpr (std::is_floating_point_v<T>) {
         double value = key == 0 ? 0.0 : double(key);
