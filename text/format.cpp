@@ -83,7 +83,7 @@ public:
 
 private:
     static C* copy(C* to, const C* from, size_t count) {
-        std::memcpy(to, from, count * sizeof(C));
+        if (count) std::memcpy(to, from, count * sizeof(C));
         return to + count;
     }
     bool hand(const C* text, size_t count) {
@@ -101,7 +101,7 @@ private:
         at = begin;
         return hand(begin, count);
     }
-    void overflow(const C* text, size_t count) {
+    [[gnu::noinline]] void overflow(const C* text, size_t count) {
         if (sink) {
             if (!flush()) return;
             if (count > size_t(end - begin))
@@ -111,7 +111,7 @@ private:
             return;
         }
         size_t part = size_t(end - at);
-        if (part) at = copy(at, text, part);
+        at = copy(at, text, part);
         passed += large(count - part);
     }
 
