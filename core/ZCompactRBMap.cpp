@@ -25,7 +25,7 @@ bool ZCompactRBMap::initialize(int capacity, uint itemSize, uint hashBits, uint 
         growth = 100;
         useTable = true;
         bigEndian = false;
-        itemBytes = itemSize >= sizeof(Item) ? itemSize : 0;
+        itemBytes = itemSize >= sizeof(ZCompactRBItem) ? itemSize : 0;
         fixedBits = hashBits > 0 && !load;
         setBits(load ? orv_calchashbits(capacity > 0 ? uint(capacity) : 0, load) : hashBits);
     }
@@ -34,17 +34,17 @@ bool ZCompactRBMap::initialize(int capacity, uint itemSize, uint hashBits, uint 
 
 // The item's behaviour: nothing, in a map that knows nothing of its items.
 
-bool ZCompactRBMap::initItem(Item*) { return true; }
-void ZCompactRBMap::freeItem(Item*) {}
-bool ZCompactRBMap::copyItem(Item*, const Item*) { return true; }
-int ZCompactRBMap::compareItem(const Item*, const Item*) const { return 0; }
-int ZCompactRBMap::compareItemKey(const Item*, const Item*) const { return 0; }
-int ZCompactRBMap::compareItemValue(const Item*, const Item*) const { return 0; }
-int ZCompactRBMap::compareKey(const Item*, const void*) const { return 0; }
-int ZCompactRBMap::compareValue(const Item*, const void*) const { return 0; }
+bool ZCompactRBMap::initItem(ZCompactRBItem*) { return true; }
+void ZCompactRBMap::freeItem(ZCompactRBItem*) {}
+bool ZCompactRBMap::copyItem(ZCompactRBItem*, const ZCompactRBItem*) { return true; }
+int ZCompactRBMap::compareItem(const ZCompactRBItem*, const ZCompactRBItem*) const { return 0; }
+int ZCompactRBMap::compareItemKey(const ZCompactRBItem*, const ZCompactRBItem*) const { return 0; }
+int ZCompactRBMap::compareItemValue(const ZCompactRBItem*, const ZCompactRBItem*) const { return 0; }
+int ZCompactRBMap::compareKey(const ZCompactRBItem*, const void*) const { return 0; }
+int ZCompactRBMap::compareValue(const ZCompactRBItem*, const void*) const { return 0; }
 uint ZCompactRBMap::hashKey(const void*) const { return 0; }
 uint ZCompactRBMap::hashValue(const void*) const { return 0; }
-uint ZCompactRBMap::hashItem(const Item*) const { return 0; }
+uint ZCompactRBMap::hashItem(const ZCompactRBItem*) const { return 0; }
 
 bool ZCompactRBMap::assign(const ZCompactRBMap& other, bool allocateCapacity) {
     if (&other == this) return true;
@@ -56,7 +56,7 @@ bool ZCompactRBMap::assign(const ZCompactRBMap& other, bool allocateCapacity) {
         if (!made.items) return false;
     }
     for (; made.count < newCount; ++made.count) {
-        auto to = reinterpret_cast<Item*>(made.items + made.count * size);
+        auto to = reinterpret_cast<ZCompactRBItem*>(made.items + made.count * size);
         if (copyItem(to, other.itemStart(made.count))) continue;
         freeStorage(made);
         return false;
@@ -65,7 +65,8 @@ bool ZCompactRBMap::assign(const ZCompactRBMap& other, bool allocateCapacity) {
     ZCompactRBMap settings;
     {
         ZScopedLock held(other.lock);
-        for (uint i = 0; i < newCount; ++i) *reinterpret_cast<Item*>(made.items + i * size) = *other.itemStart(i);
+        for (uint i = 0; i < newCount; ++i)
+            *reinterpret_cast<ZCompactRBItem*>(made.items + i * size) = *other.itemStart(i);
         settings.bits = other.bits;
         settings.mask = other.mask;
         settings.buckets = other.buckets;

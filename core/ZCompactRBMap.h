@@ -10,13 +10,12 @@
 /// class adds. Items are moved by copying their bytes. An instance is a counted object, made by `zmake`.
 ///
 /// The index is built by the first lookup and dropped by whatever can't keep it right. Lookups and structural changes
-/// take the map's spin lock, under which items are compared and hashed, so these operations mustn't come back to the map;
-/// items are built, copied and freed without it. Writers are kept apart by the owner. Positions count from 0.
+/// take the map's spin lock, under which items are compared and hashed, so these operations mustn't come back to the
+/// map; items are built, copied and freed without it. Writers are kept apart by the owner. Positions count from 0.
 class ORV_API ZCompactRBMap {
 public:
-    using Item = ZCompactRBItem;
     /// Orders two items: negative, 0 or positive.
-    using Compare = int (*)(const void* context, const Item* a, const Item* b);
+    using Compare = int (*)(const void* context, const ZCompactRBItem* a, const ZCompactRBItem* b);
 
     static constexpr uint itemLimit = 0x7FFFFFFF; ///< the most items of a map
     static constexpr uint mostHashBits = 28;
@@ -45,18 +44,18 @@ protected:
     // What the derived class knows. The defaults do nothing, succeed, or answer 0.
 
     /// Builds a value in zeroed memory; false if that fails, with nothing to be freed.
-    virtual bool initItem(Item* item);
-    virtual void freeItem(Item* item);
+    virtual bool initItem(ZCompactRBItem* item);
+    virtual void freeItem(ZCompactRBItem* item);
     /// Builds a copy behind the head of `to`, in zeroed memory; false if that fails, with nothing to be freed.
-    virtual bool copyItem(Item* to, const Item* from);
-    virtual int compareItem(const Item* a, const Item* b) const;
-    virtual int compareItemKey(const Item* a, const Item* b) const;
-    virtual int compareItemValue(const Item* a, const Item* b) const;
-    virtual int compareKey(const Item* item, const void* key) const;
-    virtual int compareValue(const Item* item, const void* value) const;
+    virtual bool copyItem(ZCompactRBItem* to, const ZCompactRBItem* from);
+    virtual int compareItem(const ZCompactRBItem* a, const ZCompactRBItem* b) const;
+    virtual int compareItemKey(const ZCompactRBItem* a, const ZCompactRBItem* b) const;
+    virtual int compareItemValue(const ZCompactRBItem* a, const ZCompactRBItem* b) const;
+    virtual int compareKey(const ZCompactRBItem* item, const void* key) const;
+    virtual int compareValue(const ZCompactRBItem* item, const void* value) const;
     virtual uint hashKey(const void* key) const;
     virtual uint hashValue(const void* value) const;
-    virtual uint hashItem(const Item* item) const;
+    virtual uint hashItem(const ZCompactRBItem* item) const;
 
 public:
     // Fields
@@ -81,7 +80,9 @@ public:
     // more than `itemLimit` items.
 
     /// The item at a position, which has to be below the capacity.
-    Item* itemStart(uint index) const { return reinterpret_cast<Item*>(items + size_t(index) * itemBytes); }
+    ZCompactRBItem* itemStart(uint index) const {
+        return reinterpret_cast<ZCompactRBItem*>(items + size_t(index) * itemBytes);
+    }
     /// Adds zeroed items at the end, built by `initItem` if `init`. The caller fills them in, then calls `addNode`.
     bool append(int count, bool init);
     /// The same at a position, clamped to the count. True, without effect, for a count below 1.
@@ -182,10 +183,10 @@ public:
     int findFirstIndex(const void* key) const;
     /// (locked) The same as `findIndex` in one tree.
     int findIndexAtRoot(uint treeRoot, const void* key) const;
-    Item* findItem(const void* key) const;
+    ZCompactRBItem* findItem(const void* key) const;
     bool haskey(const void* key) const { return findIndex(key) >= 0; }
     /// By value, for maps that are hashed and ordered by it.
-    Item* findItemByValue(const void* value) const;
+    ZCompactRBItem* findItemByValue(const void* value) const;
     int findValueIndex(const void* value) const;
     int findValueIndexAtRoot(uint treeRoot, const void* value) const;
     /// The first item in the array with that value, without an index.
@@ -221,8 +222,8 @@ public:
 
 protected:
     /// A lookup for derived classes that compare inline: `order(item)` compares an item with the key. It takes no lock,
-    /// and so is for maps that nobody changes while others read; an index can be seen only when it is complete. `noTree`
-    /// if there is none.
+    /// and so is for maps that nobody changes while others read; an index can be seen only when it is complete.
+    /// `noTree` if there is none.
     template <class F> int seek(uint hash, F&& order) const {
         if (const uint* buckets = toolkit::loadAcquire(table)) return seekAt(buckets[limitHash(hash)], order);
         uint top = toolkit::loadAcquire(root);
@@ -235,7 +236,7 @@ protected:
         for (uint steps = itemCount; steps > 0; --steps) {
             uint at = link - 1 - base;
             if (at >= itemCount) break;
-            Item* item = itemStart(at);
+            ZCompactRBItem* item = itemStart(at);
             int result = order(item);
             if (result == 0) return int(at);
             link = result < 0 ? item->right : item->left;
@@ -270,8 +271,8 @@ private:
     void removeItems(int index, int count, bool built);
     int neighbour(int index, int side) const;
     int depthBelow(uint link) const;
-    static int byItem(const void* map, const Item* a, const Item* b);
-    static int byKey(const void* map, const Item* a, const Item* b);
+    static int byItem(const void* map, const ZCompactRBItem* a, const ZCompactRBItem* b);
+    static int byKey(const void* map, const ZCompactRBItem* a, const ZCompactRBItem* b);
     int checkNodes(uint treeRoot, bool log) const;
     bool checkAll(const char* label, bool log) const;
 

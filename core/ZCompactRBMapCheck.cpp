@@ -9,7 +9,7 @@ struct ZCompactRBMap::Check {
 
     bool fail(uint link) const {
         if (log && link - map.base - 1 < map.itemCount) {
-            const Item& node = map.links().at(link);
+            const ZCompactRBItem& node = map.links().at(link);
             zdebug("node: %d, %d, %d, %d\n", int(link), int(node.parent), int(node.left), int(node.right));
         }
         return false;
@@ -25,7 +25,7 @@ struct ZCompactRBMap::Check {
             if (log) zdebug("invalid tree: %d, %d\n", int(parent), int(link));
             return fail(parent);
         }
-        const Item& node = tree.at(link);
+        const ZCompactRBItem& node = tree.at(link);
         bool twoReds = node.color == NodeRed && (!parent || tree.red(parent));
         if (node.parent != parent || (node.color != NodeRed && node.color != NodeBlack) || twoReds) {
             if (log) zdebug("invalid tree: %d, %d\n", int(parent), int(link));
@@ -82,7 +82,7 @@ bool ZCompactRBMap::validTree() const { return checkAll("", false); }
 
 void ZCompactRBMap::logTreeNode(const char* label, int index) const {
     if (!inRange(index)) return;
-    const Item* item = itemStart(uint(index));
+    const ZCompactRBItem* item = itemStart(uint(index));
     zdebug("%s: node: %d, %d, %d, %d, %d, %d\n", label ? label : "", index, int(item->color), int(item->parent),
            int(item->left), int(item->right), int(hashItem(item)));
 }

@@ -9,7 +9,9 @@ struct ZCompactRBMap::Links {
     size_t size;
     uint first; ///< the stored index of position 0
 
-    Item& at(uint link) const { return *reinterpret_cast<Item*>(items + size_t(link - first) * size); }
+    ZCompactRBItem& at(uint link) const {
+        return *reinterpret_cast<ZCompactRBItem*>(items + size_t(link - first) * size);
+    }
     uint& parent(uint link) const { return at(link).parent; }
     uint& child(uint link, int side) const { return side ? at(link).right : at(link).left; }
     bool red(uint link) const { return at(link).color == NodeRed; }

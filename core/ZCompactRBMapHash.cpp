@@ -67,6 +67,7 @@ void ZCompactRBMap::add_hash_memory(uint index, const void* block) {
     if (block && index < memoryCounters) toolkit::addFetch(hashMemory[index], memsize(block));
 }
 void ZCompactRBMap::remove_hash_memory(uint index, const void* block) {
-    if (block && index < memoryCounters && refcount(block) < 2) toolkit::addFetch(hashMemory[index], 0 - memsize(block));
+    if (block && index < memoryCounters && refcount(block) < 2)
+        toolkit::addFetch(hashMemory[index], 0 - memsize(block));
 }
 uint ZCompactRBMap::hash_memory(uint index) { return index < memoryCounters ? toolkit::load(hashMemory[index]) : 0; }

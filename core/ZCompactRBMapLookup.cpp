@@ -5,7 +5,7 @@ template <class F> int ZCompactRBMap::repairingSeek(uint link, F&& order) const 
     for (uint steps = itemCount; steps > 0; --steps) {
         uint at = link - 1 - base;
         if (at >= itemCount) break;
-        Item* item = itemStart(at);
+        ZCompactRBItem* item = itemStart(at);
         int result = order(item);
         if (result == 0) return int(at);
         uint& next = result < 0 ? item->right : item->left;
@@ -16,10 +16,10 @@ template <class F> int ZCompactRBMap::repairingSeek(uint link, F&& order) const 
 }
 
 int ZCompactRBMap::findIndexAtRoot(uint treeRoot, const void* key) const {
-    return repairingSeek(treeRoot, [&](const Item* item) { return compareKey(item, key); });
+    return repairingSeek(treeRoot, [&](const ZCompactRBItem* item) { return compareKey(item, key); });
 }
 int ZCompactRBMap::findValueIndexAtRoot(uint treeRoot, const void* value) const {
-    return repairingSeek(treeRoot, [&](const Item* item) { return compareValue(item, value); });
+    return repairingSeek(treeRoot, [&](const ZCompactRBItem* item) { return compareValue(item, value); });
 }
 
 int ZCompactRBMap::findIndex(const void* key) const {
@@ -52,12 +52,12 @@ int ZCompactRBMap::findValueIndex(const void* value) const {
     return hasTree() ? findValueIndexAtRoot(rootFor(hash), value) : -1;
 }
 
-ZCompactRBMap::Item* ZCompactRBMap::findItem(const void* key) const {
+ZCompactRBItem* ZCompactRBMap::findItem(const void* key) const {
     int index = findIndex(key);
     return index < 0 ? nullptr : itemStart(uint(index));
 }
 
-ZCompactRBMap::Item* ZCompactRBMap::findItemByValue(const void* value) const {
+ZCompactRBItem* ZCompactRBMap::findItemByValue(const void* value) const {
     int index = findValueIndex(value);
     return index < 0 ? nullptr : itemStart(uint(index));
 }

@@ -1,38 +1,25 @@
 #include "core/ZCompactRBMap.h"
 
+#include "core/memsort.h"
+
 #include <cstring>
 
 namespace {
 
-/// A stable merge sort of `count` numbers. `after(a, b)` tells that `a` belongs behind `b`; `spare` has the same room.
-template <class F> void sortNumbers(int* numbers, int* spare, uint count, F&& after) {
-    constexpr uint run = 8;
-    for (uint start = 0; start < count; start += run) {
-        uint end = count - start > run ? start + run : count;
-        for (uint i = start + 1; i < end; ++i) {
-            int moved = numbers[i];
-            uint at = i;
-            for (; at > start && after(numbers[at - 1], moved); --at) numbers[at] = numbers[at - 1];
-            numbers[at] = moved;
-        }
+/// What the sort of positions needs to compare two of them.
+struct Order {
+    const ZCompactRBMap& map;
+    ZCompactRBMap::Compare compare;
+    const void* context;
+    bool ascending;
+
+    static int call(const void* a, const void* b, void* order) {
+        auto self = static_cast<const Order*>(order);
+        uint first = *static_cast<const uint*>(a), second = *static_cast<const uint*>(b);
+        int result = self->compare(self->context, self->map.itemStart(first), self->map.itemStart(second));
+        return self->ascending ? result : -(result > 0) + (result < 0);
     }
-    int *from = numbers, *to = spare;
-    for (ularge width = run; width < count; width *= 2) {
-        for (ularge start = 0; start < count; start += 2 * width) {
-            ularge middle = start + width < count ? start + width : count;
-            ularge end = middle + width < count ? middle + width : count;
-            ularge left = start, right = middle, out = start;
-            while (left < middle && right < end)
-                to[out++] = after(from[left], from[right]) ? from[right++] : from[left++];
-            std::memcpy(to + out, from + left, (middle - left) * sizeof(int));
-            std::memcpy(to + out + (middle - left), from + right, (end - right) * sizeof(int));
-        }
-        int* other = from;
-        from = to;
-        to = other;
-    }
-    if (from != numbers) std::memcpy(numbers, from, size_t(count) * sizeof(int));
-}
+};
 
 /// Exchanges the bytes of two items.
 void swapBytes(char* a, char* b, size_t size) {
@@ -50,10 +37,10 @@ void swapBytes(char* a, char* b, size_t size) {
 
 } // namespace
 
-int ZCompactRBMap::byItem(const void* map, const Item* a, const Item* b) {
+int ZCompactRBMap::byItem(const void* map, const ZCompactRBItem* a, const ZCompactRBItem* b) {
     return static_cast<const ZCompactRBMap*>(map)->compareItem(a, b);
 }
-int ZCompactRBMap::byKey(const void* context, const Item* a, const Item* b) {
+int ZCompactRBMap::byKey(const void* context, const ZCompactRBItem* a, const ZCompactRBItem* b) {
     auto map = static_cast<const ZCompactRBMap*>(context);
     int result = map->compareItemKey(a, b);
     return result ? result : map->compareItem(a, b);
@@ -65,10 +52,8 @@ bool ZCompactRBMap::sortOrder(int* order, Compare compare, const void* context, 
     if (n < 2) return true;
     auto spare = static_cast<int*>(__zalloc(n * sizeof(int)));
     if (!spare) return false;
-    sortNumbers(order, spare, n, [&](int a, int b) {
-        int result = compare(context, itemStart(uint(a)), itemStart(uint(b)));
-        return ascending ? result > 0 : result < 0;
-    });
+    Order by{*this, compare, context, ascending};
+    mergesort(order, n, sizeof(int), Order::call, &by, spare);
     zfree(spare);
     return true;
 }

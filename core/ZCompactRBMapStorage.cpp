@@ -16,7 +16,7 @@ ZCompactRBMap::Storage ZCompactRBMap::takeStorage() {
 
 /// Frees what was taken, last item first.
 void ZCompactRBMap::freeStorage(Storage& taken) {
-    while (taken.count > 0) freeItem(reinterpret_cast<Item*>(taken.items + --taken.count * taken.size));
+    while (taken.count > 0) freeItem(reinterpret_cast<ZCompactRBItem*>(taken.items + --taken.count * taken.size));
     zfree(taken.block());
 }
 
@@ -26,7 +26,7 @@ void ZCompactRBMap::clear() {
 }
 
 bool ZCompactRBMap::setItemSize(uint size) {
-    if (size && size < sizeof(Item)) return false;
+    if (size && size < sizeof(ZCompactRBItem)) return false;
     if (size == itemBytes) return true;
     if (itemCount) return false;
     clear();
@@ -187,7 +187,8 @@ void ZCompactRBMap::removeItems(int index, int count, bool built) {
             if (n > 64 && n > itemCount / 4) dropTree();
             takeOut(uint(from), n, aside);
         }
-        for (uint i = 0; built && aside && i < n; ++i) freeItem(reinterpret_cast<Item*>(aside + size_t(i) * itemBytes));
+        for (uint i = 0; built && aside && i < n; ++i)
+            freeItem(reinterpret_cast<ZCompactRBItem*>(aside + size_t(i) * itemBytes));
         if (aside != small) zfree(aside);
         end -= n;
     }

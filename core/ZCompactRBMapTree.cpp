@@ -66,7 +66,7 @@ void ZCompactRBMap::refreshTree() const {
 }
 
 bool ZCompactRBMap::linkTreeNode(uint& treeRoot, int index) const {
-    const Item* own = itemStart(uint(index));
+    const ZCompactRBItem* own = itemStart(uint(index));
     const Links tree = links();
     uint up = 0, steps = itemCount;
     int side = 0;
@@ -81,7 +81,7 @@ bool ZCompactRBMap::linkTreeNode(uint& treeRoot, int index) const {
 
 /// Whether an item is part of the index that is built.
 bool ZCompactRBMap::isLinked(uint index) const {
-    const Item* own = itemStart(index);
+    const ZCompactRBItem* own = itemStart(index);
     return own->parent || own->left || own->right || rootFor(hashItem(own)) == linkOf(index);
 }
 
@@ -103,7 +103,7 @@ void ZCompactRBMap::unlinkNode(int index) {
     uint& treeRoot = rootFor(hashItem(itemStart(uint(index))));
     if (treeRoot != top) return dropTree();
     toolkit::treeRemove(tree, treeRoot, link);
-    tree.at(link) = Item();
+    tree.at(link) = ZCompactRBItem();
 }
 
 void ZCompactRBMap::addNode(int index) {
@@ -129,7 +129,7 @@ void ZCompactRBMap::shiftIndexes(uint from, int by) {
     for (uint i = 0; i < buckets; ++i) shift(table[i]);
     shift(root);
     for (uint i = 0; i < itemCount; ++i) {
-        Item* item = itemStart(i);
+        ZCompactRBItem* item = itemStart(i);
         shift(item->parent);
         shift(item->left);
         shift(item->right);
@@ -178,7 +178,7 @@ int ZCompactRBMap::depthBelow(uint top) const {
     int deepest = 0, level = 0;
     uint link = top, from = top - tree.first < itemCount ? tree.at(top).parent : 0;
     for (ularge steps = 3 * ularge(itemCount); steps > 0 && link - tree.first < itemCount; --steps) {
-        const Item& node = tree.at(link);
+        const ZCompactRBItem& node = tree.at(link);
         uint next;
         if (from == node.parent) {
             if (++level > deepest) deepest = level;
