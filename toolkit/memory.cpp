@@ -8,8 +8,6 @@
 
 namespace toolkit {
 
-void (*freeBlockLock)(uint32_t number) = nullptr;
-
 static const AllocHooks* hooks = nullptr;
 
 const AllocHooks* setAllocHooks(const AllocHooks* wanted) { return exchange(hooks, wanted); }
@@ -168,8 +166,7 @@ void* reallocBlock(void* payload, size_t size) {
 void freeBlock(void* payload) {
     if (!payload) return;
     BlockHead* head = blockHead(payload);
-    if (uint32_t lock = load(head->state) & blockLockMask; ORV_UNLIKELY(lock != 0) && freeBlockLock)
-        freeBlockLock(lock);
+    if (uint32_t lock = load(head->state) & blockLockMask; ORV_UNLIKELY(lock != 0)) freeBlockLock(lock);
     if (const AllocHooks* watch = load(hooks); ORV_UNLIKELY(watch != nullptr)) watch->gone(payload);
     size_t size = blockSize(payload);
 #ifndef NDEBUG

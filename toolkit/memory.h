@@ -59,7 +59,7 @@ ORV_API ularge totalPhysicalMemory();
 ORV_API ularge freeMemory();  ///< physical and swap
 ORV_API ularge totalMemory(); ///< physical and swap
 
-/// Gives the lock of a block back; set by the lock layer, called with the number in `BlockHead::state`.
-ORV_API extern void (*freeBlockLock)(uint32_t number);
+/// Gives the lock of a block back, by the number in `BlockHead::state`. The lock layer defines it.
+void freeBlockLock(uint32_t number);
 
 } // namespace toolkit
