@@ -133,15 +133,168 @@ public:
         return append(View(text, orv::detail::givenLength(text, length)));
     }
     bool append(const View& text);
-    ZString operator+(const ZString& other) const;
+    /// Appends `n` terminated UTF-8 texts; null ones are passed over.
+    bool appendn(int n, ...);
+    /// The position is held within the text.
+    bool insert(int pos, const ZString& text);
+    /// Removes the units from `pos` to `pos + n`, as far as the text has them. False if there are none.
+    bool remove(int pos, int n);
+    /// Writes one unit, cutting the value to it. False for a position outside the text.
+    bool set(int pos, char unit) { return setUnit(pos, static_cast<unsigned char>(unit)); }
+    bool set(int pos, wchar unit) { return setUnit(pos, unit); }
+    bool set(int pos, ichar unit) { return setUnit(pos, unit); }
+    /// Overwrites from a position on with the first `n` units of a text, all of them if `n` is negative. What would
+    /// stand behind the end is left out.
+    bool set(int pos, const ZString& text, int n = -1);
+    /// Sets every unit.
+    bool fill(int unit);
+    bool lower();
+    bool upper();
+    /// Replaces every code point, and answers how many; -1 without memory. 0 as the other code takes it out.
+    int replace(uint code, uint other);
+    /// Replaces the first occurrence until none is left, and answers how many; -1 without memory. Where the replacement
+    /// contains what it replaces, the search goes on behind it. Replacements that never come to an end are given up:
+    /// -1, the text as it was.
+    int replace(const ZString& needle, const ZString& other);
 
     // Parts, in the string's own width
 
+    ZString operator+(const ZString& other) const;
     /// The first `n` units.
     ZString start(int n) const;
     /// What is left without the first `n` units.
     ZString end(int n) const;
     ZString extract(int pos, int n) const;
+    /// The text in front of the n-th blank; all of it if there are fewer.
+    ZString words(int n) const;
+
+    // Search: the position of a unit, -1 if it isn't there. What is looked for takes the string's width; an empty text
+    // is found at once. With `from` the search starts there. An `i` ignores case by simple folding.
+
+    int pos(const ZString& text) const { return find(text.view(), 0, false, false); }
+    int pos(int from, const ZString& text) const { return find(text.view(), from, false, false); }
+    int posi(const ZString& text) const { return find(text.view(), 0, false, true); }
+    int posi(int from, const ZString& text) const { return find(text.view(), from, false, true); }
+    /// The last occurrence.
+    int rpos(const ZString& text) const { return find(text.view(), 0, true, false); }
+    int rposi(const ZString& text) const { return find(text.view(), 0, true, true); }
+    /// A code point. The code 0 is nowhere.
+    int codePos(ichar code) const { return findCode(code, 0, false, false); }
+    int codePos(int from, ichar code) const { return findCode(code, from, false, false); }
+    int codePosI(ichar code) const { return findCode(code, 0, false, true); }
+    int codePosI(int from, ichar code) const { return findCode(code, from, false, true); }
+    int codeRPos(ichar code) const { return findCode(code, 0, true, false); }
+    int codeRPosI(ichar code) const { return findCode(code, 0, true, true); }
+    int pos(char code) const { return codePos(static_cast<unsigned char>(code)); }
+    int pos(wchar code) const { return codePos(code); }
+    int pos(ichar code) const { return codePos(code); }
+    int pos(int from, char code) const { return codePos(from, static_cast<unsigned char>(code)); }
+    int pos(int from, wchar code) const { return codePos(from, code); }
+    int pos(int from, ichar code) const { return codePos(from, code); }
+    int rpos(char code) const { return codeRPos(static_cast<unsigned char>(code)); }
+    int rpos(wchar code) const { return codeRPos(code); }
+    int rpos(ichar code) const { return codeRPos(code); }
+    bool starts(const ZString& text) const { return startsWith(text.view(), false); }
+    bool startsI(const ZString& text) const { return startsWith(text.view(), true); }
+    bool ends(const ZString& text) const { return endsWith(text.view(), false); }
+    bool endsI(const ZString& text) const { return endsWith(text.view(), true); }
+
+    // Likeness
+
+    /// Whether a pattern covers the whole text: `*` stands for any run of code points, `?` for one.
+    bool match(const ZString& pattern) const { return matches(pattern.view(), false); }
+    bool matchi(const ZString& pattern) const { return matches(pattern.view(), true); }
+    /// The least cost of making the other text from this one: a code point added or removed costs `gap`, one exchanged
+    /// `change`. -1 without memory.
+    int distance(const ZString& other, int gap = 1, int change = 1) const;
+    /// Whether the distance is below `limit`; it answers as soon as that is known. False without memory.
+    bool shorterDistance(const ZString& other, int limit, int gap = 1, int change = 1) const;
+    /// The length in code points of the longest text that can be made from both by leaving out code points. -1 without
+    /// memory.
+    int longestSubsequence(const ZString& other) const;
+
+    // Parts between separators, in the string's own width. Without memory a failure is raised and there are none. A
+    // part of nothing between two separators is there with `keepEmpty`; behind the last one it never is.
+
+    /// Units at or below the blank separate.
+    ZArrayT<ZString> split() const;
+    ZArrayT<ZString> split(uint code, bool keepEmpty) const;
+    /// Every code point of `codes` separates.
+    ZArrayT<ZString> split(const ZString& codes, bool keepEmpty) const;
+    /// The whole of `delimiter` separates; with an empty one the string is the only part.
+    ZArrayT<ZString> splitString(const ZString& delimiter, bool keepEmpty = true) const;
+    /// The parts that aren't empty, their units below the blank as blanks.
+    ZArrayT<ZString> extractNames(uint code) const;
+    static ZString join(const ZArrayT<ZString>& parts, const ZString& separator = ZString());
+
+    // Numbers out. A `WChar` or `IChar` string keeps its width, any other becomes `Char`. A width fills up on the left
+    // with blanks, or with zeros behind the sign; digits above 9 are lower-case letters unless `upper`.
+
+    bool setInt(int value, int radix = 10, int width = 0, bool zeros = false, bool upper = false) {
+        return setLarge(value, radix, width, zeros, upper);
+    }
+    bool setUInt(uint value, int radix = 10, int width = 0, bool zeros = false, bool upper = false) {
+        return setULarge(value, radix, width, zeros, upper);
+    }
+    bool setLong(long value, int radix = 10, int width = 0, bool zeros = false, bool upper = false) {
+        return setLarge(value, radix, width, zeros, upper);
+    }
+    bool setULong(unsigned long value, int radix = 10, int width = 0, bool zeros = false, bool upper = false) {
+        return setULarge(value, radix, width, zeros, upper);
+    }
+    bool setLarge(large value, int radix = 10, int width = 0, bool zeros = false, bool upper = false);
+    bool setULarge(ularge value, int radix = 10, int width = 0, bool zeros = false, bool upper = false);
+    /// A real with `precision(value, precision)` decimals, zeros at the end cut.
+    bool setReal(double value, int width = 0, int precision = 0, int decimal = '.');
+    /// A real with just so many decimals, zeros at the end cut.
+    bool setRealNumber(double value, int width, int precision, int decimal);
+    /// A numeral; false for a value that the format has none for.
+    bool setNumber(uint value, NumFormat format);
+    static ZString number(int value) { return number(large(value)); }
+    static ZString number(uint value) { return number(ularge(value)); }
+    static ZString number(long value) { return number(large(value)); }
+    static ZString number(unsigned long value) { return number(ularge(value)); }
+    static ZString number(large value);
+    static ZString number(ularge value);
+    static ZString number(double value);
+    /// Decimals for a real: 6 if `asked` is 0, else `asked`; at least 8 for magnitudes below 10.
+    static int precision(double value, int asked);
+    /// The decimal character of the platform.
+    static ichar decimal();
+
+    // Numbers in: the whole text, with blanks around it. False, with `out` as it was, for anything else.
+
+    /// "yes" or "true", "no" or "false", in lower case.
+    bool toBool(bool& out) const;
+    bool toByte(byte& out, int radix = 10) const;
+    bool toChar(int8& out, int radix = 10) const { return toInt8(out, radix); }
+    bool toInt8(int8& out, int radix = 10) const;
+    bool toInt16(int16& out, int radix = 10) const;
+    bool toWord(word& out, int radix = 10) const;
+    bool toInt(int& out, int radix = 10) const;
+    bool toUInt(uint& out, int radix = 10) const;
+    bool toLong(long& out, int radix = 10) const;
+    bool toULong(unsigned long& out, int radix = 10) const;
+    bool toLarge(large& out, int radix = 10) const;
+    bool toULarge(ularge& out, int radix = 10) const;
+    bool toFloat(float& out, int decimal = '.') const;
+    bool toDouble(double& out, int decimal = '.') const { return toReal(out, decimal); }
+    bool toReal(double& out, int decimal = '.') const;
+    /// Whether the text starts with a prefix and the rest is an integer.
+    bool prefixedInt(const char* prefix, int& value, int radix = 10) const;
+    /// Takes the text apart at its first run of decimal digits. False, with nothing changed, if there is none, or none
+    /// that an int holds.
+    bool splitAtNumber(ZString& before, ZString& after, int& number) const;
+
+    // Formatted text (see text/format.h). The string takes the format's width. A result of nothing answers false and
+    // leaves the text. Arguments may be the string's own text.
+
+    bool printf(const char* format, ...);
+    bool printf(const wchar* format, ...);
+    bool printf(const ichar* format, ...);
+    bool aprintf(const char* format, var_arg* arguments);
+    bool aprintf(const wchar* format, var_arg* arguments);
+    bool aprintf(const ichar* format, var_arg* arguments);
 
     // Comparison: negative, 0 or positive
 
@@ -211,6 +364,22 @@ private:
     /// Makes the string a private record of at least a capacity.
     bool own(large capacity);
     bool setCapacity(large capacity, bool exact);
+    /// Replaces `removed` units at `pos`, both within the text.
+    bool splice(int pos, int removed, const View& text);
+    bool insertCode(int pos, ichar code);
+    bool setUnit(int pos, ichar unit);
+    bool fillCode(ichar code);
+    ichar unitAt(int pos) const;
+    bool mapCase(bool upper);
+    int replace(const View& needle, const View& other);
+    int find(const View& text, int from, bool last, bool ignoreCase) const;
+    int findCode(ichar code, int from, bool last, bool ignoreCase) const;
+    bool startsWith(const View& text, bool ignoreCase) const;
+    bool endsWith(const View& text, bool ignoreCase) const;
+    bool matches(const View& pattern, bool ignoreCase) const;
+    /// Sets what `write(out, size)` writes in the string's width.
+    template <class F> bool setWritten(F write);
+    template <class C> bool setFormatted(const C* format, var_arg* arguments);
     /// The capacity after growing for `need` units.
     large grownCapacity(large need) const;
 

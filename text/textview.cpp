@@ -1,7 +1,7 @@
 #include "text/textview.h"
 
+#include "text/search.h"
 #include "toolkit/hash.h"
-#include "toolkit/text.h"
 
 #include <cstring>
 
@@ -144,8 +144,7 @@ int compareTextFolded(const TextView& a, const TextView& b) {
             auto leftEnd = left + leftLength;
             auto rightEnd = right + rightLength;
             while (left < leftEnd && right < rightEnd) {
-                ichar l = toolkit::codeFold(decodeCode(left, leftEnd)),
-                      r = toolkit::codeFold(decodeCode(right, rightEnd));
+                ichar l = readCode(left, leftEnd, Case::Ignored), r = readCode(right, rightEnd, Case::Ignored);
                 if (l != r) return l < r ? -1 : 1;
             }
             return (left < leftEnd) - (right < rightEnd);

@@ -56,6 +56,25 @@ ORV_API uint hashText(const TextView& view);
 /// Code points of a text.
 ORV_API int countText(const TextView& view);
 
+/// A code point as text of a width; 0 has no units, and what is no code point is U+FFFD.
+class CodeText {
+public:
+    CodeText(ichar code, int width) : width(width) {
+        if (!code) return;
+        if (width == wcharText)
+            length = encodeCode(reinterpret_cast<wchar*>(room), code);
+        else if (width == icharText)
+            length = encodeCode(reinterpret_cast<ichar*>(room), code);
+        else
+            length = encodeCode(room, code);
+    }
+    operator TextView() const { return {room, length, width}; }
+
+private:
+    alignas(4) char room[8] = {};
+    int length = 0, width;
+};
+
 /// A text in the width of `C`: the text itself where it has that width, else a converted copy that lives as long as
 /// this. Small copies stand in the object. Where there is no memory, `failed` is set and the text is empty.
 template <class C> class TextIn {

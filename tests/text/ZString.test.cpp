@@ -12,16 +12,6 @@
 using namespace orv;
 
 namespace {
-class StringTest : public testing::Test {
-protected:
-    void SetUp() override { ASSERT_TRUE(strtable::open()); }
-    void TearDown() override {
-        EXPECT_EQ(strtable::texts(), 0);
-        strtable::close();
-        zrecover();
-    }
-};
-
 /// In the order of their code points; UTF-16 units would order the last two the other way round.
 const std::vector<std::string> ordered = {
     "", "A", "Ab", "a", "\xC3\xA9", "\xE3\x81\x82", "\xEF\xBD\xA1", "\xF0\x9F\x98\x80"};
@@ -176,8 +166,7 @@ TEST_F(StringTest, MalformedTextsAreOrderedAndToldApart) {
             int ab = a.compare(b);
             EXPECT_EQ((ab > 0) - (ab < 0), (b.compare(a) < 0) - (b.compare(a) > 0));
             EXPECT_TRUE(ab || a.textHash() == b.textHash());
-            for (auto& c : all)
-                EXPECT_FALSE(ab <= 0 && b.compare(c) <= 0 && a.compare(c) > 0);
+            for (auto& c : all) EXPECT_FALSE(ab <= 0 && b.compare(c) <= 0 && a.compare(c) > 0);
         }
     EXPECT_NE(all[2].compare(all[3]), 0);
     EXPECT_EQ(all[9].compare(all[12]), 0);

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "core/ZError.h"
 #include "text/ZString.h"
+#include "text/strtable.h"
 
+#include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
@@ -22,3 +25,20 @@ inline ZString inForm(const std::string& text, ZString::Type type) {
 
 /// The forms that hold text themselves.
 inline const ZString::Type widths[] = {ZString::Char, ZString::WChar, ZString::IChar};
+
+/// Calls `f(text, type)` with a text in every form.
+template <class F> void inEveryForm(const std::string& text, F f) {
+    for (ZString::Type type : widths) f(inForm(text, type), type);
+    f(inForm(text, ZString::Internal), ZString::Internal);
+}
+
+/// Opens the table of internal texts for a test, and sees that none is left.
+class StringTest : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(orv::strtable::open()); }
+    void TearDown() override {
+        EXPECT_EQ(orv::strtable::texts(), 0);
+        EXPECT_EQ(zrecover(), 0);
+        orv::strtable::close();
+    }
+};
