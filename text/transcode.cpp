@@ -131,6 +131,19 @@ ichar decodeBytes(const char*& at, const char* end) {
     return (lead & 7) << 18 | (p[1] & 63u) << 12 | (p[2] & 63u) << 6 | (p[3] & 63u);
 }
 
+bool wellFormed(const char* text, size_t length) {
+    for (const char *at = text, *end = text + length; at < end;) {
+        at += asciiPrefix(at, size_t(end - at));
+        while (at < end && !isAscii(*at)) {
+            const char* start = at;
+            if (decodeBytes(at, end) == replacementCode &&
+                (at - start != 3 || std::memcmp(start, "\xEF\xBF\xBD", 3) != 0))
+                return false;
+        }
+    }
+    return true;
+}
+
 template <class C> ichar decodeBefore(const C*& at, const C* begin) {
     if constexpr (sizeof(C) == 1) {
         // A sequence that begins up to three bytes earlier and ends exactly here, else a byte of its own. Reading

@@ -53,12 +53,16 @@ inline uint64_t hash64(const void* data, size_t length, uint64_t seed = 0) {
     return fold(key2 ^ length, fold(a ^ key1, b ^ h));
 }
 
+/// 64 hash bits folded and held below `limit`; 0xFFFFFFFF means no limit.
+inline unsigned limitHash(uint64_t h, unsigned limit) {
+    unsigned folded = unsigned(h ^ h >> 32);
+    return limit == 0xFFFFFFFFu ? folded : limit ? folded % limit : 0;
+}
+
 /// The hash of a byte range, held below `limit`; 0xFFFFFFFF means no limit. `method` picks the family: 0 is the
 /// default, any other number gives another, equally good one.
 inline unsigned hashData(unsigned method, const void* data, size_t length, unsigned limit) {
-    uint64_t h = hash64(data, length, method);
-    unsigned folded = unsigned(h ^ h >> 32);
-    return limit == 0xFFFFFFFFu ? folded : limit ? folded % limit : 0;
+    return limitHash(hash64(data, length, method), limit);
 }
 
 } // namespace toolkit

@@ -56,6 +56,9 @@ TEST(Transcode, BytesToCodePoints) {
         EXPECT_EQ(countCodes(row.bytes.data(), row.bytes.size()), row.codes.size()) << row.what;
         EXPECT_EQ(convert<ichar>(convert<wchar>(row.bytes)), row.codes) << row.what;
         EXPECT_EQ(convert<char>(row.bytes), convert<char>(row.codes)) << row.what;
+        // Repairing leaves exactly the well-formed texts as they are.
+        EXPECT_EQ(wellFormed(row.bytes.data(), row.bytes.size()), convert<char>(row.codes) == row.bytes) << row.what;
+        EXPECT_TRUE(wellFormed(convert<char>(row.codes).data(), convert<char>(row.codes).size())) << row.what;
     }
 }
 

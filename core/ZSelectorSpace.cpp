@@ -1,0 +1,282 @@
+#include "core/ZSelectorSpace.h"
+
+#include "core/ZSelectorData.h"
+#include "core/construct.h"
+#include "toolkit/hash.h"
+#include "toolkit/image.h"
+
+#include <cstring>
+
+using orv::detail::NormalText;
+using orv::detail::SelectorEntry;
+using toolkit::load;
+using toolkit::store;
+using toolkit::storeRelease;
+
+namespace orv::detail {
+constinit ularge permanentSelectors = ZSelectorSpace::defaultPermanentLimit;
+
+uint retainSelector(uint id) { return ZSelectorSpace::space().retain(id, true); }
+void releaseSelector(uint id) { ZSelectorSpace::space().remove(id, true); }
+} // namespace orv::detail
+
+namespace {
+constinit ZSelectorSpace theSpace;
+}
+ZSelectorSpace& ZSelectorSpace::space() { return theSpace; }
+
+/// The spin lock for a scope, or nothing for a caller who holds it.
+struct ZSelectorSpace::Hold {
+    Hold(ZSelectorSpace& space, bool lock) : spin(lock ? &space.spin : nullptr) {
+        if (spin) spin->lock();
+    }
+    ~Hold() {
+        if (spin) spin->unlock();
+    }
+    Hold(const Hold&) = delete;
+    ZSpinLock* spin;
+};
+
+bool ZSelectorSpace::open() {
+    if (isOpen()) return true;
+    map = zmake<ZRedBlackMap>();
+    user = zmake<ZSelectorUser>();
+    if (!map || !user || !map->init(sizeof(ZSelectorData), hashSize, growth)) {
+        zrelease(std::exchange(map, nullptr));
+        zrelease(std::exchange(user, nullptr));
+        return false;
+    }
+    map->setUser(user);
+    store(orv::detail::permanentSelectors, defaultPermanentLimit);
+    storeRelease(closed, false);
+    return true;
+}
+
+void ZSelectorSpace::close() {
+    if (!isOpen()) return;
+    spin.lock();
+    storeRelease(closed, true);
+    spin.unlock();
+    index.clear();
+    zrelease(std::exchange(map, nullptr));
+    zrelease(std::exchange(user, nullptr));
+}
+
+uint ZSelectorSpace::count() const { return isOpen() ? map->count() : 0; }
+
+ZSelectorData* ZSelectorSpace::get(uint id) const {
+    if (!id || !isOpen()) return nullptr;
+    return static_cast<ZSelectorData*>(map->entry(id));
+}
+
+// Interning
+
+uint ZSelectorSpace::create(const char* text, bool lock) {
+    if (!text || !isOpen()) return 0;
+    size_t length = std::strlen(text);
+    return length <= size_t(ZSelector::longestText) ? enterNormal(text, int(length), lock, true) : 0;
+}
+uint ZSelectorSpace::create(const char* text, int length, bool lock) { return enterNormal(text, length, lock, true); }
+uint ZSelectorSpace::find(const char* text, int length, bool lock) { return enterNormal(text, length, lock, false); }
+
+uint ZSelectorSpace::enterNormal(const char* text, int length, bool lock, bool create) {
+    if (!text || length < 1 || !isOpen()) return 0;
+    size_t bytes = size_t(length);
+    ularge hash = toolkit::hash64(text, bytes);
+    if (ZSelectorData* known = index.find(text, bytes, hash, SelectorEntry::normalizes, 0)) return known->self;
+    NormalText normal(text, bytes);
+    if (!normal || !normal.length || normal.length > size_t(ZSelector::longestText)) return 0;
+    bool same = normal.length == bytes && std::memcmp(normal.text, text, bytes) == 0;
+    if (!same) {
+        hash = toolkit::hash64(normal.text, normal.length);
+        if (ZSelectorData* known = index.find(normal.text, normal.length, hash, 0, normal.type)) return known->self;
+    }
+    ZSelectorData wanted(normal.text, normal.length, normal.type, hash);
+    return enter(wanted, same ? uint(SelectorEntry::normalizes) : 0, lock, create, false);
+}
+
+uint ZSelectorSpace::create(const char* text, int length, ZSelector::Type type, bool lock) {
+    if (!text || length < 1) return 0;
+    auto trimmed = orv::detail::trimBlanks(text, size_t(length));
+    return enterPlain(trimmed.text, trimmed.length, type, lock, true);
+}
+uint ZSelectorSpace::find(const char* text, int length, ZSelector::Type type, bool lock) {
+    if (!text || length < 1) return 0;
+    auto trimmed = orv::detail::trimBlanks(text, size_t(length));
+    return enterPlain(trimmed.text, trimmed.length, type, lock, false);
+}
+uint ZSelectorSpace::createBytes(const char* text, int length, bool lock) {
+    return text && length > 0 ? enterPlain(text, size_t(length), ZSelector::Detect, lock, true) : 0;
+}
+uint ZSelectorSpace::findBytes(const char* text, int length, bool lock) {
+    return text && length > 0 ? enterPlain(text, size_t(length), ZSelector::Detect, lock, false) : 0;
+}
+
+uint ZSelectorSpace::enterPlain(const char* text, size_t length, ZSelector::Type type, bool lock, bool create) {
+    if (!length || !isOpen()) return 0;
+    ularge hash = toolkit::hash64(text, length);
+    bool detect = uint(type) >= ZSelector::Detect;
+    uint mark = detect ? uint(SelectorEntry::detects) : 0;
+    if (ZSelectorData* known = index.find(text, length, hash, mark, type)) return known->self;
+    if (detect) type = orv::detail::selectorType(text, length);
+    ZSelectorData wanted(text, length, type, hash);
+    return enter(wanted, mark, lock, create, false);
+}
+
+uint ZSelectorSpace::createLink(const char* text, bool variableName, bool lock) {
+    if (!text || !*text || !isOpen()) return 0;
+    size_t length = std::strlen(text);
+    if (length > size_t(ZSelector::longestText)) return 0;
+    ularge hash = toolkit::hash64(text, length);
+    ZSelectorData* known = index.find(text, length, hash, SelectorEntry::detects, 0);
+    if (known && (!variableName || load(known->flags) & ZSelectorData::VariableName)) return known->self;
+    ZSelectorData wanted(text, length, orv::detail::selectorType(text, length), hash);
+    if (variableName) wanted.flags |= ZSelectorData::VariableName;
+    return enter(wanted, SelectorEntry::detects, lock, true, true);
+}
+
+uint ZSelectorSpace::create(const ZSelector& name, const ZSelector& result, const ZSelector* params, int count,
+                            ZSelector::Type type, bool lock) {
+    if (!isOpen()) return 0;
+    size_t length;
+    char* text = ZSelectorData::composeText(name, result, params, count, type, length);
+    if (!text) return 0;
+    ularge hash = toolkit::hash64(text, length);
+    if (ZSelectorData* known = index.find(text, length, hash, 0, type)) {
+        zfree(text);
+        return known->self;
+    }
+    ZSelectorData wanted(text, length, type, hash);
+    wanted.marks = 0; // the text is its own
+    return enter(wanted, 0, lock, true, false);
+}
+
+/// Finds the wanted entry or adds it; a borrowed text is copied first, unless it is to be linked.
+uint ZSelectorSpace::enter(ZSelectorData& wanted, uint marks, bool lock, bool create, bool link) {
+    for (bool ready = link || !(wanted.marks & SelectorEntry::borrowed);; ready = true) {
+        {
+            Hold held(*this, lock);
+            if (!isOpen()) return 0;
+            if (uint id = map->find(&wanted)) return take(id, marks, wanted.flags & ZSelectorData::VariableName);
+            if (!create) return 0;
+            if (ready) return add(wanted, marks, link);
+        }
+        if (!wanted.detach()) return 0;
+    }
+}
+
+/// Holds an entry that was found; the lock is held.
+uint ZSelectorSpace::take(uint id, uint marks, uint flags) {
+    auto entry = static_cast<ZSelectorData*>(map->entry(id));
+    if (marks & ~entry->marks) store(entry->marks, entry->marks | marks);
+    if (flags & ~entry->flags) storeRelease(entry->flags, entry->flags | flags);
+    if (!(entry->marks & SelectorEntry::uncounted)) toolkit::increment(entry->refCount);
+    return id;
+}
+
+/// Adds an entry to which everything of `wanted` goes over; the lock is held.
+uint ZSelectorSpace::add(ZSelectorData& wanted, uint marks, bool link) {
+    if (wanted.type == ZSelector::UID) wanted.flags |= ZSelectorData::VariableName;
+    if (link) wanted.flags |= ZSelectorData::Linked;
+    uint id = map->add(&wanted, false);
+    if (!id) return 0;
+    wanted.setNone();
+    auto entry = static_cast<ZSelectorData*>(map->entry(id));
+    bool permanent = id <= permanentLimit();
+    entry->self = id;
+    store(entry->marks, marks | (permanent || link ? uint(SelectorEntry::uncounted) : 0));
+    if (permanent && (!link || toolkit::mappedForGood(entry->text))) index.add(entry);
+    return id;
+}
+
+// Counts
+
+uint ZSelectorSpace::retain(uint id, bool lock) {
+    ZSelectorData* entry = get(id);
+    if (!entry) return 0;
+    if (load(entry->marks) & SelectorEntry::uncounted) return id;
+    Hold held(*this, lock);
+    return toolkit::incNonZero(entry->refCount) > 0 ? id : 0;
+}
+
+int ZSelectorSpace::refcount(uint id) {
+    ZSelectorData* entry = get(id);
+    return entry ? load(entry->refCount) : 0;
+}
+
+/// Lowers a count; an entry without one leaves the map and goes to the front of the list `dead`.
+void ZSelectorSpace::giveUp(uint id, ZSelectorData*& dead, bool lock) {
+    ZSelectorData* entry = get(id);
+    if (!entry || load(entry->marks) & SelectorEntry::uncounted) return;
+    // Only the last count needs the lock: a lookup raises what it finds under it.
+    int seen = load(entry->refCount);
+    while (seen > 1)
+        if (toolkit::compareExchange(entry->refCount, seen, seen - 1)) return;
+    Hold held(*this, lock);
+    if (load(entry->refCount) < 1 || toolkit::decrement(entry->refCount) > 0) return;
+    map->unlink(id);
+    entry->next = dead;
+    dead = entry;
+}
+
+void ZSelectorSpace::remove(uint id, bool lock) {
+    ZSelectorData* dead = nullptr;
+    giveUp(id, dead, lock);
+    if (ORV_UNLIKELY(dead != nullptr)) bury(dead, lock);
+}
+
+/// Frees entries that nobody holds. What they held may follow them: a list, since it can be long.
+void ZSelectorSpace::bury(ZSelectorData* dead, bool lock) {
+    while (ZSelectorData* entry = dead) {
+        dead = entry->next;
+        uint self = entry->self;
+        auto drop = [&](ZSelector& held) {
+            uint id = held.forget();
+            if (id != self && id > permanentLimit()) giveUp(id, dead, lock);
+        };
+        for (ZSelector* each :
+             {&entry->nameSel, &entry->resultSel, &entry->rootNameSel, &entry->mainTypeSel, &entry->unqualifiedSel,
+              &entry->qualifierSel, &entry->packageSel, &entry->typeNameSel, &entry->nameSpaceSel, &entry->baseNameSel})
+            drop(*each);
+        for (uint i = 0; i < entry->paramCount; ++i) drop(entry->params[i]);
+        entry->~ZSelectorData();
+        ::new (entry) ZSelectorData;
+        entry->refCount = 0;
+        Hold held(*this, lock);
+        if (isOpen()) map->remove(self);
+    }
+}
+
+bool ZSelectorSpace::unlink(uint id, bool lock) {
+    ZSelectorData* entry = get(id);
+    if (!entry || !(toolkit::loadAcquire(entry->flags) & ZSelectorData::Linked)) return false;
+    const char* linked = toolkit::loadAcquire(entry->text);
+    if (toolkit::mappedForGood(linked)) return true;
+    auto own = static_cast<char*>(__zalloc(entry->length + size_t(1)));
+    if (own) std::memcpy(own, linked, entry->length + size_t(1));
+    {
+        Hold held(*this, lock);
+        if (isOpen() && entry->flags & ZSelectorData::Linked) {
+            if (own) {
+                storeRelease(entry->text, own);
+                own = nullptr;
+                storeRelease(entry->flags, entry->flags & ~uint(ZSelectorData::Linked));
+                if (id <= permanentLimit()) index.add(entry);
+            } else {
+                static char nothing[] = "";
+                map->unlink(id);
+                storeRelease(entry->text, nothing);
+                store(entry->length, 0u);
+            }
+        }
+    }
+    zfree(own);
+    return true;
+}
+
+void ZSelectorSpace::clearXMLNameMap() {
+    if (!isOpen()) return;
+    ZScopedLock held(spin);
+    for (uint id = 1, last = map->lastId(); id <= last; ++id)
+        if (auto entry = static_cast<ZSelectorData*>(map->entry(id))) entry->xmlName = entry->xmlSpace = 0;
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "toolkit/atomic.h"
+
+class ZSelectorData;
+
+namespace orv::detail {
+
+/// What the space keeps of an entry beside the public fields, in front of them: one cache line answers a lookup.
+struct SelectorEntry {
+    enum Mark : uint {
+        uncounted = 1,  ///< permanent, or was linked: neither retained nor removed
+        normalizes = 2, ///< the normal form of the entry's text is this very entry
+        detects = 4,    ///< the kind of the entry's text is that of the entry
+        borrowed = 8,   ///< in a temporary entry: the text is somebody else's
+    };
+    ularge textHash = 0;
+    ZSelectorData* next = nullptr; ///< in a chain of the index (atomic); else for whoever holds the entry alone
+    uint self = 0;                 ///< the entry's id
+    uint marks = 0;                ///< of `Mark`; written under the space's lock, read without
+};
+
+/// A hash index of entries that stay until `clear`. Lookups take no lock: chains are only pushed to at the front, and
+/// are moved to a larger table a few at a time. A lookup that runs beside such a move, or down a long chain, may miss:
+/// a miss says nothing. Additions are kept apart by the caller's lock.
+class SelectorIndex {
+public:
+    /// Enters an entry. It isn't found if there is no memory for the first table.
+    void add(ZSelectorData* entry);
+    /// An entry with that text that has one of the marks; with no marks given, one of that type. Null on a miss.
+    ZSelectorData* find(const char* text, size_t length, ularge hash, uint marks, int type) const;
+    /// Gives all memory up; nobody may be in a lookup.
+    void clear();
+
+private:
+    struct Table {
+        Table* older; ///< its chains are being moved here; null when that is done (atomic)
+        Table* freed; ///< the list of all tables made before
+        size_t mask;
+        size_t moved; ///< chains of `older` that were moved
+        ZSelectorData* chains[];
+    };
+    static constexpr size_t firstSize = 32768;
+    static constexpr int longestWalk = 48;
+
+    static ZSelectorData* findIn(const Table& table, const char* text, size_t length, ularge hash, uint marks,
+                                 int type);
+    static void push(Table& table, ZSelectorData* entry);
+    static void moveChains(Table& table, size_t count);
+    bool grow(size_t size);
+
+    Table* table = nullptr; ///< atomic
+    size_t count = 0;
+};
+
+} // namespace orv::detail

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "core/ZSelector.h"
+
+/// The syntax of selector texts: pure functions on byte ranges. They allocate nothing unless told, don't recurse, and
+/// take time in proportion to the length.
+namespace orv::detail {
+
+/// A part of a text that somebody else owns; null `text` for none.
+struct TextView {
+    const char* text = nullptr;
+    size_t length = 0;
+};
+
+/// The kind of a text as it stands.
+ORV_API ZSelector::Type selectorType(const char* text, size_t length);
+
+/// Writes the normal form of a text and answers its length; with a null `out` it only measures. `out` needs room for
+/// twice `length`. A text of which at most one character would be kept stays as it is.
+ORV_API size_t normalizeSelector(const char* text, size_t length, ZSelector::Type& type, char* out);
+
+/// The normal form of a text, in a buffer of its own unless it is large.
+class ORV_API NormalText {
+public:
+    NormalText(const char* text, size_t length);
+    ~NormalText();
+    NormalText(const NormalText&) = delete;
+    /// False when there was no memory for it.
+    explicit operator bool() const { return text != nullptr; }
+
+    char* text;
+    size_t length = 0;
+    ZSelector::Type type = ZSelector::Any;
+
+private:
+    static constexpr size_t room = 256;
+    char small[2 * room];
+};
+
+/// Walks over the items of a text as those of one kind. Items that are empty are left out.
+class ORV_API SelectorItems {
+public:
+    SelectorItems(const char* text, size_t length, ZSelector::Type type);
+    /// The next item; false after the last.
+    bool next(TextView& item);
+
+    TextView name;   ///< of a template or function
+    TextView result; ///< of a function
+    /// Where a function's parameters end: its ")", or the end of the text.
+    const char* close() const { return at; }
+
+private:
+    void startTemplate();
+    void startMethod();
+    bool step(TextView& item);
+
+    const char *begin, *at, *end;
+    ZSelector::Type type;
+    bool done = false;
+};
+
+/// What the blanks at both ends leave of a text.
+ORV_API TextView trimBlanks(const char* text, size_t length);
+/// Whether the bytes in front of `at` are "operator", within the text that starts at `begin`.
+inline bool behindOperator(const char* begin, const char* at) {
+    return at - begin >= 8 && __builtin_memcmp(at - 8, "operator", 8) == 0;
+}
+
+} // namespace orv::detail

@@ -1,0 +1,95 @@
+#include "toolkit/userstore.h"
+
+#include "toolkit/coding.h"
+#include "toolkit/files.h"
+#include "toolkit/memory.h"
+#include "toolkit/places.h"
+
+#include <cerrno>
+#include <cstring>
+
+namespace toolkit {
+
+namespace {
+
+/// The file of a name. Letters, digits, "-" and "_" stand for themselves, all other bytes are written as "%xx", so that
+/// no name leaves the folder.
+bool userFile(const char* name, PathText& path) {
+    if (!name || !*name || std::strlen(name) > 80) return false;
+    if (userDataFolder(path) != 0 || !path.join("user") || !path.join("")) return false;
+    for (const char* at = name; *at; ++at) {
+        byte c = byte(*at);
+        bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
+        char coded[3] = {'%'};
+        if (!plain) hexEncode(at, 1, coded + 1);
+        if (!path.append(plain ? at : coded, plain ? 1 : 3)) return false;
+    }
+    return true;
+}
+
+/// The length of the UTF-8 sequence at `at` (Unicode, table 3-7); 0 if there is none.
+size_t sequence(const byte* at, size_t left) {
+    byte first = at[0];
+    size_t size = first < 0x80 ? 1 : first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : first < 0xF5 ? 4 : 0;
+    if (size == 0 || size > left) return 0;
+    for (size_t i = 1; i < size; ++i)
+        if ((at[i] & 0xC0) != 0x80) return 0;
+    bool odd = (first == 0xE0 && at[1] < 0xA0) || (first == 0xED && at[1] > 0x9F) || (first == 0xF0 && at[1] < 0x90) ||
+               (first == 0xF4 && at[1] > 0x8F);
+    return odd ? 0 : size;
+}
+
+bool storable(const char* text, size_t length) {
+    if (length == 0 || length > userTextLimit) return false;
+    auto at = reinterpret_cast<const byte*>(text);
+    for (size_t left = length; left > 0;) {
+        size_t size = *at < 32 && *at != '\t' && *at != '\n' ? 0 : sequence(at, left);
+        if (size == 0) return false;
+        at += size;
+        left -= size;
+    }
+    return true;
+}
+
+} // namespace
+
+char* loadUserText(const char* name, size_t& length) {
+    length = 0;
+    PathText path;
+    if (!userFile(name, path)) return nullptr;
+    size_t size = 0;
+    int error = 0;
+    auto text = static_cast<char*>(readFile(path.text(), userTextLimit + 1, size, error));
+    if (!text) return nullptr;
+    // The closing line end tells that the file is whole.
+    if (size < 2 || text[size - 1] != '\n' || !storable(text, size - 1)) {
+        freeBlock(text);
+        return nullptr;
+    }
+    length = size - 1;
+    text[length] = 0;
+    return text;
+}
+
+bool storeUserText(const char* name, const char* text, size_t length) {
+    PathText path;
+    if (!userFile(name, path)) return false;
+    if (length == 0) {
+        int error = removeFile(path.text());
+        return error == 0 || error == ENOENT;
+    }
+    if (!storable(text, length)) return false;
+    PathText folder;
+    if (!folder.assign(path.text())) return false;
+    folder.cutName();
+    if (createFolder(folder.text(), true) != 0) return false;
+    auto line = static_cast<char*>(allocBlock(length + 1));
+    if (!line) return false;
+    std::memcpy(line, text, length);
+    line[length] = '\n';
+    int error = writeFile(path.text(), line, length + 1);
+    freeBlock(line);
+    return error == 0;
+}
+
+} // namespace toolkit
