@@ -40,6 +40,8 @@ public:
     ZString(const wchar* const* texts, int count);
     ZString(const ichar* const* texts, int count);
     explicit ZString(const View& text);
+    /// The result of running the internal string of an index, as `execResA` does.
+    ZString(uint index, const char* types, var_arg* arguments);
 
     ZString& operator=(const ZString& other) {
         assign(other);
@@ -296,6 +298,52 @@ public:
     bool aprintf(const wchar* format, var_arg* arguments);
     bool aprintf(const ichar* format, var_arg* arguments);
 
+    // Resource strings: texts with the placeholders %1 to %9 for arguments. "%%" is a percent sign, and a backslash
+    // takes the meaning from one of "#$%&():;<=>?[\]^{} behind it; %0 is the code where one is given. What names no
+    // argument stays. Integers are written in decimal, reals with `precision(value, 0)`. The result replaces the text,
+    // in the width of the letter: A `Char`, W `WChar`, I `IChar`.
+    //
+    // `types` has a letter for each argument: i an int, r a double, s a terminated text of the result's width, a blank
+    // a pointer that gives no text.
+
+    bool execResA(const char* types, ...);
+    bool execResW(const char* types, ...);
+    bool execResI(const char* types, ...);
+    bool execResA(uint code, const char* types, ...);
+    bool execResW(uint code, const char* types, ...);
+    bool execResI(uint code, const char* types, ...);
+    bool execResAArg(const ZStringArg* values, int count);
+    bool execResWArg(const ZStringArg* values, int count);
+    bool execResIArg(const ZStringArg* values, int count);
+    bool execResAArg(uint code, const ZStringArg* values, int count);
+    bool execResWArg(uint code, const ZStringArg* values, int count);
+    bool execResIArg(uint code, const ZStringArg* values, int count);
+
+    // Tidying. Codes are code points.
+
+    /// Removes runs of a code at the start and at the end.
+    bool trimEndings(uint code);
+    /// Without a run of `a` at the start and a run of `b` behind it. Either may be missing.
+    ZString removePrefix(uint a, uint b) const;
+    /// Without a run of `a` at the end and a run of `b` before it.
+    ZString removeSuffix(uint a, uint b) const;
+    /// Without the prefix, if the text starts with it.
+    ZString removePrefix(const ZString& prefix) const;
+    /// Without the dashes, bullets and blanks of a list; what has nothing else is empty.
+    ZString adjustListName() const;
+    /// In the text of a number that has a decimal character: removes `fill` at the end down to it, and it as well if
+    /// nothing is left behind it. Then does what `clipDecimal` does.
+    bool removeTrailing(uint decimal, uint fill);
+    /// In a text of more than two units: removes a "0" at the end that follows on "." or `decimal`, with that.
+    bool clipDecimal(uint decimal);
+    /// As `Char` text, every run of CR and LF one LF, without those at the start.
+    ZString cleanupLines() const;
+    /// Whether every byte of the UTF-8 text occurs in that of the alphabet.
+    bool checkAlphabet(const ZString& alphabet) const;
+    /// Whether the text is `min` to `max` hexadecimal digits, with `hash` the first one perhaps a "#". The empty string
+    /// is if `min` is 0.
+    bool checkHexadecimal(int min, int max, bool hash) const;
+
     // Comparison: negative, 0 or positive
 
     /// The order by code points, whatever the widths.
@@ -377,6 +425,9 @@ private:
     bool startsWith(const View& text, bool ignoreCase) const;
     bool endsWith(const View& text, bool ignoreCase) const;
     bool matches(const View& pattern, bool ignoreCase) const;
+    /// Keeps the units from one position to another.
+    bool keep(int from, int to);
+    template <class C> bool runResource(const void* prepared);
     /// Sets what `write(out, size)` writes in the string's width.
     template <class F> bool setWritten(F write);
     template <class C> bool setFormatted(const C* format, var_arg* arguments);

@@ -9,6 +9,7 @@ class ZFileName;
 class ZInteger;
 class ZRange;
 class ZStringPair;
+struct ZStringArg;
 class ZTime;
 template <class C> class ZCharStrT;
 using ZCharStr = ZCharStrT<char>;
