@@ -91,7 +91,8 @@ template <class C> size_t runText(C* out, const C* text, const C* end, const Arg
                         if (out && length) std::memcpy(out + done, from, size_t(length) * sizeof(C));
                         return size_t(length);
                     } else
-                        return detail::transcode(out ? out + done : nullptr, out ? size_t(length) * 4 : 0, from, size_t(length));
+                        return detail::transcode(out ? out + done : nullptr, out ? size_t(length) * 4 : 0, from,
+                                                 size_t(length));
                 });
                 continue;
             }

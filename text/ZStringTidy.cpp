@@ -96,7 +96,8 @@ ZString ZString::adjustListName() const {
 }
 
 bool ZString::clipDecimal(uint decimal) {
-    int to = withText(view(), [&](auto* units, int length) { return int(zeroDecimal(units, units + length, decimal) - units); });
+    int to = withText(
+        view(), [&](auto* units, int length) { return int(zeroDecimal(units, units + length, decimal) - units); });
     return keep(0, to);
 }
 

@@ -61,17 +61,19 @@ TEST_F(StringTidy, Checks) {
         const char* text;
         int min, max;
         bool hash, passes;
-    } rows[] = {{"", 0, 9, false, true},     {"", 1, 9, true, false},    {"12aF", 4, 4, false, true},
+    } rows[] = {{"", 0, 9, false, true},      {"", 1, 9, true, false},      {"12aF", 4, 4, false, true},
                 {"12aF", 5, 9, false, false}, {"12aF", 1, 3, false, false}, {"#12", 3, 3, true, true},
-                {"#12", 1, 2, true, false},   {"#12", 1, 9, false, false}, {"1#2", 1, 9, true, false},
+                {"#12", 1, 2, true, false},   {"#12", 1, 9, false, false},  {"1#2", 1, 9, true, false},
                 {"12g", 1, 9, true, false},   {"#", 1, 1, true, true}};
     for (auto& row : rows)
         inEveryForm(row.text, [&](const ZString& s, ZString::Type) {
             EXPECT_EQ(s.checkHexadecimal(row.min, row.max, row.hash), row.passes) << row.text << row.min;
         });
     inEveryForm("abc\xC3\xA9", [](const ZString& s, ZString::Type) {
-        EXPECT_TRUE(s.checkAlphabet("xa\xC3\xA9" "cb"));
-        EXPECT_TRUE(s.checkAlphabet(U"\xE9" U"cba"));
+        EXPECT_TRUE(s.checkAlphabet("xa\xC3\xA9"
+                                    "cb"));
+        EXPECT_TRUE(s.checkAlphabet(U"\xE9"
+                                    U"cba"));
         EXPECT_FALSE(s.checkAlphabet("abc") || s.checkAlphabet(ZString()));
         EXPECT_TRUE(ZString().checkAlphabet(s) && ZString().checkAlphabet(ZString()));
     });
