@@ -1,5 +1,6 @@
 #include "toolkit/packs.h"
 
+#include "toolkit/datapack.h"
 #include "toolkit/lock.h"
 
 #include <cstring>
@@ -12,8 +13,10 @@ struct Slot {
     const Pack* pack;
     int loads;
 };
-Slot slots[room];
-int slotCount = 0;
+constexpr DataPackServices dataPackServices{DataPack::make};
+constexpr Pack dataPack{"pack/datapack", &dataPackServices, nullptr, nullptr};
+Slot slots[room] = {{&dataPack, 0}};
+int slotCount = 1;
 int packsLock = 0;
 
 struct Guard {

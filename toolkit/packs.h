@@ -13,6 +13,13 @@ struct Pack {
     void (*close)();
 };
 
+class DataPack;
+
+/// What "pack/datapack" offers: the stores under the ordered maps.
+struct DataPackServices {
+    DataPack* (*make)(uint32_t trees, size_t entrySize, uint32_t growth);
+};
+
 /// The handle of a loaded pack; null for a name that isn't there, or a pack that refuses. A pack that is loaded already
 /// gives the same handle and counts.
 ORV_API void* loadPack(const char* name);

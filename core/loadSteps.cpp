@@ -1,0 +1,90 @@
+#include "core/loadSteps.h"
+
+#include "core/ZCoreLib.h"
+#include "core/ZCoreLibSteps.h"
+#include "core/ZLock.h"
+#include "text/strtable.h"
+#include "toolkit/atomic.h"
+#include "toolkit/environment.h"
+#include "toolkit/memory.h"
+#include "toolkit/packs.h"
+#include "toolkit/system.h"
+
+#include <iterator>
+
+namespace {
+
+constexpr const char* firstPacks[] = {"pack/datapack", "pack/xmlpack", "pack/cfgpack", "pack/streampack"};
+constexpr const char* modulePacks[] = {"pack/mathpack", "pack/regexppack", "pack/computepack", "pack/comppack",
+                                       "pack/cryptpack"};
+/// Handles of all packs; null for one that isn't loaded.
+void* firstHandles[std::size(firstPacks)];
+void* moduleHandles[std::size(modulePacks)];
+
+void loadFirstPacks(orv::LoadRun&) {
+    for (size_t i = 0; i < std::size(firstPacks); ++i) firstHandles[i] = toolkit::loadPack(firstPacks[i]);
+}
+void unloadFirstPacks(orv::LoadRun&) {
+    for (size_t i = std::size(firstPacks); i > 0; --i) {
+        toolkit::unloadPack(firstHandles[i - 1]);
+        firstHandles[i - 1] = nullptr;
+    }
+}
+void openModule(orv::LoadRun&) {
+    for (size_t i = 0; i < std::size(modulePacks); ++i)
+        if (!moduleHandles[i]) moduleHandles[i] = toolkit::loadPack(modulePacks[i]);
+}
+void closeModule(orv::LoadRun&) {
+    for (size_t i = 0; i < std::size(modulePacks); ++i) {
+        toolkit::unloadPack(moduleHandles[i]);
+        moduleHandles[i] = nullptr;
+    }
+}
+void splash(const char* text) { ZCoreLib::splashText(text); }
+
+using Run = orv::LoadRun;
+using When = orv::LoadStep::When;
+using Steps = ZCoreLibSteps;
+
+constexpr orv::LoadStep loadSteps[] = {
+    {"packs", When::Always, loadFirstPacks},
+    {"user path off", When::Restricted, [](Run&) { toolkit::environment()->userPath = 0; }},
+    {"memory debug", When::Always, [](Run&) { toolkit::setMemoryDebug(true); }},
+    {"splash open", When::Always, [](Run&) { ZCoreLib::openSplash(); }},
+    {"internal strings", When::Always, [](Run&) { orv::strtable::open(); }},
+    {"ZSelector::open", When::Always, [](Run&) { ZSelector::open(); }},
+    {"ZLock::open", When::Locking, [](Run&) { ZLock::open(128); }},
+    {"core lock", When::Locking, [](Run&) { Steps::createCoreLock(); }},
+    // Up to here a load that isn't full goes.
+    {"names", When::Always, [](Run& run) { Steps::setNames(*run.core, run.pluginPath); }},
+    {"openModule", When::Always, openModule},
+    {"splash plugins", When::Always, [](Run&) { splash("Loading Plugins"); }},
+    {"splash resources", When::Unrestricted, [](Run&) { splash("Loading Resources"); }},
+    {"application names", When::Always, [](Run&) { Steps::setProductNames(); }},
+    {"application mode", When::Always, [](Run& run) { Steps::publishApplicationMode(*run.core); }},
+    {"loaded mark", When::Always, [](Run&) { orv::coreState.coreLoaded = true; }},
+    {"splash launch", When::Always, [](Run&) { splash("Launching Application"); }},
+};
+constexpr int coreSteps = 8;
+
+constexpr orv::LoadStep unloadSteps[] = {
+    {"first closing mark", When::Always, [](Run&) { orv::coreState.notificationsClosed = true; }},
+    {"closeModule", When::Always, closeModule},
+    {"discard names", When::Always, [](Run& run) { Steps::clearNames(*run.core); }},
+    {"core lock", When::Always, [](Run&) { Steps::destroyCoreLock(); }},
+    {"ZLock::close", When::Always, [](Run&) { ZLock::close(); }},
+    {"second closing mark", When::Always, [](Run&) { orv::coreState.typesClosed = true; }},
+    {"ZSelector::close", When::Always, [](Run&) { ZSelector::close(); }},
+    {"internal strings", When::Always, [](Run&) { orv::strtable::close(); }},
+    {"final drain", When::Always, [](Run&) { toolkit::drain(); }},
+    {"packs", When::Always, unloadFirstPacks},
+};
+
+} // namespace
+
+namespace orv {
+
+LoadOrder loadOrder() { return {loadSteps, int(std::size(loadSteps)), coreSteps}; }
+LoadOrder unloadOrder() { return {unloadSteps, int(std::size(unloadSteps)), int(std::size(unloadSteps))}; }
+
+} // namespace orv
