@@ -93,7 +93,9 @@ bool ZCompactRBMap::linkNode(int index) {
 }
 
 void ZCompactRBMap::unlinkNode(int index) {
-    if (!inRange(index) || !hasTree() || !isLinked(uint(index))) return;
+    if (!inRange(index) || !hasTree()) return;
+    // Either it was never linked, or it is the only item of a bucket that its hash doesn't lead to any more.
+    if (!isLinked(uint(index))) return dropTree();
     const Links tree = links();
     uint link = linkOf(uint(index)), top = link;
     for (uint steps = itemCount; steps > 0 && tree.at(top).parent; --steps) {
