@@ -109,7 +109,7 @@ public:
     }
     void raise(large by) { exponent += by; }
     bool hasDigits() const { return any; }
-    /// False if the value is too large for the type.
+    /// False if the value is too large for the type, and infinite.
     template <class T> bool value(T& out) {
         out = 0;
         if (count == 0) return true;
@@ -123,7 +123,7 @@ public:
         char* end = std::to_chars(text + count, text + sizeof text, std::clamp<large>(exponent, -100000, 100000)).ptr;
         auto result = std::from_chars(text, end, out);
         if (result.ec == std::errc() && !std::isinf(out)) return true;
-        out = 0;
+        out = top > 0 ? std::numeric_limits<T>::infinity() : 0;
         return top <= 0;
     }
 
@@ -134,8 +134,8 @@ private:
     char text[digitLimit + 32];
 };
 
-/// Digits, decimal character and exponent from `at`; null if there is no digit or the value is too large.
-template <class C, class T> const C* scanFinite(const C* at, const C* end, T& out, ichar decimal) {
+/// Digits, decimal character and exponent from `at`; null if there is no digit.
+template <class C, class T> const C* scanFinite(const C* at, const C* end, T& out, ichar decimal, bool& fits) {
     DecimalText number;
     for (bool behindPoint = false; at < end; ++at) {
         uint c = unitvalue(*at);
@@ -160,10 +160,12 @@ template <class C, class T> const C* scanFinite(const C* at, const C* end, T& ou
             at = stop;
         }
     }
-    return number.value(out) ? at : nullptr;
+    fits = number.value(out);
+    return at;
 }
 
-template <class C, class T> const C* realAt(const C* at, const C* end, T& out, ichar decimal) {
+template <class C, class T> const C* realAt(const C* at, const C* end, T& out, ichar decimal, bool& fits) {
+    fits = true;
     while (at < end && unitvalue(*at) <= 32) ++at;
     bool negative = at < end && *at == '-';
     if (negative || (at < end && *at == '+')) ++at;
@@ -186,8 +188,7 @@ template <class C, class T> const C* realAt(const C* at, const C* end, T& out, i
                 }
             }
         }
-        T value;
-        if (!stop && (stop = scanFinite(at, end, value, decimal))) out = value;
+        if (!stop) stop = scanFinite(at, end, out, decimal, fits);
     }
     if (stop && negative) out = -out;
     return stop;
@@ -217,8 +218,9 @@ template <class C> int realtostr(C* out, int size, double value, int width, int 
         count = int(end - text);
         if (count == 2 && text[0] == '-' && text[1] == '0') *text = '0', count = 1;
     } else {
-        std::memcpy(text, std::isnan(value) ? "nan" : value < 0 ? "-inf" : "inf", 5);
-        count = int(std::strlen(text));
+        const char* word = std::isnan(value) ? "nan" : value < 0 ? "-inf" : "inf";
+        count = int(std::strlen(word));
+        std::memcpy(text, word, size_t(count));
     }
     Writer<C> writer(out, size);
     auto point = finite ? static_cast<const char*>(std::memchr(text, '.', size_t(count))) : nullptr;
@@ -321,11 +323,11 @@ const C* scanInteger(const C* text, const C* end, int radix, bool sign, ularge& 
     return at > first ? at : nullptr;
 }
 
-template <class C> const C* scanReal(const C* text, const C* end, double& out, ichar decimal) {
-    return realAt(text, end, out, decimal);
+template <class C> const C* scanReal(const C* text, const C* end, double& out, ichar decimal, bool& fits) {
+    return realAt(text, end, out, decimal, fits);
 }
-template <class C> const C* scanReal(const C* text, const C* end, float& out, ichar decimal) {
-    return realAt(text, end, out, decimal);
+template <class C> const C* scanReal(const C* text, const C* end, float& out, ichar decimal, bool& fits) {
+    return realAt(text, end, out, decimal, fits);
 }
 
 #define ORV_NUMBERS(C)                                                                                                 \
@@ -338,8 +340,8 @@ template <class C> const C* scanReal(const C* text, const C* end, float& out, ic
     template ORV_API int numeral(C*, int, uint, int);                                                                  \
     template ORV_API int strradix(const C*, int, int*, bool, bool*);                                                   \
     template ORV_API const C* scanInteger(const C*, const C*, int, bool, ularge&, bool&, bool&);                       \
-    template ORV_API const C* scanReal(const C*, const C*, double&, ichar);                                            \
-    template ORV_API const C* scanReal(const C*, const C*, float&, ichar);
+    template ORV_API const C* scanReal(const C*, const C*, double&, ichar, bool&);                                     \
+    template ORV_API const C* scanReal(const C*, const C*, float&, ichar, bool&);
 ORV_NUMBERS(char)
 ORV_NUMBERS(wchar)
 ORV_NUMBERS(ichar)

@@ -56,10 +56,10 @@ template <class C>
 ORV_API const C* scanInteger(const C* text, const C* end, int radix, bool sign, ularge& magnitude, bool& negative,
                              bool& fits);
 /// A real at the start of [text, end), behind blanks: digits with an optional decimal character and exponent, "inf" or
-/// "nan", in any case. Answers its end, or null if there is none, or if it is too large for the type. A value too small
-/// gives 0.
-template <class C> ORV_API const C* scanReal(const C* text, const C* end, double& out, ichar decimal);
-template <class C> ORV_API const C* scanReal(const C* text, const C* end, float& out, ichar decimal);
+/// "nan", in any case. Answers its end, or null if there is none. What is too large for the type gives infinity, and
+/// `fits` is false; what is too small gives 0.
+template <class C> ORV_API const C* scanReal(const C* text, const C* end, double& out, ichar decimal, bool& fits);
+template <class C> ORV_API const C* scanReal(const C* text, const C* end, float& out, ichar decimal, bool& fits);
 
 /// A code unit as a number: bytes above 127 aren't negative.
 inline uint unitvalue(char c) { return byte(c); }
@@ -96,9 +96,10 @@ template <class C, class T>
 inline std::enable_if_t<std::is_floating_point_v<T>, bool> strtonumber(const C* text, int length, T& out, int decimal) {
     if (!text) return false;
     T value;
+    bool fits;
     const C* end = textend(text, length);
-    const C* stop = scanReal(text, end, value, ichar(decimal));
-    if (!stop || !onlyBlanks(stop, end)) return false;
+    const C* stop = scanReal(text, end, value, ichar(decimal), fits);
+    if (!stop || !fits || !onlyBlanks(stop, end)) return false;
     out = value;
     return true;
 }

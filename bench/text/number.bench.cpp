@@ -33,7 +33,8 @@ double ourSum() {
     double sum = 0;
     for (int i = 0; i < count; ++i) {
         double value = 0;
-        at = orv::scanReal(at, end, value, '.');
+        bool fits;
+        at = orv::scanReal(at, end, value, '.', fits);
         sum += value;
     }
     return sum;
