@@ -1,0 +1,437 @@
+#include "text/ZCharBuffer.h"
+
+#include "tests/support/AllocProbe.h"
+
+#include <cmath>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace {
+
+std::string str(const ZString& text) {
+    char* bytes = text.astr();
+    std::string copy(bytes ? bytes : "");
+    zfree(bytes);
+    return copy;
+}
+std::string str(const ZSelector& text) { return text.isEmpty() ? "" : text.string(); }
+
+class CharBuffer : public testing::Test {
+public:
+    static void SetUpTestSuite() { ASSERT_TRUE(ZSelector::open()); }
+    static void TearDownTestSuite() { ZSelector::close(); }
+};
+
+/// The bytes of a buffer for reading in a block of their own size, so that a read past the end shows.
+std::string rest(ZCharBuffer& buffer) {
+    std::string text;
+    for (int c = buffer.get(); c >= 0; c = buffer.get()) text += char(c);
+    return text;
+}
+
+} // namespace
+
+TEST_F(CharBuffer, GrowsByDoubling) {
+    struct Row {
+        int size, by, after;
+    };
+    for (Row row : {Row{128, 1, 256},
+                    {128, 1000, 2048},
+                    {0, 1, 128},
+                    {10, 200, 256},
+                    {10, 100, 128},
+                    {100, 60, 200},
+                    {128, 0, 256}}) {
+        ZCharBuffer buffer(row.size);
+        EXPECT_TRUE(buffer.expand(row.by));
+        EXPECT_EQ(buffer.getSize(), row.after);
+    }
+    ZCharBuffer buffer;
+    EXPECT_EQ(buffer.getSize(), 128);
+    EXPECT_FALSE(buffer.expand(-1));
+    buffer.add(std::string(128, 'x').c_str());
+    EXPECT_EQ(buffer.getSize(), 128);
+    buffer.setPos(5);
+    buffer.expand(1);
+    EXPECT_EQ(buffer.dpos(), 5);
+    EXPECT_EQ(str(buffer.string()), std::string(128, 'x'));
+    buffer.setExpand(1000);
+    buffer.setPos(255);
+    buffer.add("ab");
+    EXPECT_EQ(buffer.getSize(), 2048);
+    EXPECT_EQ(memsize(buffer.getPos() - buffer.dpos()), 2056u);
+}
+
+TEST_F(CharBuffer, PositionsStayInside) {
+    ZCharBuffer text("hello");
+    EXPECT_EQ(text.getSize(), 5);
+    text.setPos(5);
+    EXPECT_EQ(text.dpos(), 0);
+    text.setPos(-1);
+    text.setPos(text.end());
+    text.setPos(static_cast<char*>(nullptr));
+    EXPECT_EQ(text.dpos(), 0);
+    text.setPos(text.end() - 1);
+    EXPECT_EQ(text.peek(), 'o');
+    EXPECT_EQ(text.get(), 'o');
+    EXPECT_EQ(text.get(), -1);
+    EXPECT_EQ(text.peek(), -1);
+    EXPECT_TRUE(text.ended());
+    text.rewind(2);
+    EXPECT_EQ(str(text.stringFromPos()), "lo");
+    text.rewind(-2);
+    EXPECT_EQ(text.dpos(), 3);
+    text.advance(INT32_MAX);
+    EXPECT_EQ(text.dpos(), 5);
+    text.rewind(INT32_MAX);
+    EXPECT_EQ(text.dpos(), 0);
+    ZCharBuffer empty("");
+    EXPECT_EQ(empty.get(), -1);
+    EXPECT_EQ(empty.length(), 0);
+    EXPECT_EQ(empty.copyAStr(), nullptr);
+    ZCharBuffer high("\xFF");
+    EXPECT_EQ(high.get(), 255);
+}
+
+TEST_F(CharBuffer, WritesText) {
+    ZCharBuffer out(4);
+    EXPECT_TRUE(out.add('a') && out.add("bc") && out.add("defgh", 2) && out.add(ZString(u"\u3042")) &&
+                out.addCode(0x1F600));
+    EXPECT_TRUE(out.add("") && out.add(nullptr) && out.add(ZString()));
+    EXPECT_EQ(str(out.string()), "abcde\u3042\U0001F600");
+    EXPECT_EQ(out.length(), out.dpos());
+    out.addCode(0xD800);
+    EXPECT_TRUE(out.printf("%s|%d|%.*!f", "x", -5, 2, 1.5));
+    EXPECT_EQ(str(out.string()), "abcde\u3042\U0001F600\uFFFDx|-5|1.5");
+    out.restart(false);
+    out.add("xyz");
+    EXPECT_EQ(str(out.string()), "xyz");
+    out.restart(true);
+    EXPECT_EQ(out.length(), 0);
+    out.add("ab \t\n");
+    out.clearSpaces();
+    EXPECT_EQ(str(out.string()), "ab");
+    out.clear();
+    EXPECT_EQ(out.dpos(), 0);
+    EXPECT_EQ(out.length(), 0);
+    out.add(" \t");
+    out.clearSpaces();
+    EXPECT_EQ(out.dpos(), 0);
+    // Its own text, over several growths.
+    out.add("12");
+    for (int i = 0; i < 12; ++i) ASSERT_TRUE(out.add(out.getPos() - out.dpos(), out.dpos()));
+    EXPECT_EQ(out.dpos(), 2 << 12);
+    ASSERT_TRUE(out.printf("<%s>", out.getPos() - out.dpos()));
+    std::string all;
+    for (int i = 0; i < 4096; ++i) all += "12";
+    EXPECT_EQ(str(out.string()), all + "<" + all + ">");
+    std::string twice = str(out.string());
+    ASSERT_TRUE(out.addWithQuote(out.getPos() - out.dpos(), out.dpos()));
+    EXPECT_EQ(str(out.string()), twice + twice);
+}
+
+TEST_F(CharBuffer, WritesMarks) {
+    struct Row {
+        const char *text, *escape, *quote, *csv, *special;
+    };
+    static const Row rows[] = {
+        {"", "", "", "", ""},
+        {"a\tb\nc\rd", "a\\tb\\nc\\rd", "a\tb\nc\rd", "a\"\\t\"b\nc\rd", "a%09b%0Ac%0Dd"},
+        {"\"\\", "\\\"\\\\", "\\\"\\", "\"\"\"\\\\\"", "%22%5C"},
+        {"1,2", "1,2", "1,2", "1\",\"2", "1%2C2"},
+        {"*-._+/[z{A", "*-._+/[z{A", "*-._+/[z{A", "*-._+/[z{A", "*-._%2B%2F%5Bz%7BA"},
+        {"\u00E9", "\u00E9", "\u00E9", "\u00E9", "%C3%A9"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        ZCharBuffer out(1);
+        auto check = [&](bool good, const char* expected) {
+            EXPECT_TRUE(good);
+            EXPECT_EQ(str(out.string()), expected);
+            out.clear();
+        };
+        check(out.addWithEscape(row.text), row.escape);
+        check(out.addWithQuote(row.text), row.quote);
+        check(out.addCSVString(row.text), row.csv);
+        check(out.addSpecial(row.text), row.special);
+        ZString wide(row.text);
+        wide.setType(ZString::WChar);
+        check(out.addWithEscape(wide), row.escape);
+        check(out.addWithQuote(wide), row.quote);
+        check(out.addCSVString(wide), row.csv);
+        check(out.addSpecial(wide), row.special);
+    }
+}
+
+TEST_F(CharBuffer, EscapesAsInAReference) {
+    struct Row {
+        const char *text, *reference, *result;
+    };
+    static const Row rows[] = {
+        {"50% (of)", "10\\% (von)", "50\\% (of)"},
+        {"a(b)c", "\\(x\\)", "a\\(b\\)c"},
+        {"a;b;c", "x\\;y;z", "a\\;b;c"},
+        {"a;b", "x;y\\;", "a;b"},
+        {"100%1 %9%", "\\%1 %9\\%", "100%1 %9\\%"},
+        {")(", "\\(\\)", "\\)("},
+        {"=", "", "="},
+        {"", "\\=", ""},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(str(ZCharBuffer::escapeStringRessource(ZString(row.text), ZString(row.reference))), row.result)
+            << row.text;
+}
+
+TEST_F(CharBuffer, NumberLists) {
+    static const int ints[] = {1, -2, INT32_MIN};
+    static const real reals[] = {0.5, -100.123456789, 1e10, 9.123456789};
+    static const float floats[] = {0.5f, 20};
+    static const uint unsigneds[] = {0, 255, UINT32_MAX};
+    EXPECT_EQ(str(ZCharBuffer(ZArrayT<int>(ints, 3)).string()), "1 -2 -2147483648");
+    EXPECT_EQ(str(ZCharBuffer(ZArrayT<real>(reals, 4), 0).string()), "0.5 -100.123457 10000000000 9.12345679");
+    EXPECT_EQ(str(ZCharBuffer(ZArrayT<float>(floats, 2), 3).string()), "0.5 20");
+    EXPECT_EQ(str(ZCharBuffer(unsigneds, 3, 16).string()), "0 ff ffffffff");
+    EXPECT_EQ(str(ZCharBuffer(unsigneds, 0, 16).string()), "");
+    EXPECT_EQ(ZCharBuffer(ZArrayT<int>()).dpos(), 0);
+}
+
+TEST_F(CharBuffer, Skipping) {
+    ZCharBuffer written;
+    written.add("  a b \n");
+    written.skipSpaces();
+    EXPECT_EQ(str(written.stringFromPos()), "a b");
+    EXPECT_EQ(written.getSize(), 128);
+    ZCharBuffer text("\t a,b  ");
+    text.advance(5);
+    text.skipSpaces();
+    EXPECT_EQ(rest(text), "a,b");
+    ZCharBuffer blank("  ");
+    blank.skipSpaces();
+    EXPECT_TRUE(blank.ended());
+    ZCharBuffer separated(" ,\t,, \xC3x");
+    separated.skipSeparator();
+    EXPECT_EQ(separated.peek(), 0xC3);
+    ZCharBuffer codes("ab = c=d");
+    EXPECT_TRUE(codes.skipTo('='));
+    EXPECT_EQ(codes.dpos(), 4);
+    EXPECT_FALSE(codes.skipTo(' '));
+    EXPECT_TRUE(codes.ended());
+    EXPECT_FALSE(codes.skipTo('d' + 256));
+}
+
+TEST_F(CharBuffer, WordsAndFields) {
+    auto words = [](const char* text, auto next) {
+        ZCharBuffer buffer(text);
+        std::string all;
+        for (int i = 0; i < 99 && !buffer.ended(); ++i) all += str(next(buffer)) + "|";
+        EXPECT_TRUE(buffer.ended());
+        return all;
+    };
+    struct Row {
+        const char *text, *token, *name, *upToEqual, *upToEqualBlanks, *fields;
+    };
+    static const Row rows[] = {
+        {"", "", "", "", "", ""},
+        {"a1_b = c", "a1_b|=|c|", "a|1|_|b|=|c|", "a1_b||c|", "a1_b|c|", "a1_b = c|"},
+        {"x@[`{z", "x|@|[|`|{|z|", "x|@|[|`|{|z|", "x@[`{z|", "x@[`{z|", "x@[`{z|"},
+        {"\u00E9\u3042z", "\u00E9|\u3042|z|", "\u00E9|\u3042|z|", "\u00E9\u3042z|", "\u00E9\u3042z|", "\u00E9\u3042z|"},
+        {"'a,b' , \"c\",d e,,f", "'|a|,|b|'|,|\"|c|\"|,|d|e|,|,|f|", "'|a|,|b|'|,|\"|c|\"|,|d|e|,|,|f|",
+         "'a,b'|,|\"c\",d|e,,f|", "'a,b' , \"c\",d e,,f|", "a,b|c|d e|f|"},
+        {"\"open, to the end", "\"|open|,|to|the|end|", "\"|open|,|to|the|end|", "\"open,|to|the|end|",
+         "\"open, to the end|", "open, to the end|"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        EXPECT_EQ(words(row.text, [](ZCharBuffer& b) { return b.token(); }), row.token);
+        EXPECT_EQ(words(row.text, [](ZCharBuffer& b) { return b.pureName(); }), row.name);
+        EXPECT_EQ(words(row.text, [](ZCharBuffer& b) { return b.token('=', false); }), row.upToEqual);
+        EXPECT_EQ(words(row.text, [](ZCharBuffer& b) { return b.token('=', true); }), row.upToEqualBlanks);
+        EXPECT_EQ(words(row.text, [](ZCharBuffer& b) { return b.separateString(','); }), row.fields);
+        EXPECT_EQ(words(row.text, [](ZCharBuffer& b) { return b.separateSelector(','); }), row.fields);
+    }
+    ZCharBuffer text("a,b;c");
+    bool second = true;
+    EXPECT_EQ(str(text.stringTo(',', ';', second)), "a");
+    EXPECT_FALSE(second);
+    EXPECT_EQ(str(text.stringTo(',', ';', second)), "b");
+    EXPECT_TRUE(second);
+    EXPECT_EQ(str(text.stringTo(',', ';', second)), "c");
+    EXPECT_FALSE(second);
+    ZCharBuffer source("ab;cd"), out;
+    EXPECT_TRUE(source.copyTillCode(out, ';'));
+    EXPECT_FALSE(source.copyTillCode(out, ';'));
+    EXPECT_FALSE(source.copyTillCode(out, ';'));
+    EXPECT_EQ(str(out.string()), "abcd");
+}
+
+TEST_F(CharBuffer, BalancedText) {
+    struct Row {
+        const char *text, *inside, *behind;
+    };
+    static const Row rows[] = {
+        {"(a(b)c)d", "a(b)c", "d"},
+        {"a(b[c]{d})e)f", "a(b[c]{d})e", "f"},
+        {"<a<b>c>d", "a<b>c", "d"},
+        {"(a\\)b)", "a\\", "b)"},
+        {"(\")\" ')' x)y", "\")\" ')' x", "y"},
+        {"(open", "open", ""},
+        {"(\"open)", "\"open)", ""},
+        {")x", "", "x"},
+        {"", "", ""},
+    };
+    for (const Row& row : rows) {
+        ZCharBuffer text(row.text);
+        bool angle = *row.text == '<';
+        EXPECT_EQ(str(text.extract(angle ? '<' : '(', angle ? '>' : ')')), row.inside) << row.text;
+        EXPECT_EQ(str(text.stringFromPos()), row.behind) << row.text;
+    }
+    ZCharBuffer formula("blur (3, (4)) + edge-x )");
+    std::string words;
+    for (int i = 0; i < 20 && !formula.ended(); ++i) {
+        ZString arguments;
+        words += str(formula.extract(arguments, '(', ')', ZString("+-")));
+        words += "<" + str(arguments) + ">";
+    }
+    EXPECT_EQ(words, "blur<3, (4)>+<>edge<>-<>x<><>");
+
+    std::string nested(1000000, '(');
+    ZCharBuffer deep(nested.c_str());
+    EXPECT_EQ(deep.extract('(', ')').length(), 999999);
+    EXPECT_TRUE(deep.ended());
+}
+
+TEST_F(CharBuffer, CharacterReferences) {
+    struct Row {
+        const char *text, *result;
+    };
+    static const Row rows[] = {
+        {"a &lt;b&gt; &amp;&apos;&quot;", "a <b> &'\""},
+        {"&#65;&#255;&#256;&#0;&#999999;x", "A\xFFx"},
+        {"&#6553600;|&#65536000;|", "|&#65536000;|"},
+        {"&unknown;|&unknowns;|&toolongs1;", "||&toolongs1;"},
+        {"a & b; & &; &a b; R&D costs;&", "a & b; & &; &a b; R&D costs;&"},
+        {"&amp;lt;", "&lt;"},
+        {"&#x41;&#;&LT;&amp", "&amp"},
+        {"", ""},
+    };
+    for (const Row& row : rows) {
+        ZCharBuffer text(row.text);
+        EXPECT_EQ(str(text.parseXMLCharacters()), row.result) << row.text;
+        EXPECT_TRUE(text.ended());
+    }
+}
+
+TEST_F(CharBuffer, ScansNumbers) {
+    ZCharBuffer text(" ,12, 0x1f;-3 99999999999 1.5");
+    int value = 0;
+    EXPECT_TRUE(text.scanInt(&value, 10));
+    EXPECT_EQ(value, 12);
+    EXPECT_TRUE(text.scanInt(&value, 10));
+    EXPECT_EQ(value, 31);
+    EXPECT_FALSE(text.scanInt(&value, 10));
+    EXPECT_EQ(text.get(), ';');
+    uint unsigneds[4] = {7, 7, 7, 7};
+    EXPECT_FALSE(text.scanUnsigned(unsigneds, 4, 10));
+    EXPECT_TRUE(text.scanInt(&value, 10));
+    EXPECT_EQ(value, -3);
+    EXPECT_TRUE(text.scanInt(&value, 10));
+    EXPECT_EQ(value, INT32_MAX);
+    float single = 0;
+    EXPECT_TRUE(text.scanFloat(&single, '.'));
+    EXPECT_EQ(single, 1.5f);
+    EXPECT_FALSE(text.scanFloat(&single, '.'));
+
+    ZCharBuffer list("ff,0 100000000 x");
+    EXPECT_TRUE(list.scanUnsigned(unsigneds, 4, 16));
+    EXPECT_EQ(unsigneds[0], 255u);
+    EXPECT_EQ(unsigneds[2], UINT32_MAX);
+    EXPECT_EQ(unsigneds[3], 7u);
+    list.rewind();
+    EXPECT_TRUE(list.scanUnsigned(unsigneds, 1, 16));
+    EXPECT_EQ(str(list.stringFromPos()), ",0 100000000 x");
+
+    EXPECT_EQ(ZCharBuffer("1 -2,0b11 z 4").scanInt(10).count(), 3u);
+    ZArrayT<real> reals = ZCharBuffer("0.5 1e999 -1e999 1e-999 nan").scanReal('.');
+    ASSERT_EQ(reals.count(), 5u);
+    EXPECT_EQ(reals[1], HUGE_VAL);
+    EXPECT_EQ(reals[2], -HUGE_VAL);
+    EXPECT_EQ(reals[3], 0.0);
+    ZArrayT<float> floats = ZCharBuffer("0,5 1e39 2").scanFloat(',');
+    ASSERT_EQ(floats.count(), 3u);
+    EXPECT_EQ(floats[0], 0.5f);
+    EXPECT_EQ(floats[1], HUGE_VALF);
+    real untouched = 3;
+    EXPECT_FALSE(ZCharBuffer("").scanReal(&untouched, '.'));
+    EXPECT_EQ(untouched, 3);
+}
+
+TEST_F(CharBuffer, HexadecimalInPlace) {
+    struct Row {
+        const char *text, *bytes;
+    };
+    for (Row row : {Row{"4a4B", "JK"}, {"4 a\n4-Bf", "JK"}, {"xyz", ""}, {"", ""}, {"g7", ""}}) {
+        ZCharBuffer text(row.text);
+        EXPECT_EQ(text.scanBlock(), int(strlen(row.bytes)));
+        EXPECT_EQ(str(text.string()), row.bytes);
+        EXPECT_EQ(text.dpos(), int(strlen(row.bytes)));
+    }
+    ZCharBuffer zero("head:0041");
+    zero.skipTo(':');
+    EXPECT_EQ(zero.scanBlock(), 2);
+    zero.rewind();
+    EXPECT_EQ(zero.get(), 0);
+    EXPECT_EQ(zero.get(), 'A');
+}
+
+TEST_F(CharBuffer, TextAsAValue) {
+    ZCharBuffer text("a b");
+    EXPECT_EQ(str(text.selector()), "a b");
+    char* copy = text.copyAStr();
+    EXPECT_STREQ(copy, "a b");
+    zfree(copy);
+    EXPECT_EQ(str(ZCharBuffer(text.selector()).string()), "a b");
+    EXPECT_TRUE(text.initialize(4));
+    EXPECT_EQ(text.getSize(), 4);
+    EXPECT_EQ(text.length(), 0);
+    EXPECT_TRUE(text.initialize(0));
+    EXPECT_TRUE(text.add("again"));
+    EXPECT_EQ(str(text.string()), "again");
+}
+
+TEST_F(CharBuffer, EveryAllocationFails) {
+    std::string longText(1000, 'x');
+    ZString kana(u"\u3042");
+    zrecover();
+    failEachAllocation([&](AllocProbe& probe) {
+        ZCharBuffer out;
+        EXPECT_EQ(zresetfail(), probe.failed());
+        zrecover();
+        std::string written;
+        auto step = [&](bool good, const std::string& text) {
+            if (good) written += text;
+            EXPECT_EQ(out.dpos(), int(written.size()));
+            EXPECT_EQ(out.length(), int(written.size()));
+            EXPECT_TRUE(good || probe.failed());
+        };
+        step(out.add("0123456789", 10), "0123456789");
+        step(out.printf("%s,%150d", "ab", 7), "ab," + std::string(149, ' ') + "7");
+        step(out.addWithEscape(("\n" + longText).c_str()), "\\n" + longText);
+        step(out.addCSVString(kana), "\u3042");
+    });
+    failEachAllocation([&](AllocProbe& probe) {
+        static const uint numbers[40] = {UINT32_MAX, UINT32_MAX, UINT32_MAX, UINT32_MAX, UINT32_MAX};
+        ZCharBuffer list(numbers, 40, 2);
+        EXPECT_EQ(zresetfail(), probe.failed());
+        EXPECT_EQ(list.dpos(), probe.failed() ? 0 : 5 * 32 + 35 + 39);
+        zrecover();
+    });
+    failEachAllocation([&](AllocProbe& probe) {
+        ZCharBuffer text(longText.c_str());
+        EXPECT_EQ(zresetfail(), probe.failed());
+        EXPECT_EQ(text.getSize(), probe.failed() ? 0 : 1000);
+        ZString copy = text.parseXMLCharacters();
+        EXPECT_EQ(copy.length(), probe.failed() ? 0 : 1000);
+        zrecover();
+    });
+}
