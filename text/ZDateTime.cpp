@@ -1,5 +1,6 @@
 #include "text/ZDateTime.h"
 
+#include "text/ZString.h"
 #include "toolkit/clock.h"
 
 using orv::detail::DateFields;
@@ -93,4 +94,22 @@ bool ZDateTime::addSpan(large count, large unit) {
     now.zone = zoneField;
     setFields(now);
     return true;
+}
+
+bool ZDateTime::setString(const ZString& text) {
+    orv::detail::TextIn<char> bytes(text.view());
+    DateFields fields;
+    bool valid = orv::detail::parseDate(bytes.text, size_t(bytes.length), fields);
+    setFields(fields);
+    return valid;
+}
+
+ZString ZDateTime::toString() const {
+    ZDateTime carried(*this);
+    if (!carried.setMoment(fields())) return {};
+    char text[orv::detail::dateTextRoom];
+    int length = orv::detail::printDate(carried.fields(), text);
+    ZString printed;
+    printed.set(text, length);
+    return printed;
 }

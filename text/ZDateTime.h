@@ -57,6 +57,16 @@ public:
     bool addSecond(int seconds) { return addSpan(seconds, orv::detail::secondMillis); }
     bool addMSec(int msecs) { return addSpan(msecs, 1); }
 
+    // Text
+
+    /// Reads "YYYY-MM-DDThh:mm:ss", then perhaps a fraction of a second, then perhaps "Z", "+hh:mm" or "-hh:mm", the
+    /// zone. False, with the date empty, for any other text, for a day that its month doesn't have, and for a moment
+    /// before 1601. Nothing may stand before or behind it.
+    bool setString(const ZString& text);
+    /// The same form; milliseconds stand there if they aren't 0. Fields out of their range are carried over first.
+    /// Empty for a date that is no moment from 1601 on, and without memory.
+    ZString toString() const;
+
     /// Equal fields; the same moment in two zones isn't equal.
     bool operator==(const ZDateTime& other) const = default;
     /// By the moment.

@@ -2,6 +2,7 @@
 
 #include "core/debug.h"
 #include "text/ZDateTime.h"
+#include "text/ZString.h"
 #include "toolkit/clock.h"
 
 #include <cstdio>
@@ -87,6 +88,15 @@ bool ZTime::addMonth(int months) {
 void ZTime::addSpan(large count, large unit) {
     millis = orv::detail::addSaturated(millis, orv::detail::mulSaturated(count, unit));
 }
+
+bool ZTime::setString(const ZString& text) {
+    ZDateTime date;
+    bool valid = date.setString(text);
+    millis = date.value();
+    return valid;
+}
+
+ZString ZTime::toString() const { return ZDateTime(*this).toString(); }
 
 void ZTime::print(const char* label) const {
     DateFields at = fields();

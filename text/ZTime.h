@@ -11,6 +11,8 @@ public:
     constexpr explicit ZTime(large milliseconds) : millis(milliseconds) {}
     /// The moment of a date; 0 for a date before 1601, hence for an empty one.
     explicit ZTime(const ZDateTime& date);
+    /// The moment that a text names; 0 for a text that is no date.
+    explicit ZTime(const ZString& text) { setString(text); }
     /// `(a * 60 + b) * 60 + trunc(c * 1000)`: the two integers come out as seconds beside a value in milliseconds.
     ZTime(int a, int b, real c);
     /// The moment of these fields in UTC; parts of a second are dropped. Fields out of their range carry over.
@@ -92,7 +94,11 @@ public:
     int compare(const ZTime& other) const { return (millis > other.millis) - (millis < other.millis); }
     uint hashKey() const { return uint(millis) ^ uint(ularge(millis) >> 32); }
 
-    // Text
+    // Text: "YYYY-MM-DDThh:mm:ss", perhaps with milliseconds and a zone, see `ZDateTime::setString`
+    /// False, with the value 0, for a text that is no date.
+    bool setString(const ZString& text);
+    /// The date of the absolute value, in UTC; empty without memory.
+    ZString toString() const;
     /// Writes "label: mm:ss:mmm" and a line end to the standard output.
     void print(const char* label) const;
     /// Writes the same, without a line end and at most 127 characters, to the debug log; with a count, "label[count]:

@@ -148,16 +148,19 @@ int FolderWalk::enter(const char* folderPath, bool followLink) {
     return fresh ? 0 : EEXIST;
 }
 
-int FolderWalk::start(const char* startPath, bool recurse) {
+int FolderWalk::start(const char* startPath, bool recurse, bool further) {
     recursive = recurse;
-    if (visited) std::memset(static_cast<void*>(visited), 0, visitedRoom * sizeof(Visited));
-    visitedCount = 0;
+    if (!further) {
+        if (visited) std::memset(static_cast<void*>(visited), 0, visitedRoom * sizeof(Visited));
+        visitedCount = 0;
+    }
     pending[0].truncate(0);
     pending[1].truncate(0);
     depth = skips = 0;
     failure = path.assign(startPath) && path.join("") ? enter(*startPath ? startPath : ".", true) : ENOMEM;
     folderLength = path.length();
     if (failure) reader.close();
+    if (failure == EEXIST) failure = 0;
     return failure;
 }
 

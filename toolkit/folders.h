@@ -57,8 +57,9 @@ public:
     ~FolderWalk();
     FolderWalk(const FolderWalk&) = delete;
 
-    /// An error of the start folder itself, or ENOMEM.
-    int start(const char* path, bool recurse);
+    /// An error of the start folder itself, or ENOMEM. With `further`, folders that were read before stay read; a start
+    /// that was isn't an error.
+    int start(const char* path, bool recurse, bool further = false);
     /// False at the end; `error` tells then whether it came too early (ENOMEM).
     bool next(WalkEntry& entry);
     int error() const { return failure; }

@@ -5,6 +5,7 @@
 #include "toolkit/memory.h"
 
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <pwd.h>
@@ -50,6 +51,12 @@ int userDataFolder(PathText& path) {
 int tempFolder(PathText& path) {
     const char* folder = folderVariable("TMPDIR");
     return path.assign(folder ? folder : "/tmp") ? 0 : ENOMEM;
+}
+
+int workingFolder(PathText& path) {
+    char text[PATH_MAX];
+    if (!getcwd(text, sizeof text)) return errno;
+    return path.assign(text) ? 0 : ENOMEM;
 }
 
 int userDataPath(const char* name, PathText& path) {

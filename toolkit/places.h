@@ -15,6 +15,9 @@ ORV_API int userDataFolder(PathText& path);
 /// The folder for temporary files.
 ORV_API int tempFolder(PathText& path);
 
+/// The working folder of the process.
+ORV_API int workingFolder(PathText& path);
+
 /// The place that a name which begins with "~/" stands for; a "~" alone is the folder of the user data. EINVAL for a
 /// name of another form, EACCES for one whose ".." lead out of that folder.
 ORV_API int userDataPath(const char* name, PathText& path);
