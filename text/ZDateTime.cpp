@@ -113,3 +113,8 @@ ZString ZDateTime::toString() const {
     printed.set(text, length);
     return printed;
 }
+
+ZString ZDateTime::toString(const ZString& format) const {
+    ZString text(format);
+    return text.execResA("iiiiii", year(), month(), day(), hour(), minute(), second()) ? text : ZString();
+}

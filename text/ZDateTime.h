@@ -66,6 +66,9 @@ public:
     /// The same form; milliseconds stand there if they aren't 0. Fields out of their range are carried over first.
     /// Empty for a date that is no moment from 1601 on, and without memory.
     ZString toString() const;
+    /// A resource string run with year, month, day, hour, minute and second as %1 to %6; an internal one goes by its
+    /// index.
+    ZString toString(const ZString& format) const;
 
     /// Equal fields; the same moment in two zones isn't equal.
     bool operator==(const ZDateTime& other) const = default;

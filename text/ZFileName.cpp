@@ -11,7 +11,7 @@ using orv::detail::TextView;
 namespace {
 
 /// The text from a position on, where it stands.
-TextView tail(const ZString& name, int from) {
+TextView tailFrom(const ZString& name, int from) {
     TextView all = name.view();
     int skipped = from < all.length ? from : all.length;
     return {static_cast<const byte*>(all.text) + size_t(skipped) * size_t(orv::detail::unitBytes(all.width)),
@@ -19,7 +19,7 @@ TextView tail(const ZString& name, int from) {
 }
 
 /// Cuts a name at a position; false without memory.
-bool cut(ZFileName& name, int length) {
+bool cutAt(ZFileName& name, int length) {
     TextView all = name.view();
     if (length >= all.length) return true;
     ZString front;
@@ -30,17 +30,17 @@ bool cut(ZFileName& name, int length) {
 
 bool cutToFolder(ZFileName& name) {
     PathUnits units(name.view());
-    return cut(name, units.trimmed(units.nameStart()));
+    return cutAt(name, units.trimmed(units.nameStart()));
 }
 
-bool complete(ZFileName& name, char separator) {
+bool completeWith(ZFileName& name, char separator) {
     PathUnits units(name.view());
     return !units.length() || units.separatorAt(units.length() - 1) || name.append(&separator, 1);
 }
 
 /// Joins on what doesn't begin with a separator.
-bool join(ZFileName& folder, const TextView& name, char separator) {
-    return complete(folder, separator) && folder.append(name);
+bool joinName(ZFileName& folder, const TextView& name, char separator) {
+    return completeWith(folder, separator) && folder.append(name);
 }
 
 char separatorOf(const ZString& path, const ZString& name) {
@@ -168,7 +168,7 @@ bool ZFileName::setName(const ZString& path, const ZString& name) {
     if (path.isEmpty()) return assign(name);
     int behind, steps = PathUnits(name.view()).leadingDots(false, behind);
     ZFileName folder(path);
-    if (!folder.stepsUp(steps) || !join(folder, tail(name, behind), separatorOf(path, name))) return false;
+    if (!folder.stepsUp(steps) || !joinName(folder, tailFrom(name, behind), separatorOf(path, name))) return false;
     swap(folder);
     return true;
 }
@@ -199,7 +199,7 @@ bool ZFileName::selectName(const ZString& path, const ZString& name) {
 
 bool ZFileName::addFileName(const ZString& name) {
     ZFileName joined(*this);
-    if (!join(joined, name.view(), separatorOf(*this, name))) return false;
+    if (!joinName(joined, name.view(), separatorOf(*this, name))) return false;
     swap(joined);
     return true;
 }
@@ -213,7 +213,7 @@ bool ZFileName::addExtension(const ZString& text) {
 
 bool ZFileName::setExtension(const ZString& text) {
     ZFileName changed(*this);
-    if (!cut(changed, PathUnits(view()).extensionDot(false))) return false;
+    if (!cutAt(changed, PathUnits(view()).extensionDot(false))) return false;
     if (!text.isEmpty() && !changed.addExtension(text)) return false;
     swap(changed);
     return true;
@@ -228,7 +228,7 @@ ZFileName::Step ZFileName::stepUp() {
         if (start == end || (start == 0 && isRoot())) return Step::Top;
         if (start == 0 && end == 1 && units[0] == '~') return Step::Top;
         if (units.isDots(start, end)) return step(addFileName(".."));
-        if (end - start > 1 || units[start] != '.') return step(cut(*this, units.trimmed(start)));
+        if (end - start > 1 || units[start] != '.') return step(cutAt(*this, units.trimmed(start)));
         // A single dot leads nowhere, so what is in front of it decides.
         if (start == 0) return step(set("..", 2));
         end = start;
@@ -243,7 +243,7 @@ bool ZFileName::stepsUp(int steps) {
 
 bool ZFileName::exit() { return stepUp() == Step::Done; }
 
-bool ZFileName::completePath() { return complete(*this, PathUnits(view()).separator('/')); }
+bool ZFileName::completePath() { return completeWith(*this, PathUnits(view()).separator('/')); }
 
 bool ZFileName::resolve(const ZString& base) {
     PathUnits units(view());
@@ -251,8 +251,8 @@ bool ZFileName::resolve(const ZString& base) {
     if (!steps && (units.nameStart() > 0 || units.first(':') >= 0)) return true;
     ZFileName folder(base);
     if (!folder.stepsUp(steps)) return false;
-    TextView rest = tail(*this, behind);
-    if (rest.length && !join(folder, rest, separatorOf(base, *this))) return false;
+    TextView rest = tailFrom(*this, behind);
+    if (rest.length && !joinName(folder, rest, separatorOf(base, *this))) return false;
     swap(folder);
     return true;
 }
@@ -267,7 +267,8 @@ bool ZFileName::relativeName(const ZString& base, bool all) {
     ZFileName relative;
     for (int i = 0; i < steps; ++i)
         if (!relative.append("../", 3)) return false;
-    if (!relative.append(tail(*this, taken)) || (relative.ZString::isEmpty() && !relative.append(".", 1))) return false;
+    if (!relative.append(tailFrom(*this, taken)) || (relative.ZString::isEmpty() && !relative.append(".", 1)))
+        return false;
     swap(relative);
     return true;
 }
@@ -276,7 +277,7 @@ bool ZFileName::toRelative(const ZString& folder, const ZString& prefix) {
     int taken = folder.isEmpty() ? -1 : orv::detail::matchFolder(view(), folder.view(), true);
     if (taken < 0) return false;
     ZFileName relative(prefix);
-    if (!relative.append(tail(*this, taken))) return false;
+    if (!relative.append(tailFrom(*this, taken))) return false;
     swap(relative);
     return true;
 }

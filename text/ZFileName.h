@@ -168,6 +168,10 @@ public:
 
     /// A folder of logical name, made and ready for writing; the name as it is where that can't be.
     static ZFileName userFolder(const ZString& name);
+    /// The folder of that name in the user's data, made and absolute.
+    static ZFileName userPath(const ZSelector& folder);
+    /// A file in it, which need not be there; empty too for a name that leads out of the user's data.
+    static ZFileName userFile(const ZSelector& folder, const ZString& name);
     /// The folder of the executable.
     static ZFileName appPath();
     /// The root folder of the installation, and its library folder.
@@ -186,6 +190,7 @@ public:
 
     /// True as well for a folder that is there already.
     bool createDir(bool parents) const;
+    using ZString::remove;
     /// The file, or a folder that is empty.
     bool remove() const;
     /// Gives the file another name, which must be free; this name stays as it is.
@@ -207,6 +212,12 @@ public:
     bool removeTemp() const;
     /// Lets it stay.
     bool unRegisterTemp() const;
+    /// Brings a file over from where it used to lie: what this name is without `prefix`, in the user's folder `folder`,
+    /// is copied to this name, made absolute for writing. False if it isn't there; a file that has this name stays.
+    bool copyLegacyFile(const ZString& prefix, const ZSelector& folder) const;
+    /// The same for all files of an extension in and below such a folder; those that are in the new place stay. False
+    /// if there is no such folder or a file couldn't be copied; the others are all the same.
+    bool copyLegacyFolder(const ZString& prefix, const ZSelector& folder, const ZString& extension) const;
     /// Whether the extension is this one, ignoring case.
     bool checkExt(const ZString& text) const;
 

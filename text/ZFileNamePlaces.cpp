@@ -1,5 +1,6 @@
 #include "text/ZFileName.h"
 
+#include "core/ZSelector.h"
 #include "text/filelookup.h"
 #include "text/filetext.h"
 #include "toolkit/environment.h"
@@ -114,21 +115,7 @@ ZFileName ZFileName::absolute() const {
     return name;
 }
 
-template <class C> static void turnSeparators(void* text, int length) {
-    for (C *at = static_cast<C*>(text), *end = at + length; at < end; ++at)
-        if (*at == '\\') *at = '/';
-}
-
-bool ZFileName::toExternal() {
-    if (PathUnits(view()).first('\\') < 0) return true;
-    Type type;
-    void* text = data(type);
-    if (!text) return false;
-    if (type == Char) turnSeparators<char>(text, length());
-    if (type == WChar) turnSeparators<wchar>(text, length());
-    if (type == IChar) turnSeparators<ichar>(text, length());
-    return true;
-}
+bool ZFileName::toExternal() { return replace(uint('\\'), uint('/')) >= 0; }
 
 // Names
 
@@ -196,6 +183,19 @@ ZFileName ZFileName::userFolder(const ZString& name) {
     return folder;
 }
 
+ZFileName ZFileName::userPath(const ZSelector& folder) {
+    ZFileName path("~/");
+    bool made =
+        !folder.isEmpty() && path.append(folder.string(), folder.length()) && path.toAbsolute(Create | DirectoryName);
+    return made ? path : ZFileName();
+}
+
+ZFileName ZFileName::userFile(const ZSelector& folder, const ZString& name) {
+    ZFileName path("~/");
+    if (userPath(folder).ZString::isEmpty() || !path.append(folder.string(), folder.length())) return {};
+    return path.setName(path, name) && path.toAbsolute() ? path : ZFileName();
+}
+
 ZFileName ZFileName::appPath() { return pathFrom(toolkit::appFolder); }
 ZFileName ZFileName::mainPath() { return pathFrom(toolkit::mainFolder); }
 ZFileName ZFileName::tempPath() { return pathFrom(toolkit::tempFolder); }
@@ -226,4 +226,27 @@ bool ZFileName::removeUserData() {
     PathText path;
     return toolkit::userDataFolder(path) == 0 &&
            (!toolkit::nameTaken(path.text()) || toolkit::removeTree(path.text()) == 0);
+}
+
+// What moved
+
+bool ZFileName::copyLegacyFile(const ZString& prefix, const ZSelector& folder) const {
+    ZFileName old = userFile(folder, removePrefix(prefix)), place(*this);
+    return old.isFile() && place.toAbsolute(Create) && old.copy(place);
+}
+
+bool ZFileName::copyLegacyFolder(const ZString& prefix, const ZSelector& folder, const ZString& extension) const {
+    ZFileName old = userFile(folder, removePrefix(prefix));
+    Names files, extensions;
+    if (!old.isDir() || !extensions.append(extension) || !old.scanFiles(files, true, extensions)) return false;
+    bool whole = true;
+    for (const ZString& file : files) {
+        ZFileName rest(file), place;
+        bool named = rest.toRelative(old, ZString()) && place.setName(*this, rest) && place.toAbsolute(Create);
+        PathText native;
+        size_t fixed;
+        whole &= named && !orv::detail::nativeName(place.view(), native, fixed) &&
+                 (toolkit::nameTaken(native.text()) || ZFileName(file).copy(place));
+    }
+    return whole;
 }

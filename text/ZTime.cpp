@@ -97,6 +97,7 @@ bool ZTime::setString(const ZString& text) {
 }
 
 ZString ZTime::toString() const { return ZDateTime(*this).toString(); }
+ZString ZTime::toString(const ZString& format) const { return ZDateTime(*this).toString(format); }
 
 void ZTime::print(const char* label) const {
     DateFields at = fields();

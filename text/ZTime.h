@@ -99,6 +99,9 @@ public:
     bool setString(const ZString& text);
     /// The date of the absolute value, in UTC; empty without memory.
     ZString toString() const;
+    /// A resource string run with year, month, day, hour, minute and second as %1 to %6; an internal one goes by its
+    /// index.
+    ZString toString(const ZString& format) const;
     /// Writes "label: mm:ss:mmm" and a line end to the standard output.
     void print(const char* label) const;
     /// Writes the same, without a line end and at most 127 characters, to the debug log; with a count, "label[count]:

@@ -1,5 +1,6 @@
 #include "text/ZFileInfo.h"
 
+#include "core/ZSelector.h"
 #include "tests/support/AllocProbe.h"
 #include "tests/support/TempFolder.h"
 #include "toolkit/places.h"
@@ -239,6 +240,35 @@ TEST_F(FileNames, MakesNewNames) {
     index = 1000;
     EXPECT_EQ(plain(shot.incrementalName(index, 2000, true, false)), "sub/shot/shot 1000.png");
     EXPECT_TRUE(std::filesystem::is_directory(folder.path("sub/shot")));
+}
+
+TEST_F(FileNames, BringsOldFilesOver) {
+    ASSERT_TRUE(ZSelector::open());
+    {
+        ZSelector old("old.settings");
+        std::string data = folder.path("data/orvcore");
+        EXPECT_EQ(plain(ZFileName::userPath(old)), data + "/old.settings");
+        EXPECT_TRUE(std::filesystem::is_directory(data + "/old.settings"));
+        EXPECT_EQ(plain(ZFileName::userFile(old, "../a")), data + "/a");
+        EXPECT_EQ(plain(ZFileName::userFile(old, "x/../../../a")), "");
+        EXPECT_EQ(plain(ZFileName::userPath(ZSelector())), "");
+        EXPECT_EQ(plain(ZFileName::userPath(ZSelector(".."))), "");
+
+        folder.file("data/orvcore/old.settings/set/one.x", "1");
+        folder.file("data/orvcore/old.settings/set/sub/two.x", "2");
+        folder.file("data/orvcore/old.settings/set/three.y", "3");
+        EXPECT_TRUE(named("~/set/one.x").copyLegacyFile("~/", old));
+        EXPECT_EQ(folder.read("data/orvcore/set/one.x"), "1");
+        folder.file("data/orvcore/set/one.x", "newer");
+        EXPECT_FALSE(named("~/set/one.x").copyLegacyFile("~/", old));
+        EXPECT_FALSE(named("~/set/none.x").copyLegacyFile("~/", old));
+        EXPECT_TRUE(named("~/set").copyLegacyFolder("~/", old, "x"));
+        EXPECT_EQ(folder.read("data/orvcore/set/one.x"), "newer");
+        EXPECT_EQ(folder.read("data/orvcore/set/sub/two.x"), "2");
+        EXPECT_EQ(folder.read("data/orvcore/set/three.y"), "(none)");
+        EXPECT_FALSE(named("~/none").copyLegacyFolder("~/", old, "x"));
+    }
+    ZSelector::close();
 }
 
 TEST_F(FileNames, TemporaryFiles) {

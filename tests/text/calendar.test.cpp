@@ -1,6 +1,7 @@
 #include "text/calendar.h"
 
 #include "text/ZDateTime.h"
+#include "text/ZString.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -249,6 +250,28 @@ TEST(DateTime, EmptyAndExtremeDates) {
     EXPECT_EQ(date.zone(), zoneLimit);
     EXPECT_EQ(ZDateTime(1500, 1, 1).value(), 0);
     EXPECT_EQ(ZTime(ZDateTime(ZTime(-5'000))).value(), 5'000);
+}
+
+TEST(DateTime, TextForms) {
+    ZDateTime date;
+    for (const ZString& text : {ZString("2023-06-15T12:34:56.789+02:00"), ZString(u"2023-06-15T12:34:56.789+02:00")}) {
+        ASSERT_TRUE(date.setString(text));
+        EXPECT_EQ(date.dayOfWeek(), 4);
+        EXPECT_EQ(date.value(), momentFrom("2023-06-15T10:34:56.789Z"));
+        EXPECT_TRUE(date.toString() == "2023-06-15T12:34:56.789+02:00");
+        EXPECT_TRUE(ZTime(text).toString() == "2023-06-15T10:34:56.789Z");
+    }
+    EXPECT_TRUE(date.toString("%3.%2.%1 %4-%5-%6") == "15.6.2023 12-34-56");
+    EXPECT_TRUE(ZTime(date).toString("%4") == "10");
+    date.setDay(31);
+    EXPECT_TRUE(date.toString() == "2023-07-01T12:34:56.789+02:00");
+    EXPECT_FALSE(date.setString("2023-02-30T00:00:00Z"));
+    EXPECT_FALSE(date.isValid());
+    EXPECT_TRUE(date.toString().isEmpty());
+    ZTime time(5);
+    EXPECT_FALSE(time.setString("x"));
+    EXPECT_EQ(time.value(), 0);
+    EXPECT_TRUE(ZTime(-1000).toString() == "1601-01-01T00:00:01Z");
 }
 
 TEST(DateTime, SumsKeepTheZone) {
