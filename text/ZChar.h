@@ -155,6 +155,8 @@ public:
 
     constexpr ZChar() = default;
     constexpr ZChar(ichar code) : code(code) {}
+    /// What stands at a place in a string.
+    ZChar(const ZCharRef& place);
     /// The first character of UTF-8 text; 0 for null and for a length below 1.
     ZChar(const char* text, int length);
     /// The first character of a string; 0 for the empty string.

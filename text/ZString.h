@@ -1,6 +1,6 @@
 #pragma once
 
-#include "text/forward.h"
+#include "text/ZCharRef.h"
 #include "text/textview.h"
 
 /// The general text value: text of one of three widths in a counted record, or the index of an internal text. Copies
@@ -40,6 +40,10 @@ public:
     ZString(const wchar* const* texts, int count);
     ZString(const ichar* const* texts, int count);
     explicit ZString(const View& text);
+    /// One character; with `Internal` in the narrowest form that has its value in one unit, a byte counting as one.
+    /// Raises a failure for a type that is none. The code 0 gives the empty string.
+    explicit ZString(const ZChar& character, Type type = Internal);
+    explicit ZString(const ZSelector& selector);
     /// The result of running the internal string of an index, as `execResA` does.
     ZString(uint index, const char* types, var_arg* arguments);
 
@@ -119,6 +123,7 @@ public:
     bool set(const wchar* text, int length = -1) { return set(View(text, orv::detail::givenLength(text, length))); }
     bool set(const ichar* text, int length = -1) { return set(View(text, orv::detail::givenLength(text, length))); }
     bool set(const View& text);
+    bool setSelector(const ZSelector& selector);
     /// "yes" or "no".
     bool setBool(bool value) { return value ? set("yes", 3) : set("no", 2); }
 
@@ -135,21 +140,27 @@ public:
         return append(View(text, orv::detail::givenLength(text, length)));
     }
     bool append(const View& text);
+    /// A character of the code 0 adds nothing.
+    bool append(const ZChar& character) { return insertCode(length(), character.value()); }
+    bool append(const ZSelector& selector);
     /// Appends `n` terminated UTF-8 texts; null ones are passed over.
     bool appendn(int n, ...);
     /// The position is held within the text.
     bool insert(int pos, const ZString& text);
+    bool insert(int pos, const ZChar& character) { return insertCode(pos, character.value()); }
     /// Removes the units from `pos` to `pos + n`, as far as the text has them. False if there are none.
     bool remove(int pos, int n);
     /// Writes one unit, cutting the value to it. False for a position outside the text.
     bool set(int pos, char unit) { return setUnit(pos, static_cast<unsigned char>(unit)); }
     bool set(int pos, wchar unit) { return setUnit(pos, unit); }
     bool set(int pos, ichar unit) { return setUnit(pos, unit); }
+    bool set(int pos, ZChar unit) { return setUnit(pos, unit.value()); }
     /// Overwrites from a position on with the first `n` units of a text, all of them if `n` is negative. What would
     /// stand behind the end is left out.
     bool set(int pos, const ZString& text, int n = -1);
-    /// Sets every unit.
-    bool fill(int unit);
+    /// As often as it fits into the length; blanks fill the rest.
+    bool fill(const ZChar& character);
+    bool fill(int code) { return fill(ZChar(ichar(code))); }
     bool lower();
     bool upper();
     /// Replaces every code point, and answers how many; -1 without memory. 0 as the other code takes it out.
@@ -169,6 +180,12 @@ public:
     ZString extract(int pos, int n) const;
     /// The text in front of the n-th blank; all of it if there are fewer.
     ZString words(int n) const;
+    /// The unit at a position; 0 outside the text, and without memory to make the string private.
+    ZChar at(int pos) { return own(0) ? constAt(pos) : ZChar(); }
+    /// The same without making the string private.
+    ZChar constAt(int pos) const;
+    ZCharRef operator[](int pos) { return {this, pos}; }
+    ZChar operator[](int pos) const { return constAt(pos); }
 
     // Search: the position of a unit, -1 if it isn't there. What is looked for takes the string's width; an empty text
     // is found at once. With `from` the search starts there. An `i` ignores case by simple folding.
@@ -344,6 +361,9 @@ public:
     /// is if `min` is 0.
     bool checkHexadecimal(int min, int max, bool hash) const;
 
+    /// The selector of the UTF-8 text.
+    ZSelector toSelector() const;
+
     // Comparison: negative, 0 or positive
 
     /// The order by code points, whatever the widths.
@@ -416,8 +436,6 @@ private:
     bool splice(int pos, int removed, const View& text);
     bool insertCode(int pos, ichar code);
     bool setUnit(int pos, ichar unit);
-    bool fillCode(ichar code);
-    ichar unitAt(int pos) const;
     bool mapCase(bool upper);
     int replace(const View& needle, const View& other);
     int find(const View& text, int from, bool last, bool ignoreCase) const;

@@ -1,5 +1,6 @@
 #include "text/ZString.h"
 
+#include "core/ZSelector.h"
 #include "core/construct.h"
 #include "text/search.h"
 #include "toolkit/text.h"
@@ -128,16 +129,10 @@ bool ZString::set(int pos, const ZString& text, int n) {
     });
 }
 
-bool ZString::fill(int unit) {
-    for (int i = 0, present = length(); i < present; ++i)
-        if (!setUnit(i, ichar(unit))) return false;
-    return true;
-}
-
-bool ZString::fillCode(ichar code) {
+bool ZString::fill(const ZChar& character) {
     if (isEmpty()) return true;
     if (!own(0)) return false;
-    CodeText room(code ? code : U' ', record->type);
+    CodeText room(character.isNull() ? U' ' : character.value(), record->type);
     View text = room;
     size_t unit = viewBytes({nullptr, 1, record->type}), step = viewBytes(text), all = viewBytes(view()), at = 0;
     for (char* out = record->units<char>(); at + step <= all; at += step) std::memcpy(out + at, text.text, step);
@@ -335,10 +330,35 @@ ZString ZString::words(int n) const {
     });
 }
 
-ichar ZString::unitAt(int pos) const {
-    return withText(view(), [&](auto* units, int length) -> ichar {
-        return pos < 0 || pos >= length
-                   ? 0
-                   : ichar(std::make_unsigned_t<std::remove_cvref_t<decltype(*units)>>(units[pos]));
+ZChar ZString::constAt(int pos) const {
+    return withText(view(), [&](auto* units, int length) -> ZChar {
+        using C = std::remove_cv_t<std::remove_pointer_t<decltype(units)>>;
+        return pos < 0 || pos >= length ? 0 : ichar(std::make_unsigned_t<C>(units[pos]));
     });
+}
+
+// Characters and selectors
+
+ZString::ZString(const ZChar& character, Type type) : ZString() {
+    int width = type == Internal ? narrowest(character.value()) : type;
+    CodeText code(character.value(), width);
+    View text = code;
+    if (width >= Char && width <= IChar) {
+        if (!text.length) return;
+        record = newRecord(width, width == IChar ? 1 : 4, text.length);
+    }
+    if (record)
+        convertTo(width, record->text(), size_t(record->capacity), text);
+    else
+        ZError::fail();
+}
+
+static TextView selectorText(const ZSelector& selector) { return {selector.string(), selector.length()}; }
+
+ZString::ZString(const ZSelector& selector) : ZString(selectorText(selector)) {}
+bool ZString::setSelector(const ZSelector& selector) { return set(selectorText(selector)); }
+bool ZString::append(const ZSelector& selector) { return append(selectorText(selector)); }
+ZSelector ZString::toSelector() const {
+    TextIn<char> text(view());
+    return text.length ? ZSelector(text.text, text.length) : ZSelector();
 }

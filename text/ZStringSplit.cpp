@@ -168,7 +168,7 @@ ZArrayT<ZString> ZString::extractNames(uint code) const {
         if (!control) continue;
         ZString* clean = parts.entry(i);
         for (int k = 0; clean && k < clean->length(); ++k)
-            if (clean->unitAt(k) < 32 && !clean->setUnit(k, ' ')) clean = nullptr;
+            if (clean->constAt(k).value() < 32 && !clean->setUnit(k, ' ')) clean = nullptr;
         if (clean) continue;
         parts.clear();
         ZError::fail();
