@@ -182,6 +182,7 @@ TEST(ZLock, NamedLocksExcludeAndRegionsNest) {
 TEST(ZLock, LoggingWritesToTheDebugLog) {
     Bound on;
     static std::string written;
+    written.clear();
     zsetdebugsink([](const char* line) { written += std::string(line) + "\n"; });
     ZLock lock;
     lock.setLabel("cache", 4);

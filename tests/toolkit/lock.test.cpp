@@ -175,11 +175,11 @@ TEST(Lock, ManyLocksLiveAtOnceAndTheirRoomCanBeRefused) {
     {
         AllocProbe probe;
         probe.failAt(1);
-        for (int i = 0; i < 100000 && (ids.empty() || ids.back()); ++i) ids.push_back(createLock(true, true));
+        for (int i = 0; i < 2000000 && (ids.empty() || ids.back()); ++i) ids.push_back(createLock(true, true));
         EXPECT_EQ(ids.back(), 0u);
         ids.pop_back();
         probe.failAt(0);
-        for (int i = 0; i < 5000; ++i) ids.push_back(createLock(true, true));
+        for (int i = 0; i < 1500; ++i) ids.push_back(createLock(true, true));
         EXPECT_EQ(probe.live(), 0);
     }
     EXPECT_EQ(std::set<TLockId>(ids.begin(), ids.end()).size(), ids.size());
@@ -283,6 +283,7 @@ TEST(Lock, WhatObserversRead) {
     EXPECT_EQ(setLockObserver(nullptr), &observer);
 
     static std::string log;
+    log.clear();
     setLockLog(
         [](const char* event, TLockId, const char* label, int) { log += std::string(event) + " " + label + ";"; });
     EXPECT_TRUE(setLockLogging(a, true));
