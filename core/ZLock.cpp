@@ -78,8 +78,6 @@ void ZLock::setId(TLockId wanted) {
     if (old) toolkit::destroyLock(old, true);
 }
 
-void ZLock::lock() const { toolkit::lockAlone(id); }
-
 bool ZLock::lock(bool tryOnly) const {
     if (!id) return true;
     if (tryOnly) return toolkit::tryLockAlone(id);
@@ -87,10 +85,6 @@ bool ZLock::lock(bool tryOnly) const {
     return true;
 }
 
-void ZLock::readLock() const { toolkit::lockShared(id); }
-bool ZLock::tryLock() const { return toolkit::tryLockAlone(id); }
-bool ZLock::tryReadLock() const { return toolkit::tryLockShared(id); }
-void ZLock::unlock() const { toolkit::unlock(id); }
 int ZLock::lockCount() const { return toolkit::lockHolds(id); }
 uint ZLock::thread() const { return toolkit::lockHolder(id); }
 

@@ -51,16 +51,16 @@ public:
     // Locking
 
     /// Takes it alone; waits for it.
-    void lock() const;
+    void lock() const { toolkit::lockAlone(id); }
     /// With `tryOnly`, takes it only if that needs no waiting, and answers whether it is held; else waits and answers
     /// true. True without a lock.
     bool lock(bool tryOnly) const;
-    void readLock() const;
+    void readLock() const { toolkit::lockShared(id); }
     /// False without a lock.
-    bool tryLock() const;
-    bool tryReadLock() const;
+    bool tryLock() const { return toolkit::tryLockAlone(id); }
+    bool tryReadLock() const { return toolkit::tryLockShared(id); }
     /// Gives up the newest hold of this thread; nothing if it has none.
-    void unlock() const;
+    void unlock() const { toolkit::unlock(id); }
     /// How often it is held: all nested holds of the thread that has it alone, else the number of reading threads.
     int lockCount() const;
     /// The number of the thread that has it alone; 0 for none.

@@ -235,18 +235,17 @@ bool endRecord(LockRecord& record, ularge seen) {
 /// A plain reader count that has room for one more.
 inline bool readable(ularge word, TLockId id) { return (word ^ freeWord(id)) < payloadMask; }
 
-template <bool wait> inline bool readLock(TLockId id) {
-    LockRecord* record = recordOf(id);
-    if (ORV_UNLIKELY(!record)) return false;
-    ularge seen = loadAcquire(record->word);
-    while (ORV_LIKELY(readable(seen, id))) {
+/// Any case but the usual one.
+[[gnu::noinline]] bool readMore(LockRecord& record, TLockId id, bool wait) {
+    ularge seen = loadAcquire(record.word);
+    while (readable(seen, id)) {
         if (HeldRead* mine = findHeldRead(id)) {
             ++mine->count;
             observeTaken(id);
             return true;
         }
-        if (ORV_UNLIKELY(!reserveHeldRead())) break;
-        if (ORV_LIKELY(compareExchange(record->word, seen, seen + 1))) {
+        if (!reserveHeldRead()) break;
+        if (compareExchange(record.word, seen, seen + 1)) {
             addHeldRead(id);
             observeTaken(id);
             return true;
@@ -254,13 +253,27 @@ template <bool wait> inline bool readLock(TLockId id) {
     }
     // Without memory to note a read, the lock is taken alone: that holds off others more than asked for, never less.
     bool noted = heldBy(seen, threadNumber()) || findHeldRead(id) || reserveHeldRead();
-    if (!(noted ? takeShared(*record, id, wait) : takeAlone(*record, id, wait))) return false;
-    logTaken("read", *record, id);
+    if (!(noted ? takeShared(record, id, wait) : takeAlone(record, id, wait))) return false;
+    logTaken("read", record, id);
     observeTaken(id);
     return true;
 }
 
-template <bool wait> inline bool aloneLock(TLockId id) {
+inline bool readLock(TLockId id, bool wait) {
+    LockRecord* record = recordOf(id);
+    if (ORV_UNLIKELY(!record)) return false;
+    // The usual case: nobody has it, and this thread reads no other.
+    ularge seen = freeWord(id);
+    ThreadState& state = threadState;
+    if (ORV_UNLIKELY(state.heldReads != 0) || ORV_UNLIKELY(!compareExchange(record->word, seen, seen + 1)))
+        return readMore(*record, id, wait);
+    state.held[0] = {id, 1};
+    state.heldReads = 1;
+    observeTaken(id);
+    return true;
+}
+
+inline bool aloneLock(TLockId id, bool wait) {
     LockRecord* record = recordOf(id);
     if (ORV_UNLIKELY(!record)) return false;
     ularge seen = freeWord(id), wanted = seen | heldAlone | threadNumber();
@@ -306,24 +319,16 @@ bool destroyLock(TLockId id, bool mayBeHeld) {
     return true;
 }
 
-bool lockAlone(TLockId id) { return aloneLock<true>(id); }
-bool tryLockAlone(TLockId id) { return aloneLock<false>(id); }
-bool lockShared(TLockId id) { return readLock<true>(id); }
-bool tryLockShared(TLockId id) { return readLock<false>(id); }
+bool lockAlone(TLockId id) { return aloneLock(id, true); }
+bool tryLockAlone(TLockId id) { return aloneLock(id, false); }
+bool lockShared(TLockId id) { return readLock(id, true); }
+bool tryLockShared(TLockId id) { return readLock(id, false); }
 
-bool unlock(TLockId id) {
-    LockRecord* record = recordOf(id);
-    if (ORV_UNLIKELY(!record)) return false;
-    ularge seen = load(record->word), alone = freeWord(id) | heldAlone | threadNumber();
-    if (ORV_LIKELY(seen == alone)) {
-        if (record->depth > 0)
-            store(record->depth, record->depth - 1);
-        else if (ORV_UNLIKELY(!compareExchange(record->word, seen, freeWord(id))) && !release(*record, id))
-            return false;
-        observeReleased(id);
-        return true;
-    }
-    if (ORV_LIKELY(readable(seen, id))) {
+namespace {
+/// Any case but the usual ones.
+[[gnu::noinline]] bool unlockMore(LockRecord& record, TLockId id) {
+    ularge seen = load(record.word);
+    if (readable(seen, id)) {
         HeldRead* mine = findHeldRead(id);
         if (!mine) return false;
         if (mine->count > 1) {
@@ -332,7 +337,7 @@ bool unlock(TLockId id) {
             return true;
         }
         do
-            if (compareExchange(record->word, seen, seen - 1)) {
+            if (compareExchange(record.word, seen, seen - 1)) {
                 removeHeldRead(mine);
                 observeReleased(id);
                 return true;
@@ -340,10 +345,34 @@ bool unlock(TLockId id) {
         while (readable(seen, id));
     }
     // The record may be another lock's once the hold is given up.
-    const char* label = load(record->label);
-    int index = load(record->labelIndex);
-    if (!release(*record, id)) return false;
+    const char* label = load(record.label);
+    int index = load(record.labelIndex);
+    if (!release(record, id)) return false;
     if (LockLog log = loadAcquire(lockLog); (seen & watched) && log) log("unlock", id, label, index);
+    observeReleased(id);
+    return true;
+}
+} // namespace
+
+bool unlock(TLockId id) {
+    LockRecord* record = recordOf(id);
+    if (ORV_UNLIKELY(!record)) return false;
+    ThreadState& state = threadState;
+    ularge free = freeWord(id), seen = free + 1;
+    // The usual reader: it is the only one, and reads no other lock.
+    if (state.heldReads == 1 && state.held[0].lock == id && state.held[0].count == 1 &&
+        ORV_LIKELY(compareExchange(record->word, seen, free))) {
+        state.heldReads = 0;
+        observeReleased(id);
+        return true;
+    }
+    // The usual holder. It has a number, or it wouldn't hold it.
+    seen = free | heldAlone | state.number;
+    if (ORV_UNLIKELY(load(record->word) != seen)) return unlockMore(*record, id);
+    if (record->depth > 0)
+        store(record->depth, record->depth - 1);
+    else if (ORV_UNLIKELY(!compareExchange(record->word, seen, free)))
+        return unlockMore(*record, id);
     observeReleased(id);
     return true;
 }

@@ -52,6 +52,8 @@ ORV_API bool validLock(TLockId id);
 ORV_API int lockHolds(TLockId id);
 /// Number of the thread that holds it alone; 0 if none does.
 ORV_API uint lockHolder(TLockId id);
+/// How many threads wait for a lock or a signal; for reports.
+ORV_API int waiterCount(TLockId id);
 /// Whether the running thread holds it, alone or reading.
 ORV_API bool lockHeldHere(TLockId id);
 /// Whether the running thread could take it alone now without waiting. Another thread may be quicker.

@@ -103,6 +103,14 @@ void recycleRecord(LockRecord& record) {
     spinUnlock(tableGuard);
 }
 
+int waiterCount(TLockId id) {
+    LockRecord* record = liveRecord(id, false);
+    if (!record) record = liveRecord(id, true);
+    if (!record) return 0;
+    RecordGuard guard(*record);
+    return wordIs(load(record->word), id) ? int(record->waiting) : 0;
+}
+
 // Waiters
 
 Waiter::Outcome Waiter::park(large deadline) {

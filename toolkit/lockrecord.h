@@ -60,7 +60,7 @@ struct alignas(64) LockRecord {
     const char* label;
     int guard;
     int depth;         ///< nested holds beyond the first, of the thread that has it alone; written by that thread
-    uint waiting;      ///< threads in the queue, and those woken that haven't come back
+    uint waiting;      ///< threads in the queue; of a lock, also those woken that haven't come back
     uint waitingAlone; ///< of these, the ones that want it alone
     int labelIndex;
     uint number;

@@ -23,6 +23,7 @@ bool wakeAll(TLockId id, ularge set, Waiter::Outcome outcome) {
         if (!signalIs(*record, id)) return false;
         change(*record, 0, set);
         woken = record->queue.popAll();
+        record->waiting = 0;
     }
     wakeChain(woken, outcome);
     return true;
@@ -40,6 +41,7 @@ bool destroySignal(TLockId id) {
     {
         RecordGuard guard(*record);
         woken = record->queue.popAll();
+        record->waiting = 0;
         storeRelease(record->word, 0);
     }
     wakeChain(woken, Waiter::SentAway);
@@ -55,7 +57,10 @@ bool sendSignal(TLockId id) {
         RecordGuard guard(*record);
         if (!signalIs(*record, id)) return false;
         woken = record->queue.pop();
-        if (!woken) change(*record, 0, signalSet);
+        if (woken)
+            --record->waiting;
+        else
+            change(*record, 0, signalSet);
     }
     wakeChain(woken, Waiter::Granted);
     return true;
@@ -82,6 +87,7 @@ bool waitSignal(TLockId id, int millis) {
         }
         if (millis == 0) return false;
         record->queue.insert(self);
+        ++record->waiting;
     }
     Waiter::Outcome outcome = self.park(millis < 0 ? -1 : futexClock() + large(millis) * 1'000'000);
     if (outcome != Waiter::Waiting) return outcome == Waiter::Granted;
@@ -89,6 +95,7 @@ bool waitSignal(TLockId id, int millis) {
         RecordGuard guard(*record);
         if (self.queued) {
             record->queue.remove(self);
+            --record->waiting;
             return false;
         }
     }

@@ -18,7 +18,7 @@ struct Waiters {
     Waiters(const ZSignal& signal, int count) {
         for (int i = 0; i < count; ++i)
             threads.emplace_back([this, signal] { toolkit::increment(signal.wait(-1) ? let : sentAway); });
-        nap(30);
+        while (toolkit::waiterCount(signal.getId()) < count) nap(1);
     }
     int through() { return toolkit::loadAcquire(let) + toolkit::loadAcquire(sentAway); }
     void join() {
@@ -50,8 +50,7 @@ TEST(ZSignal, SendWakesOneBroadcastAll) {
     Waiters waiters(signal, 4);
     signal.send();
     while (waiters.through() < 1) nap(1);
-    nap(20);
-    EXPECT_EQ(waiters.through(), 1);
+    EXPECT_EQ(toolkit::waiterCount(signal.getId()), 3);
     signal.broadcast(true);
     waiters.join();
     EXPECT_EQ(waiters.let, 4);
@@ -92,7 +91,7 @@ TEST(ZSignal, HandlesAreCountedAndTheLastSendsWaitersAway) {
     toolkit::destroyLock(lock, false);
     int sentAway = 0;
     std::thread waiter([&] { sentAway = !toolkit::waitSignal(id, -1); }); // holds no name of it
-    nap(30);
+    while (toolkit::waiterCount(id) == 0) nap(1);
     signal = copy = byId = none;
     waiter.join();
     EXPECT_EQ(sentAway, 1);

@@ -98,8 +98,8 @@ TEST(Lock, AnUpgradeWaitsForTheOtherReaders) {
     });
     while (!loadAcquire(reading)) nap(1);
     EXPECT_FALSE(tryLockAlone(lock));
-    std::thread helper([&] {
-        nap(20);
+    std::thread watcher([&] {
+        while (waiterCount(lock) == 0) nap(1);
         storeRelease(leave, 1);
     });
     EXPECT_TRUE(lockAlone(lock));
@@ -108,7 +108,7 @@ TEST(Lock, AnUpgradeWaitsForTheOtherReaders) {
     unlock(lock);
     unlock(lock);
     other.join();
-    helper.join();
+    watcher.join();
     EXPECT_EQ(lockHolds(lock), 0);
 }
 
@@ -121,7 +121,8 @@ TEST(Lock, AWaitingWriterHoldsOffNewReadersButNotOldOnes) {
         storeRelease(written, 1);
         unlock(lock);
     });
-    while (elsewhere(tryLockShared, lock)) nap(1); // until the writer waits
+    while (waiterCount(lock) == 0) nap(1);
+    EXPECT_FALSE(elsewhere(tryLockShared, lock));
     EXPECT_FALSE(loadAcquire(written));
     EXPECT_TRUE(tryLockShared(lock));
     EXPECT_TRUE(lockShared(lock));
@@ -132,7 +133,7 @@ TEST(Lock, AWaitingWriterHoldsOffNewReadersButNotOldOnes) {
         storeRelease(read, 1);
         unlock(lock);
     });
-    nap(10);
+    while (waiterCount(lock) < 2) nap(1);
     EXPECT_FALSE(loadAcquire(read));
     for (int i = 0; i < 3; ++i) EXPECT_TRUE(unlock(lock));
     writer.join();
@@ -196,7 +197,7 @@ TEST(Lock, ADestroyedLockStaysUntilItsHoldersAndWaitersAreThrough) {
         storeRelease(through, 1);
         unlock(id);
     });
-    nap(20);
+    while (waiterCount(id) == 0) nap(1);
     EXPECT_TRUE(destroyLock(id, true));
     EXPECT_FALSE(validLock(id));
     EXPECT_FALSE(retainLock(id));
@@ -421,7 +422,7 @@ TEST(LockDeathTest, MisuseEndsADevelopmentBuild) {
                 lockShared(id);
                 lockAlone(id);
             });
-            nap(30);
+            while (waiterCount(id) == 0) nap(1);
             lockAlone(id);
             other.join();
         },
