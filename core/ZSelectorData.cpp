@@ -8,7 +8,7 @@
 #include <cstring>
 
 using orv::detail::SelectorItems;
-using orv::detail::TextView;
+using orv::detail::SelectorPart;
 using toolkit::loadAcquire;
 using toolkit::storeRelease;
 
@@ -217,25 +217,23 @@ int ZSelectorData::extractParams(const char* text, size_t length, ZSelector::Typ
     result = name = ZSelector();
     params = nullptr;
     if (!text || !length) return 0;
-    auto intern = [](const TextView& part, ZSelector& sel) {
+    auto intern = [](const SelectorPart& part, ZSelector& sel) {
         sel.set(part.text, int(part.length), ZSelector::Detect);
         return !sel.isEmpty() || orv::detail::trimBlanks(part.text, part.length).length == 0;
     };
     SelectorItems counting(text, length, type);
-    if (counting.name.length && !intern(counting.name, name)) return 0;
-    if (counting.result.length && !intern(counting.result, result)) return 0;
+    if (!intern(counting.name, name) || !intern(counting.result, result)) return -1;
     size_t count = 0;
-    TextView part;
+    SelectorPart part;
     while (counting.next(part)) ++count;
     if (!count) return 0;
     params = zmakearray<ZSelector>(count);
-    if (!params) return 0;
+    if (!params) return -1;
     SelectorItems items(text, length, type);
     for (size_t i = 0; i < count && items.next(part); ++i)
         if (!intern(part, params[i])) {
-            zreleasearray(params);
-            params = nullptr;
-            return 0;
+            zreleasearray(std::exchange(params, nullptr));
+            return -1;
         }
     return int(count);
 }
@@ -244,7 +242,8 @@ void ZSelectorData::resolveParams() {
     zreleasearray(params);
     zfree(zarrayblock(sortedParams));
     sortedParams = nullptr;
-    paramCount = uint(extractParams(text, length, type, resultSel, nameSel, params));
+    int count = extractParams(text, length, type, resultSel, nameSel, params);
+    paramCount = count < 0 ? 0 : uint(count);
     flags |= Parts;
 }
 

@@ -56,13 +56,13 @@ public:
     bool containsSorted(const ZSelector& sel);
     /// The parts sorted by id, made on the first call; null when there are none, or no memory.
     const ZSelector* sorted();
-    /// Makes selectors from the parts of a text, as those of a type; answers their number. `params` is an array as by
-    /// `zmakearray`, null when there are none, or no memory.
+    /// Makes selectors from the parts of a text, as those of a type; answers the number of items, -1 when there is no
+    /// memory. `params` is an array as by `zmakearray`, null when there are none.
     static int extractParams(const char* text, ZSelector::Type type, ZSelector& result, ZSelector& name,
                              ZSelector*& params);
     static int extractParams(const char* text, size_t length, ZSelector::Type type, ZSelector& result, ZSelector& name,
                              ZSelector*& params);
-    orv::detail::TextView view() const { return {toolkit::loadAcquire(text), length}; }
+    orv::detail::SelectorPart view() const { return {toolkit::loadAcquire(text), length}; }
 
     int refCount = 1; ///< atomic
     uint flags = 0;   ///< of `Flag`; atomic

@@ -274,6 +274,56 @@ bool ZSelectorSpace::unlink(uint id, bool lock) {
     return true;
 }
 
+// Lazy fields
+
+/// An entry that holds itself doesn't count that, or it would stay for ever. Its caller holds it too.
+void ZSelectorSpace::dropSelf(ZSelectorData* entry, const ZSelector& stored) {
+    if (stored.key() == entry->self && !(entry->marks & SelectorEntry::uncounted)) toolkit::decrement(entry->refCount);
+}
+
+ZSelectorData* ZSelectorSpace::resolve(uint id) {
+    ZSelectorData* entry = get(id);
+    if (!entry || ORV_LIKELY(toolkit::loadAcquire(entry->flags) & ZSelectorData::Parts)) return entry;
+    // Parsed outside the lock; of several threads that do so one keeps its result.
+    ZSelector result, name;
+    ZSelector* params;
+    auto text = entry->view();
+    int count = ZSelectorData::extractParams(text.text, text.length, entry->type, result, name, params);
+    if (count < 0) return nullptr;
+    {
+        ZScopedLock held(spin);
+        if (!(entry->flags & ZSelectorData::Parts)) {
+            std::swap(entry->nameSel, name);
+            std::swap(entry->resultSel, result);
+            std::swap(entry->params, params);
+            entry->paramCount = uint(count);
+            dropSelf(entry, entry->nameSel);
+            dropSelf(entry, entry->resultSel);
+            for (int i = 0; i < count; ++i) dropSelf(entry, entry->params[i]);
+            storeRelease(entry->flags, entry->flags | ZSelectorData::Parts);
+        }
+    }
+    zreleasearray(params);
+    return entry;
+}
+
+void ZSelectorSpace::publish(ZSelectorData* entry, uint flag, ZSelector ZSelectorData::*field, ZSelector&& value) {
+    ZScopedLock held(spin);
+    if (entry->flags & flag) return;
+    std::swap(entry->*field, value);
+    dropSelf(entry, entry->*field);
+    storeRelease(entry->flags, entry->flags | flag);
+}
+
+void ZSelectorSpace::setVariableName(uint id, bool on) {
+    ZSelectorData* entry = get(id);
+    if (!entry) return;
+    ZScopedLock held(spin);
+    constexpr uint flag = ZSelectorData::VariableName;
+    bool path = entry->type == ZSelector::UID;
+    storeRelease(entry->flags, on || path ? entry->flags | flag : entry->flags & ~flag);
+}
+
 void ZSelectorSpace::clearXMLNameMap() {
     if (!isOpen()) return;
     ZScopedLock held(spin);

@@ -83,6 +83,12 @@ public:
     void unlockSpace() { spin.unlock(); }
     /// The lock of `ZSelectorData::sortedParams`.
     ZSpinLock& sortedLock() { return sortedSpin; }
+    /// The entry with its parts resolved; null if there is none, and when there is no memory for them.
+    ZSelectorData* resolve(uint id);
+    /// Stores a lazy selector in its field of a held entry, unless another thread was first. `flag` tells the field.
+    void publish(ZSelectorData* entry, uint flag, ZSelector ZSelectorData::*field, ZSelector&& value);
+    /// Sets or clears the flag of variable names, which a dotted path keeps.
+    void setVariableName(uint id, bool on);
     /// Sets the handles into the XML name table of all entries to 0.
     void clearXMLNameMap();
 
@@ -94,6 +100,7 @@ private:
     uint enterPlain(const char* text, size_t length, ZSelector::Type type, bool lock, bool create);
     uint take(uint id, uint marks, uint flags);
     uint add(ZSelectorData& wanted, uint marks, bool link);
+    static void dropSelf(ZSelectorData* entry, const ZSelector& stored);
     void giveUp(uint id, ZSelectorData*& dead, bool lock);
     void bury(ZSelectorData* dead, bool lock);
 

@@ -206,27 +206,6 @@ constexpr bool isOperatorSign(char c) {
     }
 }
 
-/// Walks over a text and keeps the depth of its angle brackets; the signs of an operator's name don't count.
-struct BracketWalk {
-    const char *begin, *at, *end;
-    size_t depth = 0;
-
-    /// Takes the character at `at` into account and moves on.
-    void pass() {
-        if (*at == '<' || *at == '>') {
-            if (orv::detail::behindOperator(begin, at)) {
-                while (at < end && isOperatorSign(*at)) ++at;
-                return;
-            }
-            if (*at == '<')
-                ++depth;
-            else if (depth)
-                --depth;
-        }
-        ++at;
-    }
-};
-
 } // namespace
 
 const byte* ZSelector::namechars() { return names.chars; }
@@ -271,10 +250,22 @@ NormalText::~NormalText() {
     if (text != small) zfree(text);
 }
 
-TextView trimBlanks(const char* text, size_t length) {
+SelectorPart trimBlanks(const char* text, size_t length) {
     while (length > 0 && *text == ' ') ++text, --length;
     while (length > 0 && text[length - 1] == ' ') --length;
     return {text, length};
+}
+
+void BracketWalk::passBracket() {
+    if (behindOperator(begin, at)) {
+        while (at < end && isOperatorSign(*at)) ++at;
+        return;
+    }
+    if (*at == '<')
+        ++depth;
+    else if (depth)
+        --depth;
+    ++at;
 }
 
 SelectorItems::SelectorItems(const char* text, size_t length, Type kind)
@@ -341,14 +332,14 @@ void SelectorItems::startMethod() {
     result = trimBlanks(begin, size_t(nameStart - begin));
 }
 
-bool SelectorItems::next(TextView& item) {
+bool SelectorItems::next(SelectorPart& item) {
     while (!done)
         if (step(item)) return true;
     return false;
 }
 
 /// Takes one item off the text; false if it is empty.
-bool SelectorItems::step(TextView& item) {
+bool SelectorItems::step(SelectorPart& item) {
     if (type >= ZSelector::Template)
         while (at < end && *at == ' ') ++at;
     const char* start = at;

@@ -7,7 +7,7 @@
 namespace orv::detail {
 
 /// A part of a text that somebody else owns; null `text` for none.
-struct TextView {
+struct SelectorPart {
     const char* text = nullptr;
     size_t length = 0;
 };
@@ -42,25 +42,46 @@ class ORV_API SelectorItems {
 public:
     SelectorItems(const char* text, size_t length, ZSelector::Type type);
     /// The next item; false after the last.
-    bool next(TextView& item);
+    bool next(SelectorPart& item);
 
-    TextView name;   ///< of a template or function
-    TextView result; ///< of a function
+    SelectorPart name;   ///< of a template or function
+    SelectorPart result; ///< of a function
     /// Where a function's parameters end: its ")", or the end of the text.
     const char* close() const { return at; }
 
 private:
     void startTemplate();
     void startMethod();
-    bool step(TextView& item);
+    bool step(SelectorPart& item);
 
     const char *begin, *at, *end;
     ZSelector::Type type;
     bool done = false;
 };
 
+/// Walks over a text and keeps the depth of its angle brackets. Those in the name of an operator don't count, nor does
+/// a
+/// ">" that closes nothing; a "<" that is never closed counts to the end.
+struct ORV_API BracketWalk {
+    BracketWalk(const char* begin, const char* at, const char* end) : begin(begin), at(at), end(end) {}
+
+    const char *begin, *at, *end;
+    size_t depth = 0;
+
+    /// Takes the character at `at` into account and moves on.
+    void pass() {
+        if (*at == '<' || *at == '>')
+            passBracket();
+        else
+            ++at;
+    }
+
+private:
+    void passBracket();
+};
+
 /// What the blanks at both ends leave of a text.
-ORV_API TextView trimBlanks(const char* text, size_t length);
+ORV_API SelectorPart trimBlanks(const char* text, size_t length);
 /// Whether the bytes in front of `at` are "operator", within the text that starts at `begin`.
 inline bool behindOperator(const char* begin, const char* at) {
     return at - begin >= 8 && __builtin_memcmp(at - 8, "operator", 8) == 0;

@@ -24,7 +24,7 @@ std::string items(const std::string& text, Type type) {
     std::string all;
     if (walk.result.length) all += "{" + std::string(walk.result.text, walk.result.length) + "}";
     if (walk.name.length) all += "=" + std::string(walk.name.text, walk.name.length) + "=";
-    TextView item;
+    SelectorPart item;
     while (walk.next(item)) all += "[" + std::string(item.text, item.length) + "]";
     return all;
 }
@@ -187,7 +187,7 @@ TEST(SelectorText, HostileTextsTakeLinearTime) {
         ASSERT_LE(normal.length, 2 * text.size());
         for (int type = ZSelector::Names; type <= ZSelector::Method; ++type) {
             SelectorItems walk(normal.text, normal.length, Type(type));
-            TextView item;
+            SelectorPart item;
             size_t total = 0;
             while (walk.next(item)) total += item.length;
             ASSERT_LE(total, normal.length);
