@@ -39,6 +39,10 @@ bool PackMap::detach() {
     if (refcount(pack) < 2) return true;
     DataPack* own = pack->clone(copyCall, destructCall, this);
     if (!own) return false;
+    if (lockable() && !makelock(own, false, true)) {
+        release(own, this);
+        return false;
+    }
     release(std::exchange(pack, own), this);
     return true;
 }
@@ -70,6 +74,8 @@ bool PackMap::remove(uint id) {
     if (store == pack) store->recycle(id);
     return true;
 }
+
+bool PackMap::setLockable(bool on) { return on ? pack && makelock(pack, false, true) : !lockable(); }
 
 bool PackMap::expand(uint count) { return detach() && pack->reserve(count); }
 

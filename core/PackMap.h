@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/memlock.h"
 #include "core/memory.h"
 #include "toolkit/datapack.h"
 
@@ -37,6 +38,15 @@ public:
     bool clean();
     /// Makes this handle the only one on its store, by a clone with the same ids. False when that can't be had.
     bool detach();
+
+    // Lock, recursive, of the store's block: for all maps that share it; a clone gets its own
+
+    /// Gives the store a lock. It can't be taken away again: false for `on` false while there is one.
+    bool setLockable(bool on);
+    bool lockable() const { return ::lockable(pack); }
+    /// Waits for the lock; false if there is none.
+    bool lock() const { return lockmem(pack); }
+    bool unlock() const { return unlockmem(pack); }
 
     // Diagnostics
 

@@ -231,6 +231,9 @@ protected:
     }
     static constexpr int noTree = -2;
 
+    /// Takes items out without freeing them: somebody else has them now.
+    void forgetItems(int index, int count) { removeItems(index, count, false); }
+
     /// Walks down one tree. A link that leads out of the items, which 0 does too, ends the walk.
     template <class F> int seekAt(uint link, F&& order) const {
         for (uint steps = itemCount; steps > 0; --steps) {

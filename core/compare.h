@@ -4,6 +4,13 @@
 
 #include <type_traits>
 
+/// Whether `zcompare` knows an order of such values.
+template <class T>
+concept zcomparable = requires(const T& a) {
+    a.compare(a);
+}
+|| requires(const T& a) { a < a; };
+
 /// The order of two values: the class's own `compare`, else `<` on numbers, enums and pointers. Negative, 0 or
 /// positive.
 template <class T> inline int zcompare(const T& a, const T& b) {
