@@ -143,8 +143,7 @@ TYPED_TEST(HashMaps, RandomOperationsOnSharedCopiesAgreeWithAModel) {
                 }
                 break;
             }
-            if (step % 100 == 0)
-                for (int i = 0; i < 3; ++i) ASSERT_EQ(contents(maps[i]), models[i]);
+            for (int i = 0; i < 3 && step % 100 == 0; ++i) ASSERT_EQ(contents(maps[i]), models[i]);
         }
         Model sorted = models[0];
         std::sort(sorted.begin(), sorted.end());
@@ -188,7 +187,7 @@ TYPED_TEST(HashMaps, EmptyOnesAllocateNothingAndCopiesShare) {
     EXPECT_EQ(map.find(1), -1);
     EXPECT_FALSE(map.remove(1));
     EXPECT_EQ(map.compare(copy), 0);
-    EXPECT_EQ(probe.allocations(), 2) << "the two keys, which own a block each";
+    EXPECT_LE(probe.allocations(), 2) << "no more than the two keys own";
     Face<TypeParam>::set(map, 1, 1);
     EXPECT_GT(map.compare(copy), 0);
     copy = map;
@@ -278,29 +277,27 @@ TEST(HashMap, ArraysGoInWholeOrNotAtAll) {
         zrecover();
         ZArrayT<Item> items;
         for (int key : {1, 2, 3, 2, 5}) items.append(Item(key, Owner(key * 10 + int(items.count()))));
-        zrecover();
-        if (items.count() < 5) return;
+        if (zrecover() || items.count() < 5) return;
         Numbers made(items);
-        if (zrecover())
-            ASSERT_TRUE(made.isEmpty());
-        else
-            ASSERT_EQ(contents(made), (Model{{1, 10}, {2, 23}, {3, 32}, {5, 54}}));
+        ASSERT_EQ(contents(made), zrecover() ? Model{} : (Model{{1, 10}, {2, 23}, {3, 32}, {5, 54}}));
         Numbers map;
         for (int key : {7, 3}) map.set(key, Owner(0));
-        zrecover();
+        if (zrecover()) return;
         Model had = contents(map);
         Numbers shared = map;
-        if (!map.append(items))
-            ASSERT_EQ(contents(map), had);
-        else if (had.size() == 2)
-            ASSERT_EQ(contents(map), (Model{{7, 0}, {3, 32}, {1, 10}, {2, 23}, {5, 54}}));
+        bool appended = map.append(items);
+        ASSERT_TRUE(appended || contents(map) == had);
+        Model wanted{{7, 0}, {3, 32}, {1, 10}, {2, 23}, {5, 54}};
+        ASSERT_TRUE(!appended || had.size() < 2 || contents(map) == wanted);
         ASSERT_EQ(contents(shared), had);
         ZArrayT<Owner> values;
         for (int value : {4, 4, 6}) values.append(Owner(value));
+        if (zrecover()) return;
         ZHashSetT<Owner> set(values);
-        if (!zrecover()) ASSERT_EQ(set.contains(Owner(4)), values.count() > 0);
         zrecover();
-        ASSERT_TRUE(probe.failed() || set.count() == 2);
+        bool right = set.count() == 2 && set.find(Owner(6)) == 1 && set.find(Owner(5)) < 0;
+        zrecover();
+        ASSERT_TRUE(right || probe.failed());
     });
 }
 
@@ -315,10 +312,12 @@ TEST(HashMap, CompareByKeyThenValue) {
     EXPECT_LT(a.compare(b), 0);
     a.set(0, Owner(9));
     EXPECT_LT(a.compare(b), 0) << "the smaller key comes first";
-    ZHashMapT<int, ZKeyValueT<int, std::pair<int, int>>> plain; // values without an order count for nothing
-    auto other = plain;
-    plain.set(1, std::pair(1, 2));
-    other.set(1, std::pair(1, 3));
+    struct Unordered {
+        int number;
+    };
+    ZKeyMapT<int, Unordered> plain, other; // values without an order count for nothing
+    plain.set(1, Unordered{2});
+    other.set(1, Unordered{3});
     EXPECT_EQ(plain.compare(other), 0);
 }
 
