@@ -3,6 +3,7 @@
 #include "core/forward.h"
 
 class ZBlendPos;
+class ZCharBuffer;
 class ZDateTime;
 class ZFileInfo;
 class ZFileName;
