@@ -71,13 +71,17 @@ template <class T> bool copyItems(void* to, const void* from, uint count) {
     }
     return true;
 }
-template <class T> void moveItems(void* to, void* from, uint count) {
-    T* target = static_cast<T*>(to);
-    T* source = static_cast<T*>(from);
-    for (uint i = 0; i < count; ++i) {
-        ::new (target + i) T(std::move(source[i]));
-        source[i].~T();
+/// Moves a value to free room, leaving free room; no destructor of a relocatable type runs.
+template <class T> void relocate(T* to, T* from) {
+    if constexpr (zrelocatable<T>)
+        std::memcpy(static_cast<void*>(to), static_cast<void*>(from), sizeof(T));
+    else {
+        ::new (to) T(std::move(*from));
+        from->~T();
     }
+}
+template <class T> void moveItems(void* to, void* from, uint count) {
+    for (uint i = 0; i < count; ++i) relocate(static_cast<T*>(to) + i, static_cast<T*>(from) + i);
 }
 template <class T> void reverseItems(T* items, uint first, uint last) {
     while (first + 1 < last) {
