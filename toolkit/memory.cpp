@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <malloc.h>
 #include <sys/sysinfo.h>
 
 namespace toolkit {
@@ -161,6 +162,19 @@ void* reallocBlock(void* payload, size_t size) {
         watch->made(moved + 1, size, threadState.typeLabel);
     }
     return moved + 1;
+}
+
+void* growBlock(void* payload, size_t size) {
+    if (!caching || !payload || allocHooks() || size > blockLimit) return reallocBlock(payload, size);
+    BlockHead* head = blockHead(payload);
+    if (malloc_usable_size(head) < rounded(size)) {
+        void* moved = std::realloc(head, rounded(size + size / 4));
+        if (!moved) return reallocBlock(payload, size);
+        head = static_cast<BlockHead*>(moved);
+    }
+    head->sizeLow = uint32_t(size);
+    head->state = (head->state & blockLockMask) | uint32_t(size >> 32) << 24;
+    return head + 1;
 }
 
 void freeBlock(void* payload) {

@@ -34,6 +34,9 @@ ORV_API void* allocZeroedBlock(size_t size);
 /// Resizes a block that nobody else holds; added bytes are undefined. Null on failure, with the old block intact.
 /// A null block allocates.
 ORV_API void* reallocBlock(void* payload, size_t size);
+/// The same for a block that is likely to grow on: memory is taken ahead where that is needed, so that many small steps
+/// don't move the block each time. The block is of exactly `size` bytes all the same.
+ORV_API void* growBlock(void* payload, size_t size);
 /// Frees a block whatever its count, and its own lock. Null is fine.
 ORV_API void freeBlock(void* payload);
 
