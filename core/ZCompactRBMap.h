@@ -242,7 +242,8 @@ protected:
             ZCompactRBItem* item = itemStart(at);
             int result = order(item);
             if (result == 0) return int(at);
-            link = result < 0 ? item->right : item->left;
+            // Without a branch: which way it goes can't be predicted.
+            link = item->left ^ ((item->left ^ item->right) & (0u - uint(result < 0)));
         }
         return -1;
     }

@@ -18,7 +18,7 @@ void ZCompactRBMap::dropTree() const {
 
 /// Builds the index, with the lock held and none there. Readers see it when it is complete.
 bool ZCompactRBMap::buildTree() const {
-    if (!fixedBits && useTable) fitHash(2);
+    if (!fixedBits && useTable) fitHash(0);
     const uint n = itemCount;
     fittedCount = n;
     if (!hashed()) {
@@ -114,7 +114,7 @@ void ZCompactRBMap::addNode(int index) {
     if (!hasTree()) return;
     if (!fixedBits && useTable && itemCount / 2 >= fittedCount) {
         fittedCount = itemCount;
-        fitHash(2);
+        fitHash(0);
         if (!hasTree()) return;
     }
     linkNode(index);
