@@ -56,7 +56,15 @@ large ZDateTime::value() const {
 void ZDateTime::setValue(large milliseconds) {
     DateFields fields;
     orv::detail::fieldsOf(orv::detail::magnitude(milliseconds), fields);
-    setFields(fields);
+    yearField = fields.year;
+    monthField = byte(fields.month);
+    dayField = byte(fields.day);
+    weekField = byte(fields.dayOfWeek);
+    hourField = byte(fields.hour);
+    minuteField = byte(fields.minute);
+    secondField = byte(fields.second);
+    zoneField = 0;
+    milliField = word(fields.millisec);
 }
 
 /// Brings the fields into their ranges and takes them over; the zone stays out of it.

@@ -90,10 +90,10 @@ void ZTime::addSpan(large count, large unit) {
 }
 
 bool ZTime::setString(const ZString& text) {
-    ZDateTime date;
-    bool valid = date.setString(text);
-    millis = date.value();
-    return valid;
+    orv::detail::TextIn<char> bytes(text.view());
+    DateFields fields;
+    millis = 0;
+    return orv::detail::parseDate(bytes.text, size_t(bytes.length), fields) && setFields(fields);
 }
 
 ZString ZTime::toString() const { return ZDateTime(*this).toString(); }

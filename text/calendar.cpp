@@ -4,8 +4,9 @@ namespace orv::detail {
 
 namespace {
 
-// The day counts follow Howard Hinnant, "chrono-Compatible Low-Level Date Algorithms": years begin in March, so that
-// the leap day is a year's last, and 400 of them make an era of equal length. Here the eras begin on 1600-03-01.
+// The day counts follow Cassio Neri and Lorenz Schneider, "Euclidean affine functions and their application to calendar
+// algorithms" (2022). Their years begin in March, so that the leap day is a year's last; here they are counted from
+// 1600, whose like, 400 years on, makes an era of equal length.
 constexpr ularge eraDays = 146'097;
 constexpr large daysBefore1601 = 306;
 constexpr large mostDays = largestValue / dayMillis;
@@ -19,25 +20,20 @@ uint daysIn(uint year, uint month) {
 
 /// Days from 1601-01-01 to the first of a month; the month is 1 to 12, the year not before 1601.
 large daysTo(large year, int month) {
-    ularge shifted = ularge(year - 1600 - (month <= 2));
-    ularge era = shifted / 400, yearOfEra = shifted % 400;
-    ularge dayOfYear = (153 * uint(month > 2 ? month - 3 : month + 9) + 2) / 5;
-    return large(era * eraDays + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear) - daysBefore1601;
+    bool late = month <= 2;
+    ularge shifted = ularge(year - 1600 - late), centuries = shifted / 100;
+    uint fromMarch = uint(late ? month + 12 : month);
+    return large(shifted * 1461 / 4 - centuries + centuries / 4 + (979 * fromMarch - 2919) / 32) - daysBefore1601;
 }
 
 /// The years to add so that the month comes to lie in 1 to 12.
 large yearsIn(large month) { return month > 12 ? (month - 13) / 12 + 1 : month < 1 ? month / 12 - 1 : 0; }
 
-/// Reads exactly `count` digits at `at`.
-bool digits(const char* at, int count, uint& value) {
-    uint sum = 0;
-    for (int i = 0; i < count; ++i) {
-        uint digit = uint(byte(at[i])) - '0';
-        if (digit > 9) return false;
-        sum = sum * 10 + digit;
-    }
-    value = sum;
-    return true;
+/// Whether a minute of a day is not before the first day of all; the minute may lie in the days around.
+bool reaches1601(int year, int month, int day, int minute) {
+    constexpr int minutesOfDay = 24 * 60;
+    if (year == 1600) return month == 12 && day == 31 && minute >= minutesOfDay;
+    return year == 1601 && (month > 1 || day > 1 || minute >= 0);
 }
 
 char* put(char* out, uint value, int count) {
@@ -48,17 +44,19 @@ char* put(char* out, uint value, int count) {
 } // namespace
 
 void fieldsOf(large value, DateFields& fields) {
-    ularge days = ularge(value) / ularge(dayMillis);
-    uint rest = uint(ularge(value) % ularge(dayMillis));
-    ularge shifted = days + ularge(daysBefore1601);
-    ularge era = shifted / eraDays;
-    uint dayOfEra = uint(shifted % eraDays);
-    uint yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-    uint dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-    uint month = (5 * dayOfYear + 2) / 153;
-    fields.day = int(dayOfYear - (153 * month + 2) / 5 + 1);
-    fields.month = int(month < 10 ? month + 3 : month - 9);
-    fields.year = int(1600 + yearOfEra + era * 400 + (fields.month <= 2));
+    ularge days = ularge(value) / ularge(dayMillis), shifted = days + ularge(daysBefore1601);
+    uint rest = uint(ularge(value) - days * ularge(dayMillis));
+    constexpr ularge narrow = 1 << 30;
+    ularge eras = ORV_LIKELY(shifted < narrow) ? 0 : shifted / eraDays;
+    uint quarters = 4 * uint(shifted - eras * eraDays) + 3;
+    uint century = quarters / uint(eraDays), dayOfCentury = quarters % uint(eraDays) / 4;
+    uint64_t product = uint64_t(2'939'745) * (4 * dayOfCentury + 3);
+    uint yearOfCentury = uint(product >> 32), dayOfYear = uint(product) / 2'939'745 / 4;
+    uint months = 2141 * dayOfYear + 197'913;
+    bool late = dayOfYear >= 306;
+    fields.day = int((months & 0xFFFF) / 2141 + 1);
+    fields.month = int(months >> 16) - (late ? 12 : 0);
+    fields.year = int(1600 + 100 * century + yearOfCentury + eras * 400 + late);
     fields.dayOfWeek = int((days + 1) % 7);
     fields.hour = int(rest / uint(hourMillis));
     fields.minute = int(rest / uint(minuteMillis) % 60);
@@ -107,20 +105,30 @@ void addMonths(DateFields& fields, int months) {
 }
 
 bool parseDate(const char* text, size_t length, DateFields& fields) {
-    if (length < 19) return false;
+    constexpr size_t shortest = 19, restOfDate = 15;
+    if (length < shortest) return false;
     size_t yearDigits = 4;
     while (yearDigits < 10 && text[yearDigits] != '-') ++yearDigits;
-    if (yearDigits > 9 || length < yearDigits + 15 || (yearDigits > 4 && text[0] == '0')) return false;
+    if (yearDigits > 9 || length < yearDigits + restOfDate || (yearDigits > 4 && text[0] == '0')) return false;
 
-    uint year, month, day, hour, minute, second, millisec = 0;
+    // A byte that is no digit shows in `wrong`, whatever its place.
+    uint wrong = 0, year = 0, millisec = 0;
+    auto pair = [&](const char* from) {
+        uint tens = uint(byte(from[0])) - '0', ones = uint(byte(from[1])) - '0';
+        wrong |= uint(tens > 9) | uint(ones > 9);
+        return tens * 10 + ones;
+    };
+    for (size_t i = 0; i < yearDigits; ++i) {
+        uint digit = uint(byte(text[i])) - '0';
+        wrong |= digit > 9;
+        year = year * 10 + digit;
+    }
     const char *at = text + yearDigits, *end = text + length;
-    if (!digits(text, int(yearDigits), year) || at[0] != '-' || !digits(at + 1, 2, month) || at[3] != '-' ||
-        !digits(at + 4, 2, day) || at[6] != 'T' || !digits(at + 7, 2, hour) || at[9] != ':' ||
-        !digits(at + 10, 2, minute) || at[12] != ':' || !digits(at + 13, 2, second))
-        return false;
+    uint month = pair(at + 1), day = pair(at + 4), hour = pair(at + 7), minute = pair(at + 10), second = pair(at + 13);
+    if (wrong || at[0] != '-' || at[3] != '-' || at[6] != 'T' || at[9] != ':' || at[12] != ':') return false;
     if (month < 1 || month > 12 || day < 1 || day > daysIn(year, month) || hour > 23 || minute > 59 || second > 59)
         return false;
-    at += 15;
+    at += restOfDate;
 
     if (at < end && *at == '.') {
         uint scale = 100;
@@ -132,23 +140,28 @@ bool parseDate(const char* text, size_t length, DateFields& fields) {
     if (at < end && *at == 'Z') {
         ++at;
     } else if (at < end) {
-        uint hours, minutes;
-        if ((*at != '+' && *at != '-') || end - at != 6 || !digits(at + 1, 2, hours) || at[3] != ':' ||
-            !digits(at + 4, 2, minutes) || minutes > 59 || hours * 60 + minutes > uint(zoneLimit))
-            return false;
+        if ((*at != '+' && *at != '-') || end - at != 6 || at[3] != ':') return false;
+        uint hours = pair(at + 1), minutes = pair(at + 4);
+        if (wrong || minutes > 59 || hours * 60 + minutes > uint(zoneLimit)) return false;
         zone = int(hours * 60 + minutes);
         if (*at == '-') zone = -zone;
         at += 6;
     }
     if (at != end) return false;
 
-    DateFields read{int(year), int(month), int(day), int(hour), int(minute), int(second), int(millisec), zone};
     // Only the days around the first can fall before it by their zone.
-    large value;
-    if (year <= 1601 && !momentOf(read, value)) return false;
+    if (year <= 1601 && !reaches1601(int(year), int(month), int(day), int(hour) * 60 + int(minute) - zone))
+        return false;
+    fields.year = int(year);
+    fields.month = int(month);
+    fields.day = int(day);
+    fields.hour = int(hour);
+    fields.minute = int(minute);
+    fields.second = int(second);
+    fields.millisec = int(millisec);
+    fields.zone = zone;
     // 400 years are whole weeks.
-    read.dayOfWeek = int((daysTo(year < 1601 ? year + 400 : year, int(month)) + large(day)) % 7);
-    fields = read;
+    fields.dayOfWeek = int(ularge(daysTo(year < 1601 ? year + 400 : year, int(month)) + large(day)) % 7);
     return true;
 }
 

@@ -57,6 +57,13 @@ void FolderReader::close() {
     at = filled = 0;
 }
 
+int FolderReader::release() {
+    int released = folder;
+    folder = -1;
+    close();
+    return released;
+}
+
 int FolderReader::open(const char* path, int parent, bool followLink) {
     close();
     failure = askFileHook(FileCall::Open);
@@ -107,7 +114,24 @@ struct FolderWalk::Pending {
     uint length, depth;
 };
 
-FolderWalk::~FolderWalk() { freeBlock(visited); }
+FolderWalk::FolderWalk() {
+    for (int& folder : held) folder = -1;
+}
+
+FolderWalk::~FolderWalk() {
+    for (int folder : held)
+        if (folder >= 0) ::close(folder);
+    freeBlock(visited);
+}
+
+void FolderWalk::leave() {
+    if (branches && depth < heldRoom) {
+        if (held[depth] >= 0) ::close(held[depth]);
+        held[depth] = reader.release();
+    } else
+        reader.close();
+    branches = false;
+}
 
 /// Notes a folder; inode 0 marks a free place, since no folder has that.
 bool FolderWalk::visit(ularge device, ularge inode, bool& fresh) {
@@ -138,8 +162,8 @@ bool FolderWalk::visit(ularge device, ularge inode, bool& fresh) {
 }
 
 /// Opens a folder that hasn't been read yet; EEXIST for one that has.
-int FolderWalk::enter(const char* folderPath, bool followLink) {
-    if (int error = reader.open(folderPath, -1, followLink)) return error;
+int FolderWalk::enter(const char* folderPath, int parent, bool followLink) {
+    if (int error = reader.open(folderPath, parent, followLink)) return error;
     struct stat status;
     bool fresh = false;
     if (fstat(reader.descriptor(), &status) != 0) return errno;
@@ -157,7 +181,8 @@ int FolderWalk::start(const char* startPath, bool recurse, bool further) {
     pending[0].truncate(0);
     pending[1].truncate(0);
     depth = skips = 0;
-    failure = path.assign(startPath) && path.join("") ? enter(*startPath ? startPath : ".", true) : ENOMEM;
+    branches = false;
+    failure = path.assign(startPath) && path.join("") ? enter(*startPath ? startPath : ".", -1, true) : ENOMEM;
     folderLength = path.length();
     if (failure) reader.close();
     if (failure == EEXIST) failure = 0;
@@ -169,8 +194,10 @@ bool FolderWalk::push(const char* bytes, size_t length, bool link) {
     Pending mark{uint(length), depth + 1};
     size_t before = stack.length();
     if (stack.append(bytes, length) && stack.append("", 1) &&
-        stack.append(reinterpret_cast<const char*>(&mark), sizeof mark))
+        stack.append(reinterpret_cast<const char*>(&mark), sizeof mark)) {
+        branches |= !link;
         return true;
+    }
     stack.truncate(before);
     failure = ENOMEM;
     return false;
@@ -187,7 +214,10 @@ bool FolderWalk::openNext() {
         size_t begin = stack.length() - sizeof mark - 1 - mark.length;
         bool whole = path.assign(stack.text() + begin, mark.length);
         stack.truncate(begin);
-        int error = !whole ? ENOMEM : mark.depth > deepest ? ELOOP : enter(path.text(), link);
+        // The stack holds the subfolders of the folder above on top, so that is the one held. Links come later.
+        int parent = !link && mark.depth <= heldRoom ? held[mark.depth - 1] : -1;
+        const char* name = parent < 0 ? path.text() : std::strrchr(path.text(), '/') + 1;
+        int error = !whole ? ENOMEM : mark.depth > deepest ? ELOOP : enter(name, parent, link);
         if (error == ENOMEM || (!error && !path.join(""))) {
             failure = ENOMEM;
             reader.close();
@@ -208,7 +238,7 @@ bool FolderWalk::next(WalkEntry& entry) {
     FolderEntry found;
     while (!reader.next(found)) {
         skips += reader.error() != 0;
-        reader.close();
+        leave();
         if (!openNext()) return false;
     }
     path.truncate(folderLength);

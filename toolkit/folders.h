@@ -27,6 +27,8 @@ public:
     int error() const { return failure; }
     /// The descriptor while the folder is open, else -1.
     int descriptor() const { return folder; }
+    /// Ends reading and hands the descriptor over to the caller, who closes it.
+    int release();
     void close();
 
 private:
@@ -53,7 +55,7 @@ struct WalkEntry {
 /// passed over. One thread.
 class ORV_API FolderWalk {
 public:
-    FolderWalk() = default;
+    FolderWalk();
     ~FolderWalk();
     FolderWalk(const FolderWalk&) = delete;
 
@@ -73,12 +75,17 @@ private:
     struct Visited;
 
     bool openNext();
-    int enter(const char* path, bool followLink);
+    int enter(const char* path, int parent, bool followLink);
+    /// Ends with the folder that was read. It is kept open while its subfolders are read, unless it lies too deep.
+    void leave();
     bool visit(ularge device, ularge inode, bool& fresh);
     bool push(const char* bytes, size_t length, bool link);
 
     FolderReader reader;
     PathText path;
+    static constexpr uint heldRoom = 24;
+    int held[heldRoom];      ///< by depth, the folder above the one being read; -1 for none
+    bool branches = false;   ///< the folder being read has subfolders that are still to be read
     size_t folderLength = 0; ///< of `path`, up to where names begin
     uint depth = 0;
     ularge folderDevice = 0;
