@@ -1,5 +1,7 @@
 #include "core/memsort.h"
 
+#include "core/memory.h"
+
 #include <cstring>
 
 namespace {
@@ -9,6 +11,17 @@ struct ByCall {
     void* user;
     /// Whether `b` has to stand in front of `a`, which came first.
     bool operator()(const char* a, const char* b) const { return compare(a, b, user) > 0; }
+};
+
+template <class T> struct ByField {
+    size_t offset;
+    bool operator()(const char* a, const char* b) const {
+        T first, second;
+        std::memcpy(&first, a + offset, sizeof first);
+        std::memcpy(&second, b + offset, sizeof second);
+        // Only not-a-number differs from itself.
+        return second < first || (first != first && second == second);
+    }
 };
 
 template <class Swapped> class Sorter {
@@ -60,9 +73,33 @@ private:
     char* scratch;
 };
 
+template <class T> bool sortByField(void* items, size_t count, size_t size, size_t offset) {
+    if (size < sizeof(T) || offset > size - sizeof(T)) return false;
+    if (count < 2) return true;
+    size_t bytes;
+    void* scratch = __builtin_mul_overflow(count, size, &bytes) ? nullptr : __zalloc(bytes);
+    if (!scratch) return false;
+    Sorter(size, ByField<T>{offset}, scratch).sort(static_cast<char*>(items), count);
+    zfree(scratch);
+    return true;
+}
+
 } // namespace
 
 void mergesort(void* items, size_t count, size_t size, int (*compare)(const void*, const void*, void*), void* user,
                void* scratch) {
     Sorter(size, ByCall{compare, user}, scratch).sort(static_cast<char*>(items), count);
+}
+
+bool mergeSortByInt(void* items, size_t count, size_t size, size_t offset) {
+    return sortByField<int>(items, count, size, offset);
+}
+bool mergeSortByUInt(void* items, size_t count, size_t size, size_t offset) {
+    return sortByField<uint>(items, count, size, offset);
+}
+bool mergeSortByFloat(void* items, size_t count, size_t size, size_t offset) {
+    return sortByField<float>(items, count, size, offset);
+}
+bool mergeSortByDouble(void* items, size_t count, size_t size, size_t offset) {
+    return sortByField<double>(items, count, size, offset);
 }
