@@ -155,6 +155,7 @@ private:
     const C* parse(const C* at, Conversion& how);
     const C* sizeAndLetter(const C* at, Conversion& how);
     bool convert(const Conversion& how);
+    bool rareConversion(Conversion how);
 
     large signedArgument(Size size) {
         switch (size) {
@@ -182,19 +183,24 @@ private:
     }
 
     struct Body {
-        char prefix[3];
-        int prefixLength = 0;
-        const char* digits;
-        int count;
+        const char* digits = nullptr;
+        int count = 0;
         int split = 0; ///< where in `digits` zeros are put in
         int zeros = 0; ///< how many
-        bool sign(bool negative, const Conversion& how) {
-            if (negative || how.plus || how.blank) prefix[prefixLength++] = negative ? '-' : how.plus ? '+' : ' ';
-            return true;
+        int prefixLength = 0;
+        char prefix[3];
+        Body() = default;
+        Body(const char* text, int length) : digits(text), count(length) {}
+        void add(char c) { prefix[prefixLength++] = c; }
+        void sign(bool negative, const Conversion& how) {
+            if (negative || how.plus || how.blank) add(negative ? '-' : how.plus ? '+' : ' ');
         }
     };
     void put(const Body& body, const Conversion& how, bool fillZeros);
     void integer(ularge magnitude, bool negative, const Conversion& how);
+    void signedInteger(large value, const Conversion& how) {
+        integer(value < 0 ? 0 - ularge(value) : ularge(value), value < 0, how);
+    }
     template <class T> void realNumber(T value, const Conversion& how);
     template <class From> void text(const From* text, const Conversion& how);
     void character(ichar code, const Conversion& how);
@@ -204,25 +210,34 @@ private:
     var_arg args;
 };
 
+/// Takes one flag; false for what is none.
+template <class C> bool flag(C unit, Conversion& how) {
+    switch (unitvalue(unit)) {
+    case '-':
+        return how.left = true;
+    case '+':
+        return how.plus = true;
+    case ' ':
+        return how.blank = true;
+    case '#':
+        return how.other = true;
+    case '0':
+        return how.zeros = true;
+    case '!':
+        return how.cut = true;
+    default:
+        return false;
+    }
+}
+
 template <class C> const C* Formatter<C>::parse(const C* at, Conversion& how) {
-    for (;; ++at) {
-        if (*at == '-')
-            how.left = true;
-        else if (*at == '0')
-            how.zeros = true;
-        else if (*at == '+')
-            how.plus = true;
-        else if (*at == ' ')
-            how.blank = true;
-        else if (*at == '#')
-            how.other = true;
-        else if (*at == '!')
-            how.cut = true;
-        else if (*at == '^')
-            at = number(at + 1, how.radix) - 1;
+    for (;;)
+        if (*at == '^')
+            at = number(at + 1, how.radix);
+        else if (flag(*at, how))
+            ++at;
         else
             break;
-    }
     if (*at == '*' || unitvalue(*at) - '0' < 10) {
         at = number(at, how.width);
         how.left |= how.width < 0;
@@ -277,30 +292,21 @@ template <class C> const C* Formatter<C>::sizeAndLetter(const C* at, Conversion&
 
 /// False for what is no conversion.
 template <class C> bool Formatter<C>::convert(const Conversion& how) {
-    if (how.array) {
-        array(how);
-        return true;
-    }
+    if (how.array) return array(how), true;
     switch (how.letter) {
     case 'd':
-    case 'i': {
-        large value = signedArgument(how.size);
-        integer(value < 0 ? 0 - ularge(value) : ularge(value), value < 0, how);
+    case 'i':
+        signedInteger(signedArgument(how.size), how);
         return true;
-    }
     case 'u':
     case 'o':
     case 'x':
     case 'X':
         integer(unsignedArgument(how.size), false, how);
         return true;
-    case 'l': {
-        large value = va_arg(args.list, large);
-        Conversion plain = how;
-        plain.letter = 'd';
-        integer(value < 0 ? 0 - ularge(value) : ularge(value), value < 0, plain);
+    case 's':
+        text(va_arg(args.list, const char*), how);
         return true;
-    }
     case 'e':
     case 'E':
     case 'f':
@@ -314,55 +320,54 @@ template <class C> bool Formatter<C>::convert(const Conversion& how) {
         else
             realNumber(va_arg(args.list, double), how);
         return true;
-    case 's':
-        text(va_arg(args.list, const char*), how);
+    case '%':
+        out.put(C('%'));
         return true;
+    default:
+        return rareConversion(how);
+    }
+}
+
+template <class C> bool Formatter<C>::rareConversion(Conversion how) {
+    switch (how.letter) {
     case 'S':
         text(va_arg(args.list, const wchar*), how);
         return true;
-    case 'c': {
-        int code = va_arg(args.list, int);
-        if (sizeof(C) > 1) {
+    case 'c':
+        if (int code = va_arg(args.list, int); sizeof(C) > 1) {
             character(ichar(code), how);
-            return true;
+        } else {
+            char unit = char(code);
+            put({&unit, 1}, how, false);
         }
-        out.fill(how.left ? 0 : how.width - 1, ' ');
-        out.put(C(code));
-        out.fill(how.left ? how.width - 1 : 0, ' ');
         return true;
-    }
     case 'C':
         character(va_arg(args.list, uint), how);
         return true;
-    case 'p': {
-        Conversion pointer = how;
-        pointer.letter = 'x';
-        pointer.other = true;
-        pointer.radix = 0;
+    case 'l':
+        how.letter = 'd';
+        signedInteger(va_arg(args.list, large), how);
+        return true;
+    case 'm':
+        how.letter = 'f';
+        how.precision = 3;
+        realNumber(va_arg(args.list, int) / 1000.0, how);
+        return true;
+    case 'H':
+        how.letter = 'X';
+        how.radix = 0;
+        how.other = false;
+        how.precision = std::max(how.precision, 8);
+        integer(unsignedArgument(how.size), false, how);
+        return true;
+    case 'p':
+        how.letter = 'x';
+        how.radix = 0;
+        how.other = true;
         if (auto value = reinterpret_cast<uintptr_t>(va_arg(args.list, void*)))
-            integer(value, false, pointer);
+            integer(value, false, how);
         else
-            text("(nil)", how);
-        return true;
-    }
-    case 'H': {
-        Conversion hash = how;
-        hash.letter = 'X';
-        hash.radix = 0;
-        hash.other = false;
-        hash.precision = std::max(how.precision, 8);
-        integer(unsignedArgument(how.size), false, hash);
-        return true;
-    }
-    case 'm': {
-        Conversion seconds = how;
-        seconds.letter = 'f';
-        seconds.precision = 3;
-        realNumber(va_arg(args.list, int) / 1000.0, seconds);
-        return true;
-    }
-    case '%':
-        out.put(C('%'));
+            put({"(nil)", 5}, how, false);
         return true;
     default:
         return false;
@@ -401,8 +406,8 @@ template <class C> void Formatter<C>::integer(ularge magnitude, bool negative, c
     body.zeros = std::max(std::min(how.precision, numberWidthLimit) - body.count, 0);
     if (how.other && radix == 8 && body.zeros == 0 && (magnitude || body.count == 0)) body.zeros = 1;
     if (how.other && radix == 16 && magnitude) {
-        body.prefix[body.prefixLength++] = '0';
-        body.prefix[body.prefixLength++] = how.letter == 'X' ? 'X' : 'x';
+        body.add('0');
+        body.add(how.letter == 'X' ? 'X' : 'x');
     }
     put(body, how, how.precision < 0);
 }
@@ -443,10 +448,12 @@ template <class C> template <class T> void Formatter<C>::realNumber(T value, con
     char* end = realDigits(digits, digits + sizeof digits, negative ? -value : value, style, precision, how.other);
     char* mark = style == 'f' ? end : std::find(digits, end, style == 'a' ? 'p' : 'e');
     bool cut = how.cut && style == 'f';
-    if (cut && precision > 0) {
-        while (end[-1] == '0') --end;
-        if (end[-1] == '.') --end;
-        if (end == digits + 1 && *digits == '0') negative = false;
+    if (cut) {
+        if (precision > 0) {
+            while (end[-1] == '0') --end;
+            if (end[-1] == '.') --end;
+        }
+        negative &= end != digits + 1 || *digits != '0';
         mark = end;
     }
     if (how.other && !std::memchr(digits, '.', size_t(mark - digits))) {
@@ -456,8 +463,8 @@ template <class C> template <class T> void Formatter<C>::realNumber(T value, con
     }
     body.sign(negative, how);
     if (style == 'a') {
-        body.prefix[body.prefixLength++] = '0';
-        body.prefix[body.prefixLength++] = upper ? 'X' : 'x';
+        body.add('0');
+        body.add(upper ? 'X' : 'x');
     }
     if (upper)
         for (char* c = digits; c < end; ++c)

@@ -153,7 +153,7 @@ TYPED_TEST(Format, OwnConversions) {
     static const double reals[] = {0.1, -2, 1e300, INFINITY};
     EXPECT_EQ(this->text("%.*!f %.*!f %.*!f", 3, 1.5, 3, 2.0, 0, 12.0), "1.5 2 12");
     EXPECT_EQ(this->text("%.*!f|%6.2!f|%.2!f", 20, 0.1, 1.25, -0.001), "0.10000000000000000555|  1.25|0");
-    EXPECT_EQ(this->text("%.*!f %!f", 8, 1e22, 0.5), "10000000000000000000000 0.5");
+    EXPECT_EQ(this->text("%.*!f %!f %.!f", 8, 1e22, 0.5, -0.3), "10000000000000000000000 0.5 0");
     EXPECT_EQ(this->text("%^*d %^*x %^16X %^2d", 36, 35, 2, 5, 255, -5), "z 101 FF -101");
     EXPECT_EQ(this->text("%^*d%^*d", 1, 10, 99, -10), "10-10");
     EXPECT_EQ(this->text("%08^2d|%^3*d", 5, 7), "%08^2d|   21");
