@@ -3,6 +3,8 @@
 #include "core/ZCoreLib.h"
 #include "core/ZCoreLibSteps.h"
 #include "core/ZLock.h"
+#include "core/ZPointerIndex.h"
+#include "core/ZUnique.h"
 #include "text/strtable.h"
 #include "toolkit/atomic.h"
 #include "toolkit/environment.h"
@@ -53,6 +55,8 @@ constexpr orv::LoadStep loadSteps[] = {
     {"splash open", When::Always, [](Run&) { ZCoreLib::openSplash(); }},
     {"internal strings", When::Always, [](Run&) { orv::strtable::open(); }},
     {"ZSelector::open", When::Always, [](Run&) { ZSelector::open(); }},
+    {"ZPointerIndex::open", When::Always, [](Run&) { ZPointerIndex::open(); }},
+    {"ZUnique::open", When::Always, [](Run&) { ZUnique::open(); }},
     {"ZLock::open", When::Locking, [](Run&) { ZLock::open(128); }},
     {"core lock", When::Locking, [](Run&) { Steps::createCoreLock(); }},
     // Up to here a load that isn't full goes.
@@ -65,7 +69,7 @@ constexpr orv::LoadStep loadSteps[] = {
     {"loaded mark", When::Always, [](Run&) { orv::coreState.coreLoaded = true; }},
     {"splash launch", When::Always, [](Run&) { splash("Launching Application"); }},
 };
-constexpr int coreSteps = 8;
+constexpr int coreSteps = 10;
 
 constexpr orv::LoadStep unloadSteps[] = {
     {"first closing mark", When::Always, [](Run&) { orv::coreState.notificationsClosed = true; }},
@@ -73,7 +77,9 @@ constexpr orv::LoadStep unloadSteps[] = {
     {"discard names", When::Always, [](Run& run) { Steps::clearNames(*run.core); }},
     {"core lock", When::Always, [](Run&) { Steps::destroyCoreLock(); }},
     {"ZLock::close", When::Always, [](Run&) { ZLock::close(); }},
+    {"ZUnique::close", When::Always, [](Run&) { ZUnique::close(); }},
     {"second closing mark", When::Always, [](Run&) { orv::coreState.typesClosed = true; }},
+    {"ZPointerIndex::close", When::Always, [](Run&) { ZPointerIndex::close(); }},
     {"ZSelector::close", When::Always, [](Run&) { ZSelector::close(); }},
     {"internal strings", When::Always, [](Run&) { orv::strtable::close(); }},
     {"final drain", When::Always, [](Run&) { toolkit::drain(); }},

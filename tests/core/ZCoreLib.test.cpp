@@ -51,14 +51,14 @@ TEST(CoreLib, OrderOfStartAndStop) {
     orv::LoadOrder load = orv::loadOrder();
     EXPECT_EQ(names(load),
               (std::vector<std::string>{"packs", "user path off", "memory debug", "splash open", "internal strings",
-                                        "ZSelector::open", "ZLock::open", "core lock", "names", "openModule",
-                                        "splash plugins", "splash resources", "application names", "application mode",
-                                        "loaded mark", "splash launch"}));
+                                        "ZSelector::open", "ZPointerIndex::open", "ZUnique::open", "ZLock::open",
+                                        "core lock", "names", "openModule", "splash plugins", "splash resources",
+                                        "application names", "application mode", "loaded mark", "splash launch"}));
     EXPECT_STREQ(load.steps[load.coreSteps - 1].name, "core lock");
     EXPECT_EQ(names(orv::unloadOrder()),
               (std::vector<std::string>{"first closing mark", "closeModule", "discard names", "core lock",
-                                        "ZLock::close", "second closing mark", "ZSelector::close", "internal strings",
-                                        "final drain", "packs"}));
+                                        "ZLock::close", "ZUnique::close", "second closing mark", "ZPointerIndex::close",
+                                        "ZSelector::close", "internal strings", "final drain", "packs"}));
 }
 
 TEST(CoreLib, SwitchesChooseTheSteps) {
