@@ -12,6 +12,8 @@ namespace {
 
 inline constexpr size_t stride = 16;
 
+template <class C> inline bool isAscii(C unit) { return ichar(std::make_unsigned_t<C>(unit)) < 0x80; }
+
 /// Tells whether 16 units are all ASCII.
 template <class C> inline bool asciiBlock(const C* text) {
     constexpr uint64_t mask = sizeof(C) == 1   ? 0x8080808080808080
@@ -76,7 +78,63 @@ template <> inline size_t copyAscii(char* out, const wchar* text, size_t limit) 
 }
 #endif
 
-template <class C> inline bool isAscii(C unit) { return ichar(std::make_unsigned_t<C>(unit)) < 0x80; }
+#ifdef __SSE2__
+/// The way from UTF-8 to UTF-16 as long as both sides are far from their ends: ASCII and characters of two bytes are
+/// taken a register at a time, however many of them it begins with.
+inline void widenBytes(const char*& at, const char* end, wchar*& to, const wchar* stop) {
+    constexpr ptrdiff_t margin = 2 * stride;
+    const __m128i zero = _mm_setzero_si128();
+    while (end - at >= margin && stop - to >= margin) {
+        // A lone blank between two words isn't worth a register.
+        if (isAscii(at[0]) && !isAscii(at[1]))
+            *to++ = wchar(*at++);
+        else {
+            __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_unpacklo_epi8(bytes, zero));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 8), _mm_unpackhi_epi8(bytes, zero));
+            unsigned beyond = unsigned(_mm_movemask_epi8(bytes));
+            if (!beyond) {
+                at += stride;
+                to += stride;
+                continue;
+            }
+            int plain = __builtin_ctz(beyond);
+            at += plain;
+            to += plain;
+        }
+        auto lead = static_cast<unsigned char>(*at);
+        if (lead < 0xE0) {
+            if (isAscii(at[2]) && lead >= 0xC2 && (at[1] & 0xC0) == 0x80) {
+                *to++ = wchar((lead & 31) << 6 | (at[1] & 63));
+                at += 2;
+                continue;
+            }
+            // Pairs in 16-bit lanes, the lead in the low byte.
+            __m128i pairs = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+            __m128i shape =
+                _mm_cmpeq_epi16(_mm_and_si128(pairs, _mm_set1_epi16(short(0xC0E0))), _mm_set1_epi16(short(0x80C0)));
+            __m128i overlong = _mm_cmpeq_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x001E)), zero);
+            int good = __builtin_ctz(~unsigned(_mm_movemask_epi8(_mm_andnot_si128(overlong, shape)))) / 2;
+            __m128i high = _mm_slli_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x001F)), 6);
+            __m128i low = _mm_and_si128(_mm_srli_epi16(pairs, 8), _mm_set1_epi16(0x003F));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_or_si128(high, low));
+            at += 2 * good;
+            to += good;
+            if (good) continue;
+        }
+        while (end - at >= 4 && stop - to >= 2) {
+            auto p = reinterpret_cast<const unsigned char*>(at);
+            if (p[0] >= 0xE1 && p[0] <= 0xEF && p[0] != 0xED && (p[1] & 0xC0) == 0x80 && (p[2] & 0xC0) == 0x80) {
+                *to++ = wchar((p[0] & 15) << 12 | (p[1] & 63) << 6 | (p[2] & 63));
+                at += 3;
+                continue;
+            }
+            if (p[0] < 0x80) break;
+            to += encodeCode(to, decodeBytes(at, end));
+        }
+    }
+}
+#endif
 
 /// Reads one code point that is not ASCII, the common lengths of UTF-8 without a call.
 template <class C> inline ichar decodeWide(const C*& at, const C* end) {
@@ -175,6 +233,9 @@ template <class To, class From> size_t transcode(To* out, size_t room, const Fro
     const From *at = text, *end = text + length;
     if (!out) return measure<To>(at, end);
     To *to = out, *stop = out + room;
+#ifdef __SSE2__
+    if constexpr (sizeof(To) == 2 && sizeof(From) == 1) widenBytes(at, end, to, stop);
+#endif
     while (at < end) {
         size_t plain = copyAscii(to, at, std::min(size_t(end - at), size_t(stop - to)));
         at += plain;
