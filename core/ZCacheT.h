@@ -4,31 +4,6 @@
 #include "core/ZHashTreeT.h"
 #include "core/ZSpinLock.h"
 
-/// A key and a value for `ZCacheT`. It costs its own bytes, or what the value's `cost()` says.
-template <class K, class V> struct ZCacheValueT {
-    K mine{};
-    V value{};
-
-    ZCacheValueT() = default;
-    ZCacheValueT(const K& key, const V& value) : mine(key), value(value) {}
-
-    const K& key() const { return mine; }
-    uint cost() const {
-        if constexpr (requires { value.cost(); })
-            return value.cost();
-        else
-            return sizeof *this;
-    }
-    int compare(const ZCacheValueT& other) const {
-        int order = zcompare(mine, other.mine);
-        if constexpr (
-            requires { value.compare(other.value); } || requires { value < other.value; })
-            return order ? order : zcompare(value, other.value);
-        else
-            return order;
-    }
-};
-
 /// Items by key, dropped by age of use when they become too many or cost too much: a hash tree whose nodes also stand
 /// in the order of their use. `I` has `K key() const` and perhaps `uint cost() const`, else an item costs 1.
 ///
@@ -272,7 +247,12 @@ private:
         Dropped() = default;
         Dropped(const Dropped&) = delete;
         ~Dropped() {
-            while (first) zrelease(std::exchange(first, first->newer));
+            while (first) {
+                // The table was the only holder.
+                CacheData* dying = std::exchange(first, first->newer);
+                dying->~CacheData();
+                toolkit::freeBlock(dying);
+            }
         }
         void add(CacheData* data) {
             data->newer = first;
@@ -372,12 +352,15 @@ private:
     }
     bool enter(CacheData* fresh, Dropped& dropped) {
         if (!detach(dropped)) return false;
-        CacheData* old = const_cast<CacheData*>(std::as_const(table).find(fresh->item.key()));
-        if (old) {
-            fresh->locked = old->locked;
-            evict(old, dropped);
+        // The table is fitted only once the items outgrow it, so that a size given beforehand stays.
+        bool full = table.count() >= table.hashSize();
+        CacheData* now = table.addUnique(fresh, full);
+        if (!now) return false;
+        if (now != fresh) {
+            fresh->locked = now->locked;
+            evict(now, dropped);
+            table.addUnique(fresh, false); // there is a table: this can't fail
         }
-        if (!table.add(fresh)) return false;
         linkNewest(fresh);
         if (costLimit) total += fresh->cost;
         trim(dropped);

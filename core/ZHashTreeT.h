@@ -100,6 +100,16 @@ public:
         if (resize) fitSize();
         return true;
     }
+    /// Takes a node over unless one with its key is there. Null without memory, else the node that stands under the key
+    /// now; only if that is `item` has it been taken.
+    T* addUnique(T* item, bool resize = true) {
+        if (!prepare()) return nullptr;
+        if (T* known = Tree::linkUnique(table->bucket(zhashkey<K>(item->key())), item)) return known;
+        orv::detail::treeAppend(table, item);
+        table->dirty = 1;
+        if (resize) fitSize();
+        return item;
+    }
     /// Adds a copy; null without memory.
     T* add(const T& item) {
         T* node = item.copy();

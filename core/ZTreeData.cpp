@@ -1,8 +1,13 @@
 #include "core/ZTreeData.h"
 
+#include "core/ZCompactRBMap.h"
+
 #include <cstring>
 
 namespace orv::detail {
+
+/// The memory counter that the tables of all hash trees are booked to.
+static constexpr uint memoryIndex = 1;
 
 static bool isRed(const TreeNode* node) { return node && node->color == treeRed; }
 
@@ -181,10 +186,14 @@ TreeTable* treeTable(uint bits, uint load, bool multiKey) {
     table->load = load;
     table->multiKey = multiKey;
     table->owned = 1;
+    ZCompactRBMap::add_hash_memory(memoryIndex, table);
     return table;
 }
 
-void treeFreeTable(TreeTable* table) { toolkit::freeBlock(table); }
+void treeFreeTable(TreeTable* table) {
+    ZCompactRBMap::remove_hash_memory(memoryIndex, table);
+    toolkit::freeBlock(table);
+}
 
 void treeAppend(TreeTable* table, TreeNode* node) {
     node->prev = table->last;

@@ -41,6 +41,18 @@ public:
         }
         return cast(hit);
     }
+    /// Unless a node with its key is there: that one is the answer, else null.
+    static T* linkUnique(Node*& root, T* item) {
+        Node* parent = nullptr;
+        int order = 0;
+        for (Node* node = root; node; node = order < 0 ? node->left : node->right) {
+            parent = node;
+            order = zcompare<K>(item->key(), cast(node)->key());
+            if (order == 0) return cast(node);
+        }
+        orv::detail::treeLink(root, parent, order < 0, item);
+        return nullptr;
+    }
     static void linkIn(Node*& root, T* item) {
         Node* parent = nullptr;
         bool left = false;

@@ -1,6 +1,7 @@
 #include "core/ZCacheT.h"
 
 #include "bench/support/pair.h"
+#include "core/ZCacheValueT.h"
 
 #ifdef ORV_PEER_QT
 #include <QCache>

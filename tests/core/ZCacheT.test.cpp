@@ -1,5 +1,6 @@
 #include "core/ZCacheT.h"
 
+#include "core/ZCacheValueT.h"
 #include "tests/support/AllocProbe.h"
 #include "tests/support/Tracked.h"
 

@@ -1,5 +1,6 @@
 #include "core/ZHashTreeT.h"
 
+#include "core/ZCompactRBMap.h"
 #include "tests/support/AllocProbe.h"
 
 #include <algorithm>
@@ -182,6 +183,24 @@ TEST(HashTree, SharedTables) {
     for (int i = 0; i < 100; ++i) ASSERT_NE(view.add(Single(i)), nullptr);
     EXPECT_EQ(unowned.count(), 100u);
     EXPECT_EQ(unowned.refcount(), 2);
+}
+
+TEST(HashTree, UniqueKeysAndBookedMemory) {
+    uint before = ZCompactRBMap::hash_memory(1);
+    {
+        SingleTree tree(1000, 100);
+        EXPECT_EQ(ZCompactRBMap::hash_memory(1) - before, 48 + 1024 * sizeof(void*));
+        Single* first = zmake<Single>(4);
+        Single* second = zmake<Single>(4, 1);
+        EXPECT_EQ(tree.addUnique(first, false), first);
+        EXPECT_EQ(tree.addUnique(second, false), first);
+        EXPECT_EQ(tree.count(), 1u);
+        EXPECT_EQ(tree.hashBits(), 10u); // nobody asked for another size
+        zrelease(second);
+        SingleTree copy(tree);
+        ASSERT_TRUE(copy.detach());
+    }
+    EXPECT_EQ(ZCompactRBMap::hash_memory(1), before);
 }
 
 TEST(HashTree, EachAllocationFailing) {
