@@ -68,6 +68,9 @@ public:
     T* entry(uint index) { return index < count() && detach() ? items() + index : nullptr; }
     /// False also for an index out of range.
     bool set(uint index, const T& value) {
+        // The value may be an item of the shared block, which goes when its other holders let it go.
+        ZArrayT kept;
+        if (!isDetached()) kept = *this;
         T* place = entry(index);
         if (!place) return false;
         ZFailGuard guard;
@@ -143,7 +146,13 @@ public:
                 if (int order = zcompare(items()[i], other.items()[i])) return order;
         return (mine > others) - (mine < others);
     }
-    bool operator==(const ZArrayT& other) const { return count() == other.count() && compare(other) == 0; }
+    bool operator==(const ZArrayT& other) const {
+        uint all = count(), i = 0;
+        if (all != other.count()) return false;
+        if (head != other.head)
+            while (i < all && same(items()[i], other.items()[i])) ++i;
+        return head == other.head || i == all;
+    }
     /// The position of the first item from `start` on that compares equal; -1 if there is none.
     int indexOf(const T& value, uint start = 0) const {
         for (uint i = start, all = count(); i < all; ++i)

@@ -118,7 +118,10 @@ public:
         return nullptr;
     }
     /// The node with this key, for writing anything but the key; null if there is none or no memory to detach.
-    T* edit(const K& key) { return detach() ? const_cast<T*>(std::as_const(*this).find(key)) : nullptr; }
+    T* edit(const K& key) {
+        const T* item = find(key);
+        return item ? edit(item) : nullptr;
+    }
     /// The same for a node known by its pointer, which may come from before the table was detached here.
     T* edit(const T* item) {
         if (isDetached() || !table->owned) return const_cast<T*>(item);
@@ -131,10 +134,8 @@ public:
     }
     /// Removes the node that `find` gives; true also if there is none.
     bool remove(const K& key) {
-        if (!contains(key)) return true;
-        T* item = edit(key);
-        if (item) drop(item);
-        return item != nullptr;
+        const T* item = find(key);
+        return !item || remove(item);
     }
     /// Removes a node of this table, which may be shared.
     bool remove(const T* item) {

@@ -21,8 +21,8 @@ public:
     class iterator {
     public:
         iterator() = default;
-        T& operator*() const { return node->value; }
-        T* operator->() const { return &node->value; }
+        const T& operator*() const { return node->value; }
+        const T* operator->() const { return &node->value; }
         iterator& operator++() {
             node = node->next;
             return *this;
@@ -77,8 +77,8 @@ public:
         return all;
     }
     /// Null in an empty list.
-    T* first() const { return ends.first ? &ends.first->value : nullptr; }
-    T* last() const { return ends.last ? &ends.last->value : nullptr; }
+    const T* first() const { return ends.first ? &ends.first->value : nullptr; }
+    const T* last() const { return ends.last ? &ends.last->value : nullptr; }
     iterator begin() const { return iterator(ends.first); }
     iterator end() const { return iterator(); }
     /// The first item that compares equal; `end` if there is none.
@@ -98,6 +98,8 @@ public:
 
     // Writing
 
+    /// The item at a place, for writing.
+    T& item(iterator place) { return place.node->value; }
     bool append(const T& value) { return link(zmake<Node>(value), nullptr); }
     bool prepend(const T& value) { return link(zmake<Node>(value), ends.first); }
     /// In front of the item at `place`; at `end` it appends.
@@ -130,10 +132,8 @@ public:
     }
     /// Removes the first item; false in an empty list.
     bool pop() {
-        if (ends.first)
-            drop(ends.first);
-        else
-            return false;
+        if (!ends.first) return false;
+        drop(ends.first);
         return true;
     }
     /// The same, moving the item to `into`.

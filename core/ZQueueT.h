@@ -10,5 +10,5 @@ public:
 
     bool push(const T& value) { return this->append(value); }
     /// What `pop` gives next; null in an empty queue.
-    T* top() const { return this->first(); }
+    const T* top() const { return this->first(); }
 };

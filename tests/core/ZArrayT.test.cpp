@@ -119,6 +119,7 @@ TYPED_TEST(ArrayOf, EachAllocationFailing) {
         {"detach", true, [](Array& a) { return a.detach(); }},
         {"setExpand", true, [](Array& a) { return a.setExpand(-8); }},
         {"set", true, [](Array& a) { return a.set(2, TypeParam(9)); }},
+        {"set to own item", true, [](Array& a) { return a.set(2, std::as_const(a)[0]); }},
     };
     for (const Row& row : rows)
         failEachAllocation([&](AllocProbe& probe) {

@@ -91,6 +91,8 @@ TEST(List, CopiesAreApart) {
     EXPECT_EQ(values(list), (Values{1, 2}));
     EXPECT_GT(copy.compare(list), 0);
     EXPECT_LT(make({1, 1, 9}).compare(list), 0);
+    list.item(list.begin()).value = 8;
+    EXPECT_EQ(values(list), (Values{8, 2}));
     list = copy;
     list = *&list;
     List moved(std::move(copy));
