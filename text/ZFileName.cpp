@@ -292,7 +292,7 @@ ZFileName ZFileName::appendExtension(const ZString& name, const ZString& text) {
 ZFileName ZFileName::appendExtension(const ZString& name, const ZArrayT<ZString>& extensions) {
     ZFileName result(name);
     for (const ZString& text : extensions)
-        if (!text.isEmpty() && result.checkExt(text)) return result;
+        if (result.checkExt(text)) return result;
     for (const ZString& text : extensions)
         if (!text.isEmpty()) return result.addExtension(text) ? result : ZFileName();
     return result;

@@ -145,7 +145,8 @@ public:
 
     /// Adds the extension unless the name has it.
     static ZFileName appendExtension(const ZString& name, const ZString& text);
-    /// Adds the first of the extensions that isn't empty, unless the name has one of them.
+    /// Adds the first of the extensions that isn't empty, unless the name has one of them; an empty one is that of
+    /// names without.
     static ZFileName appendExtension(const ZString& name, const ZArrayT<ZString>& extensions);
     /// A name that begins with "~" or "/", or that exists, as it is; else the one in `folder` if that exists; else
     /// empty.

@@ -15,7 +15,8 @@ public:
     explicit ZTime(const ZString& text) { setString(text); }
     /// `(a * 60 + b) * 60 + trunc(c * 1000)`: the two integers come out as seconds beside a value in milliseconds.
     ZTime(int a, int b, real c);
-    /// The moment of these fields in UTC; parts of a second are dropped. Fields out of their range carry over.
+    /// The moment of these fields in UTC; parts of a second are dropped. Fields out of their range carry over; 0 for a
+    /// moment before 1601.
     ZTime(int year, int month, int day, int hour, int minute, real seconds);
 
     // Clock

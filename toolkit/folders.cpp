@@ -168,7 +168,6 @@ int FolderWalk::enter(const char* folderPath, int parent, bool followLink) {
     bool fresh = false;
     if (fstat(reader.descriptor(), &status) != 0) return errno;
     if (!visit(status.st_dev, status.st_ino, fresh)) return ENOMEM;
-    folderDevice = status.st_dev;
     return fresh ? 0 : EEXIST;
 }
 

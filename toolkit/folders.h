@@ -67,8 +67,6 @@ public:
     int error() const { return failure; }
     /// Folders that were passed over so far.
     uint skipped() const { return skips; }
-    /// Device of the folder that the newest entry is in.
-    ularge device() const { return folderDevice; }
 
 private:
     struct Pending;
@@ -88,7 +86,6 @@ private:
     bool branches = false;   ///< the folder being read has subfolders that are still to be read
     size_t folderLength = 0; ///< of `path`, up to where names begin
     uint depth = 0;
-    ularge folderDevice = 0;
     bool recursive = false;
     int failure = 0;
     uint skips = 0;

@@ -149,8 +149,12 @@ TEST(FileName, ExtensionsAndSeparators) {
         append);
 
     ZArrayT<ZString> list;
-    for (const char* text : {"", "jpg", "png"}) list.append(ZString(text));
+    for (const char* text : {"jpg", "png"}) list.append(ZString(text));
     for (auto [from, to] : {std::pair{"a.PNG", "a.PNG"}, {"a", "a.jpg"}, {"a.txt", "a.txt.jpg"}})
+        EXPECT_EQ(plain(ZFileName::appendExtension(ZString(from), list)), to);
+    // An empty entry stands for names without an extension, and is never added.
+    list.insert(0, ZString());
+    for (auto [from, to] : {std::pair{"a", "a"}, {"a.txt", "a.txt.jpg"}})
         EXPECT_EQ(plain(ZFileName::appendExtension(ZString(from), list)), to);
 }
 

@@ -1,5 +1,6 @@
 #include "text/calendar.h"
 
+#include "core/debug.h"
 #include "text/ZDateTime.h"
 #include "text/ZString.h"
 
@@ -219,6 +220,24 @@ TEST(Time, StopWatchWorksInPlace) {
     EXPECT_NEAR(real(wall.value()), real(ZTime::systemTime().value()), 2000);
     EXPECT_GE(wall.year(), 2020);
     EXPECT_EQ(wall.toSystem(), now);
+}
+
+TEST(Time, Prints) {
+    static std::string line;
+    zsetdebugsink([](const char* text) { line = text; });
+    ZTime span((61 * 60 + 7) * 1000 + 42);
+    span.log("draw");
+    EXPECT_EQ(line, "draw: 01:07:042");
+    span.log("draw", 12);
+    EXPECT_EQ(line, "draw[12]: 01:07:042");
+    ZTime(-5).log(std::string(300, 'x').c_str());
+    EXPECT_EQ(line, std::string(127, 'x'));
+    zsetdebugsink(nullptr);
+    testing::internal::CaptureStdout();
+    span.print("draw");
+    span.print(nullptr);
+    fflush(stdout);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "draw: 01:07:042\n: 01:07:042\n");
 }
 
 TEST(DateTime, FieldsStandInOrder) {
