@@ -72,25 +72,19 @@ public:
     /// Adds an item at the end, or replaces the one with its key, which keeps its position.
     bool set(const I& item) {
         orv::detail::NewNode<MapData> made(item);
-        if (!made.whole()) return false;
-        int at = find(MapData::keyOf(made.get().item));
-        if (at >= 0) {
-            if (!detach()) return false;
-            orv::detail::swapItems<MapData>(made.get(), data->node(uint(at)));
-            return true;
-        }
-        if (!ownData() || !data->take(made.get())) return false;
-        made.taken();
-        return true;
+        return put(made, true);
     }
     template <class V>
     requires std::is_constructible_v<I, const K&, const V&>
     bool set(const K& key, const V& value) {
-        ZFailGuard guard;
-        I item(key, value);
-        if (!guard.rose()) return set(item);
-        guard.forget();
-        return false;
+        orv::detail::NewNode<MapData> made(key, value);
+        return put(made, true);
+    }
+    /// Adds an item unless its key is there; true if it is there afterwards.
+    bool add(const I& item) {
+        if (haskey(MapData::keyOf(item))) return true;
+        orv::detail::NewNode<MapData> made(item);
+        return put(made, false);
     }
     /// False if the key isn't there.
     bool remove(const K& key) {
@@ -216,9 +210,22 @@ private:
         return (data = zmake<MapData>()) != nullptr;
     }
     bool detachData(bool grows) {
-        orv::detail::MapBase* base = data;
-        if (!orv::detail::MapBase::detach(base, zmake<MapData>(), grows)) return false;
-        data = static_cast<MapData*>(base);
+        MapData* own = zmake<MapData>(*data, grows);
+        if (!own) return false;
+        drop(std::exchange(data, own));
+        return true;
+    }
+    /// `mayBeThere`: there may be an item with that key, which is replaced then.
+    bool put(orv::detail::NewNode<MapData>& made, bool mayBeThere) {
+        if (!made.whole()) return false;
+        int at = mayBeThere ? find(MapData::keyOf(made.get().item)) : -1;
+        if (at >= 0) {
+            if (!detach()) return false;
+            orv::detail::swapItems<MapData>(made.get(), data->node(uint(at)));
+            return true;
+        }
+        if (!ownData() || !data->take(made.get())) return false;
+        made.taken();
         return true;
     }
 

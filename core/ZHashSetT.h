@@ -22,7 +22,14 @@ public:
 
     bool contains(const K& value) const { return values.haskey(value); }
     /// True if the value is there afterwards.
-    bool add(const K& value) { return contains(value) || values.set(SetItem(value)); }
+    bool add(const K& value) {
+        if (contains(value)) return true;
+        ZFailGuard guard;
+        SetItem item(value);
+        if (!guard.rose()) return values.add(item);
+        guard.forget();
+        return false;
+    }
     /// All of them, or none.
     bool add(const ZArrayT<K>& array) {
         ZHashSetT changed(*this);

@@ -6,18 +6,6 @@
 
 namespace orv::detail {
 
-bool MapBase::detach(MapBase*& data, MapBase* fresh, bool grows) {
-    if (!fresh) return false;
-    if (!fresh->assign(*data, grows)) {
-        fresh->release();
-        return false;
-    }
-    MapBase* shared = data;
-    data = fresh;
-    shared->release();
-    return true;
-}
-
 bool MapBase::take(const MapNode& node) {
     if (!append(1, false)) return false;
     const uint index = count() - 1;
@@ -31,9 +19,6 @@ void MapBase::takeFirst(MapBase& other) {
     if (take(*static_cast<MapNode*>(other.itemStart(0)))) other.forgetItems(0, 1);
 }
 
-void mapIndexFailed(const char* file, int line) {
-    zdebug("zhashmapt: Array index out of bounds");
-    orv_assertw("zhashmapt", "Array index out of bounds", file, line);
-}
+void mapIndexFailed(const char* file, int line) { orv_assertw("zhashmapt", "Array index out of bounds", file, line); }
 
 } // namespace orv::detail

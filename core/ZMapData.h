@@ -16,9 +16,6 @@ class ORV_API MapBase : public ZCompactRBMap {
 public:
     using ZCompactRBMap::ZCompactRBMap;
 
-    /// Makes `*data` the handle's own by a copy from `fresh`, an empty map of the same class; null for no memory. With
-    /// `grows`, there is room for as many as before.
-    static bool detach(MapBase*& data, MapBase* fresh, bool grows);
     /// Takes a node over by its bytes, at the end. False when there is no memory: the node is still the caller's.
     bool take(const MapNode& node);
     /// Takes the first node of another map of the same class over; there is room for it.
@@ -38,7 +35,7 @@ template <class K, class I> class MapDataT final : public MapBase {
 
 public:
     struct Node : MapNode {
-        explicit Node(const I& source) : item(source) {}
+        template <class... A> explicit Node(const A&... parts) : item(parts...) {}
         I item;
     };
     static_assert(alignof(Node) <= 16);
@@ -46,6 +43,11 @@ public:
     MapDataT() : MapDataT(0, 100, 0) {}
     MapDataT(uint capacity, int16 expand, uint hashBits)
         : MapBase(capacity < itemLimit ? int(capacity) : int(itemLimit), sizeof(Node), expand, hashBits, 0) {}
+    /// A copy; raises a failure, and is empty, when there is no memory. With `allocateCapacity`, it has the other's
+    /// room.
+    MapDataT(const MapDataT& other, bool allocateCapacity) {
+        if (!assign(other, allocateCapacity)) ZError::fail();
+    }
     ~MapDataT() override { clear(); }
 
     static decltype(auto) keyOf(const I& item) {
@@ -122,9 +124,9 @@ template <class Data> inline void swapItems(typename Data::Node& a, typename Dat
 template <class Data> class NewNode {
 public:
     using Node = typename Data::Node;
-    template <class I> explicit NewNode(const I& item) {
+    template <class... A> explicit NewNode(const A&... parts) {
         ZFailGuard guard;
-        node = ::new (place) Node(item);
+        node = ::new (place) Node(parts...);
         node->hash = zhashkey(Data::keyOf(node->item));
         if (!guard.rose()) return;
         guard.forget();

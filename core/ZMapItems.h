@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/ZRetainPtrT.h"
+#include "core/ZSelector.h"
 #include "core/compare.h"
 #include "core/construct.h"
 #include "core/forward.h"
@@ -78,7 +80,7 @@ private:
 };
 template <class T> inline constexpr bool zrelocatable<ZValueWrapT<T>, void> = zrelocatable<T>;
 
-/// A key and an object that is retained as long as the item lives; who uses it includes core/ZRetainPtrT.h.
+/// A key and an object that is retained as long as the item lives.
 template <class K, class T> class ZRetainKeyT : public ZKeyValueT<K, ZRetainPtrT<T>> {
 public:
     using ZKeyValueT<K, ZRetainPtrT<T>>::ZKeyValueT;

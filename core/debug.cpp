@@ -4,6 +4,7 @@
 #include "toolkit/atomic.h"
 
 #include <cstdio>
+#include <cstring>
 #include <execinfo.h>
 
 namespace orv {
@@ -37,6 +38,7 @@ void zdebug(const char* format, ...) {
     va_start(arguments, format);
     std::vsnprintf(line, sizeof line, format, arguments);
     va_end(arguments);
+    if (size_t length = std::strlen(line); length && line[length - 1] == '\n') line[length - 1] = 0;
     sink(line);
 }
 

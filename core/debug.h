@@ -2,7 +2,8 @@
 
 #include "toolkit/types.h"
 
-/// Writes to the debug log: nowhere in a release configuration, else to the sink. Arguments follow printf.
+/// Writes a line to the debug log: nowhere in a release configuration, else to the sink. Arguments follow printf; a
+/// line break at the end is left out.
 ORV_API void zdebug(const char* format, ...) ORV_PRINTF(1, 2);
 /// Replaces the sink of the debug log in any configuration; null goes back to the default (standard error in a
 /// development configuration, nothing in a release). The sink must be safe to call from any thread.

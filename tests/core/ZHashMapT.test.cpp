@@ -322,9 +322,29 @@ TEST(HashMap, CompareByKeyThenValue) {
 }
 
 TEST(HashMap, ItemsTakeTheRoomThatTheirPartsTake) {
-    EXPECT_EQ((ZHashMapT<ZValueKeyT<uint>, ZKeyValueT<ZValueKeyT<uint>, uint>>(1u).mapData()->itemSize()), 28u);
+    EXPECT_EQ((ZSelectMapT<ZSelector>(1u).mapData()->itemSize()), 28u);
+    EXPECT_EQ((ZKeyMapT<ZValueKeyT<int>, int>(1u).mapData()->itemSize()), 28u);
     EXPECT_EQ((ZKeyMapT<int, void*>(1u).mapData()->itemSize()), 40u);
     EXPECT_EQ(sizeof(ZKeyMapT<int, void*>), sizeof(void*));
+}
+
+TEST(HashMap, RetainedObjectsLiveAsLongAsTheirItems) {
+    AllocProbe probe;
+    auto object = zmake<int>(5);
+    {
+        ZHashMapT<int, ZRetainKeyT<int, int>> map;
+        for (int key = 0; key < 20; ++key) ASSERT_TRUE(map.set(key, object));
+        EXPECT_EQ(refcount(object), 21);
+        auto copy = map;
+        EXPECT_TRUE(copy.remove(3));
+        EXPECT_EQ(refcount(object), 40);
+        EXPECT_EQ(**map.get(3), 5);
+        map.clear();
+        EXPECT_EQ(refcount(object), 20);
+    }
+    EXPECT_EQ(refcount(object), 1);
+    zrelease(object);
+    EXPECT_EQ(probe.live(), 0) << probe.leaks();
 }
 
 TEST(HashMap, CopiesAreReadAndWrittenByThreads) {

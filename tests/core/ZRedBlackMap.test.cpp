@@ -235,6 +235,28 @@ TEST(RedBlackMap, DestructorsMayComeBackToTheMap) {
     EXPECT_EQ(probe.live(), 0) << probe.leaks();
 }
 
+TEST(RedBlackMap, TheLockIsTheStores) {
+    ZRedBlackMap map(4, 8, 4), unset;
+    EXPECT_FALSE(map.lock());
+    EXPECT_FALSE(unset.setLockable(true));
+    EXPECT_TRUE(map.setLockable(true));
+    EXPECT_FALSE(map.setLockable(false));
+    ZRedBlackMap copy = map;
+    ASSERT_TRUE(map.lock());
+    EXPECT_TRUE(map.lock()) << "it recurses";
+    EXPECT_TRUE(map.unlock());
+    bool taken = false;
+    std::thread([&] { EXPECT_FALSE(copy.unlock()) << "not held by this thread"; }).join();
+    EXPECT_TRUE(copy.unlock()) << "the same lock";
+    EXPECT_FALSE(map.unlock());
+    EXPECT_EQ(copy.create(), 1u);
+    EXPECT_TRUE(copy.lockable()) << "an own one, after the copy was detached";
+    ASSERT_TRUE(copy.lock());
+    std::thread([&] { taken = map.lock() && map.unlock(); }).join();
+    EXPECT_TRUE(taken);
+    EXPECT_TRUE(copy.unlock());
+}
+
 TEST(RedBlackMap, EntriesAreReadWithoutALockWhileOthersAreAdded) {
     ZRedBlackMap map(sizeof(uint), 4, 2); // small steps: the directory grows many times
     std::atomic<uint> published{0};
