@@ -11,6 +11,7 @@
 #include "toolkit/memory.h"
 #include "toolkit/packs.h"
 #include "toolkit/system.h"
+#include "toolkit/text.h"
 
 #include <iterator>
 
@@ -82,6 +83,7 @@ constexpr orv::LoadStep unloadSteps[] = {
     {"ZPointerIndex::close", When::Always, [](Run&) { ZPointerIndex::close(); }},
     {"ZSelector::close", When::Always, [](Run&) { ZSelector::close(); }},
     {"internal strings", When::Always, [](Run&) { orv::strtable::close(); }},
+    {"collation", When::Always, [](Run&) { toolkit::closeText(); }},
     {"final drain", When::Always, [](Run&) { toolkit::drain(); }},
     {"packs", When::Always, unloadFirstPacks},
 };

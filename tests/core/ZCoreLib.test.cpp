@@ -58,7 +58,7 @@ TEST(CoreLib, OrderOfStartAndStop) {
     EXPECT_EQ(names(orv::unloadOrder()),
               (std::vector<std::string>{"first closing mark", "closeModule", "discard names", "core lock",
                                         "ZLock::close", "ZUnique::close", "second closing mark", "ZPointerIndex::close",
-                                        "ZSelector::close", "internal strings", "final drain", "packs"}));
+                                        "ZSelector::close", "internal strings", "collation", "final drain", "packs"}));
 }
 
 TEST(CoreLib, SwitchesChooseTheSteps) {

@@ -1,1 +1,25 @@
-int main() {}
+#include "core/ZCoreLib.h"
+#include "tools/orv/command.h"
+
+int main(int argc, char** argv) {
+    CLI::App app{"The companion of orvcore."};
+    app.name("orv");
+    app.require_subcommand(1);
+    app.set_version_flag("--version", std::string("orv ") + ZCoreLib::versionToken());
+    app.footer("Exit status: 0 done, 1 something failed, 2 the call can't be understood.");
+    int exit = orv::tool::Done;
+    orv::tool::addWords(app, exit);
+    if (argc > 1 && argv[1][0] != '-' && !app.get_subcommand_no_throw(argv[1])) {
+        std::fprintf(stderr, "orv: unknown command \"%s\"; orv --help lists them\n", argv[1]);
+        return orv::tool::Usage;
+    }
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& asked) { // --help, --version
+        return app.exit(asked);
+    } catch (const CLI::ParseError& error) {
+        app.exit(error);
+        return orv::tool::Usage;
+    }
+    return exit;
+}

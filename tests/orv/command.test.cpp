@@ -1,0 +1,56 @@
+#include "tests/support/TempFolder.h"
+
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+namespace {
+
+struct Result {
+    int exit;
+    std::string out, error;
+};
+
+Result orv(const TempFolder& folder, const std::string& arguments) {
+    std::string out = folder.path("out"), error = folder.path("error");
+    int status = std::system((std::string(ORV_PROGRAM) + " " + arguments + " >" + out + " 2>" + error).c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, folder.read("out"), folder.read("error")};
+}
+
+} // namespace
+
+TEST(Command, ExitStatusAndWhereThingsGo) {
+    TempFolder folder;
+    folder.file("texts/a.txt", "one two two");
+    struct Row {
+        std::string arguments;
+        int exit;
+        const char *out, *error; // text that has to occur
+    } rows[] = {
+        {"--help", 0, "words", ""},
+        {"words --help", 0, "--threads", ""},
+        {"--version", 0, "v1.3.004", ""},
+        {"", 2, "", "subcommand"},
+        {"word", 2, "", "unknown command \"word\""},
+        {"words", 2, "", "folder"},
+        {"words --top 0 " + folder.path("texts"), 2, "", "--top"},
+        {"words --sort size " + folder.path("texts"), 2, "", "--sort"},
+        {"words " + folder.path("texts"), 0, "         2  two\n         1  one\n", "1 texts"},
+        {"words " + folder.path("none") + " " + folder.path("texts"), 1, "         2  two\n", "none: can't be read"},
+    };
+    for (auto& row : rows) {
+        Result result = orv(folder, row.arguments);
+        EXPECT_EQ(result.exit, row.exit) << row.arguments;
+        EXPECT_NE(result.out.find(row.out), std::string::npos) << row.arguments << "\n" << result.out;
+        EXPECT_NE(result.error.find(row.error), std::string::npos) << row.arguments << "\n" << result.error;
+        EXPECT_TRUE(row.exit != 2 || result.out.empty()) << result.out;
+    }
+}
+
+TEST(Command, AFullDiskIsAFailure) {
+    TempFolder folder;
+    folder.file("texts/a.txt", "one");
+    int status =
+        std::system((std::string(ORV_PROGRAM) + " words " + folder.path("texts") + " >/dev/full 2>/dev/null").c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+}
