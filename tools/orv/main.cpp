@@ -9,7 +9,10 @@ int main(int argc, char** argv) {
     app.footer("Exit status: 0 done, 1 something failed, 2 the call can't be understood.");
     int exit = orv::tool::Done;
     orv::tool::addWords(app, exit);
-    if (argc > 1 && argv[1][0] != '-' && !app.get_subcommand_no_throw(argv[1])) {
+    auto commands = [&](const char* name) {
+        return app.get_subcommands([&](CLI::App* command) { return command->get_name() == name; });
+    };
+    if (argc > 1 && argv[1][0] != '-' && commands(argv[1]).empty()) {
         std::fprintf(stderr, "orv: unknown command \"%s\"; orv --help lists them\n", argv[1]);
         return orv::tool::Usage;
     }
