@@ -1,5 +1,6 @@
 #include "text/ZCharBuffer.h"
 
+#include "text/ZCharStrT.h"
 #include "text/format.h"
 #include "text/number.h"
 
@@ -29,6 +30,7 @@ ZCharBuffer::ZCharBuffer(int n) {
     if (n > 0 && !initialize(n)) ZError::fail();
 }
 ZCharBuffer::ZCharBuffer(const char* text) { copy(text, orv::detail::givenLength(text, -1)); }
+ZCharBuffer::ZCharBuffer(const ZCharStr& text) { copy(text.text(), text.length()); }
 ZCharBuffer::ZCharBuffer(const ZSelector& text) { copy(text.string(), text.length()); }
 ZCharBuffer::ZCharBuffer(const ZString& text) {
     orv::detail::TextIn<char> bytes(text.view());

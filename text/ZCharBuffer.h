@@ -20,6 +20,7 @@ public:
     explicit ZCharBuffer(int n);
     /// For reading: a copy of the text as UTF-8.
     explicit ZCharBuffer(const char* text);
+    explicit ZCharBuffer(const ZCharStr& text);
     explicit ZCharBuffer(const ZSelector& text);
     explicit ZCharBuffer(const ZString& text);
     /// Written numbers with a blank between. Reals have the decimals of `ZString::precision(value, precision)` at most,

@@ -1,6 +1,7 @@
 #include "text/ZCharBuffer.h"
 
 #include "tests/support/AllocProbe.h"
+#include "text/ZCharStrT.h"
 
 #include <cmath>
 #include <cstring>
@@ -391,6 +392,7 @@ TEST_F(CharBuffer, TextAsAValue) {
     EXPECT_STREQ(copy, "a b");
     zfree(copy);
     EXPECT_EQ(str(ZCharBuffer(text.selector()).string()), "a b");
+    EXPECT_EQ(str(ZCharBuffer(ZCharStr("c d")).string()), "c d");
     EXPECT_TRUE(text.initialize(4));
     EXPECT_EQ(text.getSize(), 4);
     EXPECT_EQ(text.length(), 0);
