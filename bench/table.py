@@ -21,7 +21,7 @@ def run(program, options):
         if done.returncode or not done.stdout.strip():
             sys.exit(f"{program}: failed: {done.stderr.strip()[-400:]}")
         for result in json.loads(done.stdout)["benchmarks"]:
-            workload, peer, limit, side = result["name"].split("/real_time")[0].split("|")
+            workload, peer, limit, side = result["name"].split("/iterations")[0].split("/real_time")[0].split("|")
             if result.get("error_occurred"):
                 sys.exit(f"{workload} ({side.split('/')[0]}): {result['error_message']}")
             scale = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[result["time_unit"]]

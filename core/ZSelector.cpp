@@ -6,7 +6,7 @@
 #include <cstring>
 
 namespace {
-ZSelectorSpace& space() { return ZSelectorSpace::space(); }
+ZSelectorSpace& space() { return orv::detail::selectorSpace; }
 /// A length for the forms that take one; 0 for null and for what is too long.
 int textLength(const char* text) {
     size_t length = text ? std::strlen(text) : 0;
@@ -18,7 +18,6 @@ bool ZSelector::open() { return space().open(); }
 void ZSelector::close() { space().close(); }
 uint ZSelector::selectorCount() { return space().count(); }
 
-ZSelector::ZSelector(const char* text) : id(space().create(text, true)) {}
 ZSelector::ZSelector(const char* text, int length) : id(space().create(text, length, true)) {}
 
 bool ZSelector::set(const char* text) { return take(space().create(text, true)); }

@@ -63,6 +63,7 @@ bool ZSelectorData::copy(const ZSelectorData& other) {
     params = items;
     paramCount = other.paramCount;
     textHash = other.textHash;
+    std::memcpy(prefix, other.prefix, prefixSize);
     self = other.self;
     marks = other.marks & ~uint(borrowed);
     refCount = 1;
@@ -101,9 +102,16 @@ void ZSelectorData::setNone() {
     text = nullptr;
     length = paramCount = 0;
     params = sortedParams = nullptr;
-    for (ZSelector* each : {&nameSel, &resultSel, &rootNameSel, &mainTypeSel, &unqualifiedSel, &qualifierSel,
-                            &packageSel, &typeNameSel, &nameSpaceSel, &baseNameSel})
-        each->forget();
+    nameSel.forget();
+    resultSel.forget();
+    rootNameSel.forget();
+    mainTypeSel.forget();
+    unqualifiedSel.forget();
+    qualifierSel.forget();
+    packageSel.forget();
+    typeNameSel.forget();
+    nameSpaceSel.forget();
+    baseNameSel.forget();
 }
 
 // Text from parts
@@ -256,7 +264,7 @@ const ZSelector* ZSelectorData::sorted() {
     auto ids = reinterpret_cast<uint*>(made);
     std::sort(ids, ids + paramCount);
     {
-        ZScopedLock held(ZSelectorSpace::space().sortedLock());
+        ZScopedLock held(orv::detail::selectorSpace.sortedLock());
         if (!sortedParams) {
             storeRelease(sortedParams, made);
             made = nullptr;

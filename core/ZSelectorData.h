@@ -88,3 +88,24 @@ public:
     void destruct(const ZRedBlackMap* map, void* entry) override;
     uint hash(const ZRedBlackMap* map, const void* entry, uint size) override;
 };
+
+namespace orv::detail {
+
+inline bool SelectorIndex::is(const ZSelectorData& entry, const Wanted& wanted) {
+    constexpr size_t inEntry = SelectorEntry::prefixSize;
+    if (entry.textHash != wanted.hash || entry.length != wanted.length) return false;
+    if (wanted.marks ? !(toolkit::load(entry.marks) & wanted.marks) : entry.type != wanted.type) return false;
+    if (ORV_LIKELY(wanted.length <= inEntry)) return sameShort(entry.prefix, wanted.text, wanted.length);
+    return __builtin_memcmp(toolkit::loadAcquire(entry.text), wanted.text, wanted.length) == 0;
+}
+
+inline ZSelectorData* SelectorIndex::find(const char* text, size_t length, ularge hash, uint marks, int type) const {
+    const Table* now = toolkit::loadAcquire(table);
+    if (ORV_UNLIKELY(!now)) return nullptr;
+    Wanted wanted{text, length, hash, marks, type};
+    ZSelectorData* first = toolkit::loadAcquire(now->chains[hash & now->mask]);
+    if (ORV_LIKELY(first && is(*first, wanted))) return first;
+    return findFurther(now, first, wanted);
+}
+
+} // namespace orv::detail

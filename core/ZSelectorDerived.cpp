@@ -142,7 +142,7 @@ ZSelector baseNameOf(const ZSelector& sel, SelectorPart text, ZSelector::Type ty
 
 /// A lazy selector of an entry: from its field, or worked out by `find` and stored there.
 template <class F> ZSelector lazy(const ZSelector& sel, uint flag, ZSelector ZSelectorData::*field, F find) {
-    ZSelectorSpace& space = ZSelectorSpace::space();
+    ZSelectorSpace& space = orv::detail::selectorSpace;
     ZSelectorData* entry = space.get(sel);
     if (!entry) return ZSelector();
     if (!(toolkit::loadAcquire(entry->flags) & flag)) {

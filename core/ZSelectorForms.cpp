@@ -117,10 +117,10 @@ ZSelector ZSelector::varName() const {
 bool ZSelector::deepName() const { return type() == Names || type() == UID; }
 
 bool ZSelector::variableName() const {
-    const ZSelectorData* entry = ZSelectorSpace::space().get(id);
+    const ZSelectorData* entry = orv::detail::selectorSpace.get(id);
     return !entry || entry->type == UID || (toolkit::loadAcquire(entry->flags) & ZSelectorData::VariableName);
 }
-void ZSelector::setVariableName(bool on) { ZSelectorSpace::space().setVariableName(id, on); }
+void ZSelector::setVariableName(bool on) { orv::detail::selectorSpace.setVariableName(id, on); }
 
 bool ZSelector::isReference() const { return at(length() - 1) == '&'; }
 

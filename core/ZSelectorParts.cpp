@@ -12,7 +12,7 @@ using orv::detail::textOf;
 
 namespace orv::detail {
 
-ZSelectorData* resolved(const ZSelector& sel) { return ZSelectorSpace::space().resolve(sel.key()); }
+ZSelectorData* resolved(const ZSelector& sel) { return orv::detail::selectorSpace.resolve(sel.key()); }
 
 bool SelectorBuilder::grow(size_t bytes) {
     if (failed) return false;
@@ -71,7 +71,7 @@ SelectorList::~SelectorList() { zreleasearray(own); }
 // Making from parts
 
 ZSelector::ZSelector(const ZSelector& name, const ZSelector& result, const ZSelector* params, int count, Type type)
-    : id(ZSelectorSpace::space().create(name, result, params, count, type, true)) {}
+    : id(orv::detail::selectorSpace.create(name, result, params, count, type, true)) {}
 ZSelector::ZSelector(const ZSelector& name, const ZSelector& result, Type type)
     : ZSelector(name, result, nullptr, 0, type) {}
 ZSelector::ZSelector(const ZSelector* items, int count, Type type)
@@ -79,7 +79,7 @@ ZSelector::ZSelector(const ZSelector* items, int count, Type type)
 ZSelector::ZSelector(const ZArrayT<ZSelector>& items, Type type) : ZSelector(items.data(), int(items.count()), type) {}
 
 bool ZSelector::set(const ZSelector& name, const ZSelector& result, const ZSelector* params, int count, Type type) {
-    return take(ZSelectorSpace::space().create(name, result, params, count, type, true));
+    return take(orv::detail::selectorSpace.create(name, result, params, count, type, true));
 }
 bool ZSelector::set(const ZSelector& name, const ZSelector& result, Type type) {
     return set(name, result, nullptr, 0, type);

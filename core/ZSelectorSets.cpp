@@ -1,3 +1,4 @@
+#include "core/ZSelectorSpace.h"
 #include "core/selectorBuild.h"
 
 #include <algorithm>
@@ -77,8 +78,10 @@ private:
     Row* rows = nullptr;
 };
 
-bool isList(ZSelector::Type type) {
-    return type == ZSelector::Names || type == ZSelector::UID || type == ZSelector::Colon || type == ZSelector::Types;
+constexpr bool isList(ZSelector::Type type) {
+    constexpr uint lists =
+        1u << ZSelector::Names | 1u << ZSelector::UID | 1u << ZSelector::Colon | 1u << ZSelector::Types;
+    return lists >> type & 1;
 }
 
 bool both(bool inFirst, bool inSecond) { return inFirst && inSecond; }
@@ -119,26 +122,43 @@ bool ZSelector::intersects(const ZSelector& sel, Type type) const {
     return WordTable(first, second).common();
 }
 
+namespace {
+constexpr uint fewWords = 32;
+
+/// Whether a value is among few: four at a time, which is faster than to look in a sorted copy.
+bool amongFew(const ZSelector* items, uint count, uint key) {
+    using Four = uint __attribute__((vector_size(16)));
+    Four wanted{key, key, key, key}, hits{};
+    uint at = 0;
+    for (; at + 4 <= count; at += 4) {
+        Four four;
+        __builtin_memcpy(&four, items + at, sizeof four);
+        hits |= Four(four == wanted);
+    }
+    ularge halves[2];
+    __builtin_memcpy(halves, &hits, sizeof halves);
+    bool found = (halves[0] | halves[1]) != 0;
+    for (; at < count; ++at) found |= items[at].key() == key;
+    return found;
+}
+bool hasPart(ZSelectorData& entry, const ZSelector& sel) {
+    return entry.paramCount <= fewWords ? amongFew(entry.params, entry.paramCount, sel.key())
+                                        : entry.containsSorted(sel);
+}
+} // namespace
+
 bool ZSelector::contains(const ZSelector& sel) const {
     if (id == sel.id) return true;
-    ZSelectorData* entry = resolved(*this);
+    ZSelectorSpace& space = orv::detail::selectorSpace;
+    ZSelectorData* entry = space.get(id);
     if (!entry || !isList(entry->type)) return false;
-    Type kind = sel.type();
-    if (entry->type == Names) {
-        if (sel.isEmpty()) return true;
-        if (kind != Names) return entry->containsSorted(sel);
-        SelectorList words(sel, true);
-        return !words.failed &&
-               std::all_of(words.begin(), words.end(), [&](auto& word) { return entry->containsSorted(word); });
-    }
-    constexpr uint few = 16;
-    auto end = entry->params + entry->paramCount;
-    auto has = [&](const ZSelector& item) {
-        return entry->paramCount > few ? entry->containsSorted(item) : std::find(entry->params, end, item) != end;
-    };
-    if (kind != entry->type) return has(sel);
-    SelectorList items(sel, kind);
-    return !items.failed && std::all_of(items.begin(), items.end(), has);
+    if (!(toolkit::loadAcquire(entry->flags) & ZSelectorData::Parts) && !space.resolve(id)) return false;
+    if (sel.isEmpty()) return entry->type == Names;
+    if (hasPart(*entry, sel)) return true;
+    const ZSelectorData* other = space.get(sel.id);
+    if (!other || other->type != entry->type) return false;
+    SelectorList items(sel, Detect);
+    return !items.failed && std::all_of(items.begin(), items.end(), [&](auto& item) { return hasPart(*entry, item); });
 }
 
 bool ZSelector::contains(const ZSelector& sel, Type type) const {

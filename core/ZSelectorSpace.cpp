@@ -5,6 +5,7 @@
 #include "toolkit/hash.h"
 #include "toolkit/image.h"
 
+#include <algorithm>
 #include <cstring>
 
 using orv::detail::NormalText;
@@ -16,14 +17,13 @@ using toolkit::storeRelease;
 namespace orv::detail {
 constinit ularge permanentSelectors = ZSelectorSpace::defaultPermanentLimit;
 
-uint retainSelector(uint id) { return ZSelectorSpace::space().retain(id, true); }
-void releaseSelector(uint id) { ZSelectorSpace::space().remove(id, true); }
+constinit ZSelectorSpace selectorSpace;
+
+uint retainSelector(uint id) { return selectorSpace.retain(id, true); }
+void releaseSelector(uint id) { selectorSpace.remove(id, true); }
 } // namespace orv::detail
 
-namespace {
-constinit ZSelectorSpace theSpace;
-}
-ZSelectorSpace& ZSelectorSpace::space() { return theSpace; }
+ZSelectorSpace& ZSelectorSpace::space() { return orv::detail::selectorSpace; }
 
 /// The spin lock for a scope, or nothing for a caller who holds it.
 struct ZSelectorSpace::Hold {
@@ -48,42 +48,61 @@ bool ZSelectorSpace::open() {
     }
     map->setUser(user);
     store(orv::detail::permanentSelectors, defaultPermanentLimit);
-    storeRelease(closed, false);
+    storeRelease(opened, true);
     return true;
 }
 
 void ZSelectorSpace::close() {
     if (!isOpen()) return;
     spin.lock();
-    storeRelease(closed, true);
+    storeRelease(opened, false);
     spin.unlock();
     index.clear();
+    for (uint i = 0; i <= map->lastId() >> directoryBits; ++i) {
+        ZSelectorData** part = directory[i];
+        storeRelease(directory[i], static_cast<ZSelectorData**>(nullptr));
+        toolkit::freeBlock(part);
+    }
     zrelease(std::exchange(map, nullptr));
     zrelease(std::exchange(user, nullptr));
 }
 
 uint ZSelectorSpace::count() const { return isOpen() ? map->count() : 0; }
 
-ZSelectorData* ZSelectorSpace::get(uint id) const {
-    if (!id || !isOpen()) return nullptr;
-    return static_cast<ZSelectorData*>(map->entry(id));
+bool ZSelectorSpace::enterDirectory(uint id, ZSelectorData* entry) {
+    ZSelectorData**& part = directory[id >> directoryBits];
+    if (!part) {
+        auto made = static_cast<ZSelectorData**>(toolkit::allocZeroedBlock(directoryPart * sizeof(ZSelectorData*)));
+        if (!made) return false;
+        storeRelease(part, made);
+    }
+    storeRelease(part[id & (directoryPart - 1)], entry);
+    return true;
 }
 
 // Interning
 
-uint ZSelectorSpace::create(const char* text, bool lock) {
-    if (!text || !isOpen()) return 0;
-    size_t length = std::strlen(text);
-    return length <= size_t(ZSelector::longestText) ? enterNormal(text, int(length), lock, true) : 0;
-}
-uint ZSelectorSpace::create(const char* text, int length, bool lock) { return enterNormal(text, length, lock, true); }
-uint ZSelectorSpace::find(const char* text, int length, bool lock) { return enterNormal(text, length, lock, false); }
-
-uint ZSelectorSpace::enterNormal(const char* text, int length, bool lock, bool create) {
-    if (!text || length < 1 || !isOpen()) return 0;
+inline uint ZSelectorSpace::enterNormal(const char* text, int length, bool lock, bool create) {
+    if (!text || length < 1) return 0;
     size_t bytes = size_t(length);
     ularge hash = toolkit::hash64(text, bytes);
     if (ZSelectorData* known = index.find(text, bytes, hash, SelectorEntry::normalizes, 0)) return known->self;
+    return enterSlow(text, bytes, hash, lock, create);
+}
+
+inline uint ZSelectorSpace::enterText(const char* text, bool lock) {
+    size_t length = text ? std::strlen(text) : 0;
+    return ORV_LIKELY(length <= size_t(ZSelector::longestText)) ? enterNormal(text, int(length), lock, true) : 0;
+}
+uint ZSelectorSpace::create(const char* text, bool lock) { return enterText(text, lock); }
+// Here, so that the way from a name to a permanent entry is one function.
+ZSelector::ZSelector(const char* text) : id(orv::detail::selectorSpace.enterText(text, true)) {}
+
+uint ZSelectorSpace::create(const char* text, int length, bool lock) { return enterNormal(text, length, lock, true); }
+uint ZSelectorSpace::find(const char* text, int length, bool lock) { return enterNormal(text, length, lock, false); }
+
+uint ZSelectorSpace::enterSlow(const char* text, size_t bytes, ularge hash, bool lock, bool create) {
+    if (!isOpen()) return 0;
     NormalText normal(text, bytes);
     if (!normal || !normal.length || normal.length > size_t(ZSelector::longestText)) return 0;
     bool same = normal.length == bytes && std::memcmp(normal.text, text, bytes) == 0;
@@ -178,10 +197,16 @@ uint ZSelectorSpace::take(uint id, uint marks, uint flags) {
 uint ZSelectorSpace::add(ZSelectorData& wanted, uint marks, bool link) {
     if (wanted.type == ZSelector::UID) wanted.flags |= ZSelectorData::VariableName;
     if (link) wanted.flags |= ZSelectorData::Linked;
+    std::memcpy(wanted.prefix, wanted.text, std::min(size_t(wanted.length), SelectorEntry::prefixSize));
     uint id = map->add(&wanted, false);
     if (!id) return 0;
-    wanted.setNone();
     auto entry = static_cast<ZSelectorData*>(map->entry(id));
+    if (!enterDirectory(id, entry)) {
+        entry->setNone();
+        map->remove(id);
+        return 0;
+    }
+    wanted.text = nullptr; // the entry's from now on, as are the selectors, of which there are none
     bool permanent = id <= permanentLimit();
     entry->self = id;
     store(entry->marks, marks | (permanent || link ? uint(SelectorEntry::uncounted) : 0));
@@ -243,7 +268,10 @@ void ZSelectorSpace::bury(ZSelectorData* dead, bool lock) {
         ::new (entry) ZSelectorData;
         entry->refCount = 0;
         Hold held(*this, lock);
-        if (isOpen()) map->remove(self);
+        if (isOpen()) {
+            enterDirectory(self, nullptr);
+            map->remove(self);
+        }
     }
 }
 

@@ -28,7 +28,7 @@ public:
     bool open();
     /// Ends all selectors: what they point to is freed, whoever holds them. No other thread may be in an operation.
     void close();
-    bool isOpen() const { return !toolkit::loadAcquire(closed); }
+    bool isOpen() const { return toolkit::loadAcquire(opened); }
     /// Entries in the space.
     uint count() const;
     ularge permanentLimit() const { return toolkit::load(orv::detail::permanentSelectors); }
@@ -77,7 +77,10 @@ public:
     // Entries
 
     /// Null for 0 and ids that aren't in use. It takes no lock, and holds while the id is held.
-    ZSelectorData* get(uint id) const;
+    ZSelectorData* get(uint id) const {
+        ZSelectorData** part = toolkit::loadAcquire(directory[id >> directoryBits]);
+        return ORV_LIKELY(part != nullptr) ? toolkit::loadAcquire(part[id & (directoryPart - 1)]) : nullptr;
+    }
     ZSelectorData* get(const ZSelector& sel) const { return get(sel.key()); }
     void lockSpace() { spin.lock(); }
     void unlockSpace() { spin.unlock(); }
@@ -93,9 +96,14 @@ public:
     void clearXMLNameMap();
 
 private:
+    friend class ZSelector;
     struct Hold;
+    static constexpr uint directoryBits = 16, directoryPart = 1u << directoryBits;
 
+    bool enterDirectory(uint id, ZSelectorData* entry);
+    uint enterSlow(const char* text, size_t length, ularge hash, bool lock, bool create);
     uint enter(ZSelectorData& wanted, uint marks, bool lock, bool create, bool link);
+    uint enterText(const char* text, bool lock);
     uint enterNormal(const char* text, int length, bool lock, bool create);
     uint enterPlain(const char* text, size_t length, ZSelector::Type type, bool lock, bool create);
     uint take(uint id, uint marks, uint flags);
@@ -109,5 +117,12 @@ private:
     ZSpinLock spin;
     ZSpinLock sortedSpin;
     orv::detail::SelectorIndex index;
-    bool closed = true; ///< atomic
+    bool opened = false; ///< atomic
+    /// Where each entry is, by the high and then the low half of its id; null where there is none. Atomic.
+    ZSelectorData** directory[directoryPart] = {};
 };
+
+namespace orv::detail {
+/// The instance, for the library itself: reached without a call.
+extern __attribute__((visibility("hidden"))) ZSelectorSpace selectorSpace;
+} // namespace orv::detail

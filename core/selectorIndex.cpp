@@ -2,33 +2,21 @@
 
 #include "core/ZSelectorData.h"
 
-#include <cstring>
-
 namespace orv::detail {
 
-using toolkit::load;
-using toolkit::loadAcquire;
-using toolkit::store;
 using toolkit::storeRelease;
 
-ZSelectorData* SelectorIndex::findIn(const Table& table, const char* text, size_t length, ularge hash, uint marks,
-                                     int type) {
-    ZSelectorData* entry = loadAcquire(table.chains[hash & table.mask]);
-    for (int walk = 0; entry && walk < longestWalk; ++walk, entry = loadAcquire(entry->next)) {
-        if (entry->textHash != hash || entry->length != length) continue;
-        if (marks ? !(load(entry->marks) & marks) : entry->type != type) continue;
-        if (std::memcmp(loadAcquire(entry->text), text, length) == 0) return entry;
-    }
+ZSelectorData* SelectorIndex::walk(ZSelectorData* entry, const Wanted& wanted) {
+    for (int steps = 0; entry && steps < longestWalk; ++steps, entry = toolkit::loadAcquire(entry->next))
+        if (is(*entry, wanted)) return entry;
     return nullptr;
 }
 
-ZSelectorData* SelectorIndex::find(const char* text, size_t length, ularge hash, uint marks, int type) const {
-    const Table* now = loadAcquire(table);
-    if (ORV_UNLIKELY(!now)) return nullptr;
-    ZSelectorData* entry = findIn(*now, text, length, hash, marks, type);
-    if (entry) return entry;
-    const Table* older = loadAcquire(now->older);
-    return older ? findIn(*older, text, length, hash, marks, type) : nullptr;
+/// Goes on behind the first entry of a chain, and in the table from which chains are still to be moved.
+ZSelectorData* SelectorIndex::findFurther(const Table* now, ZSelectorData* entry, const Wanted& wanted) const {
+    if (entry) entry = walk(toolkit::loadAcquire(entry->next), wanted);
+    const Table* older = entry ? nullptr : toolkit::loadAcquire(now->older);
+    return older ? walk(toolkit::loadAcquire(older->chains[wanted.hash & older->mask]), wanted) : entry;
 }
 
 void SelectorIndex::push(Table& table, ZSelectorData* entry) {

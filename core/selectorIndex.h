@@ -14,11 +14,30 @@ struct SelectorEntry {
         detects = 4,    ///< the kind of the entry's text is that of the entry
         borrowed = 8,   ///< in a temporary entry: the text is somebody else's
     };
+    static constexpr size_t prefixSize = 24;
+
     ularge textHash = 0;
     ZSelectorData* next = nullptr; ///< in a chain of the index (atomic); else for whoever holds the entry alone
     uint self = 0;                 ///< the entry's id
     uint marks = 0;                ///< of `Mark`; written under the space's lock, read without
+    char prefix[prefixSize];       ///< the first bytes of the text, so that most lookups needn't touch it
 };
+
+/// Whether two ranges of at most 24 bytes are equal; without a loop, since this is where lookups spend their time.
+inline bool sameShort(const char* a, const char* b, size_t length) {
+    auto differ = [&](size_t at, auto size) {
+        decltype(size) x, y;
+        __builtin_memcpy(&x, a + at, sizeof x);
+        __builtin_memcpy(&y, b + at, sizeof y);
+        return ularge(x ^ y);
+    };
+    if (ORV_LIKELY(length >= 8)) {
+        size_t last = length - 8;
+        return !(differ(0, ularge()) | differ(last < 8 ? last : 8, ularge()) | differ(last, ularge()));
+    }
+    if (length >= 4) return !(differ(0, uint()) | differ(length - 4, uint()));
+    return !length || !(differ(0, byte()) | differ(length / 2, byte()) | differ(length - 1, byte()));
+}
 
 /// A hash index of entries that stay until `clear`. Lookups take no lock: chains are only pushed to at the front, and
 /// are moved to a larger table a few at a time. A lookup that runs beside such a move, or down a long chain, may miss:
@@ -43,8 +62,16 @@ private:
     static constexpr size_t firstSize = 32768;
     static constexpr int longestWalk = 48;
 
-    static ZSelectorData* findIn(const Table& table, const char* text, size_t length, ularge hash, uint marks,
-                                 int type);
+    struct Wanted {
+        const char* text;
+        size_t length;
+        ularge hash;
+        uint marks;
+        int type;
+    };
+    static bool is(const ZSelectorData& entry, const Wanted& wanted);
+    static ZSelectorData* walk(ZSelectorData* entry, const Wanted& wanted);
+    ZSelectorData* findFurther(const Table* now, ZSelectorData* entry, const Wanted& wanted) const;
     static void push(Table& table, ZSelectorData* entry);
     static void moveChains(Table& table, size_t count);
     bool grow(size_t size);

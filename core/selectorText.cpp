@@ -20,8 +20,6 @@ struct NameTable {
 };
 constexpr NameTable names;
 
-bool isNameChar(byte c) { return c < 128 && names.chars[c]; }
-
 /// Works a text's kind out while its characters go by.
 struct Classifier {
     Type type = ZSelector::Name;
@@ -71,35 +69,51 @@ struct Classifier {
     }
 };
 
-/// Notices that "operator" went by.
-struct OperatorWatch {
-    unsigned matched = 0;
+/// What a character asks for; plain ones have no effect on the kind.
+enum Class : byte { plain, control, special, foreign };
 
-    void take(char c) {
-        static constexpr char word[] = "operator";
-        if (matched == 8) matched = 0;
-        if (c == word[matched])
-            ++matched;
-        else
-            matched = matched == 7 && c == 'p' ? 2 : c == 'o'; // "operato" ends like "operator" begins
+struct ClassTable {
+    byte of[256] = {};
+    constexpr ClassTable() {
+        for (int c = 0; c < 256; ++c) of[c] = c < ' ' ? control : c < 128 && names.chars[c] ? plain : foreign;
+        for (char c : {' ', ':', '.', '(', '<', '>', '['}) of[int(c)] = special;
+        for (char c : {'&', ')', '*', ']', '~'}) of[int(c)] = plain;
     }
-    bool seen() const { return matched == 8; }
 };
+constexpr ClassTable classes;
+
+/// Whether the characters kept in front of `at` end in "operator".
+bool keptOperator(const char* text, size_t at) {
+    static constexpr char word[] = "operator";
+    for (size_t left = 8; left > 0;) {
+        if (at == 0) return false;
+        char c = text[--at];
+        if (byte(c) < ' ') continue;
+        if (c != word[--left]) return false;
+    }
+    return true;
+}
 
 struct NoOutput {
     static constexpr bool detects = true;
-    void put(char) {}
+    void put(const char*, size_t) {}
 };
 struct Measure {
     static constexpr bool detects = false;
     size_t length = 0;
-    void put(char) { ++length; }
+    void put(const char*, size_t bytes) { length += bytes; }
 };
 struct Writer {
     static constexpr bool detects = false;
     char* out;
     size_t length = 0;
-    void put(char c) { out[length++] = c; }
+    void put(const char* text, size_t bytes) {
+        if (bytes == 1)
+            out[length] = *text;
+        else
+            std::memcpy(out + length, text, bytes);
+        length += bytes;
+    }
 };
 
 /// One pass over a text: kept characters go to `out`. Answers whether more than one would be kept.
@@ -107,43 +121,41 @@ template <class Out> bool scan(const char* text, size_t length, Type& type, Out&
     size_t end = length;
     while (end > 0 && byte(text[end - 1]) <= ' ') --end;
     Classifier kind;
-    OperatorWatch watch;
     size_t kept = 0;
     char last = 0;           // kept last
     bool keptBefore = false; // the character in front was kept
-    auto keep = [&](char c) {
-        out.put(c);
-        watch.take(c);
-        last = c;
+    auto keep = [&](const char* from, size_t count) {
+        out.put(from, count);
+        last = from[count - 1];
         keptBefore = true;
-        ++kept;
+        kept += count;
     };
-    for (size_t i = 0; i < end; ++i) {
-        byte c = byte(text[i]);
-        if (c < ' ') {
-            keptBefore = false;
+    for (size_t i = 0; i < end;) {
+        size_t run = i;
+        while (run < end && classes.of[byte(text[run])] == plain) ++run;
+        if (run > i) {
+            keep(text + i, run - i);
+            i = run;
             continue;
         }
+        char c = text[i];
+        size_t count = 1;
         switch (c) {
         case ' ': {
-            if (!keptBefore || last == ' ') {
-                keptBefore = false;
-                continue;
+            bool wanted = keptBefore && last != ' ';
+            if (wanted) {
+                kind.blank();
+                size_t next = i + 1;
+                while (byte(text[next]) <= ' ') ++next; // ends: text[end - 1] is none of them
+                wanted = text[next] != '&' && text[next] != '*';
             }
-            kind.blank();
-            size_t next = i + 1;
-            while (byte(text[next]) <= ' ') ++next; // ends: text[end - 1] is none of them
-            if (text[next] == '&' || text[next] == '*') {
-                keptBefore = false;
-                continue;
-            }
+            if (!wanted) count = 0;
             break;
         }
         case ':':
             if (i + 2 < end && text[i + 1] == ':') {
                 kind.doubleColon(Out::detects);
-                keep(':');
-                ++i;
+                count = 2;
             } else
                 kind.colon();
             break;
@@ -154,11 +166,11 @@ template <class Out> bool scan(const char* text, size_t length, Type& type, Out&
             kind.type = kind.type < ZSelector::Mixed ? ZSelector::Method : ZSelector::Mixed;
             break;
         case '<':
-            kind.open(watch.seen());
+            kind.open(keptOperator(text, i));
             break;
         case '>':
             --kind.depth;
-            if (last == '>' && kind.type >= ZSelector::Template) keep(' ');
+            if (last == '>' && kind.type >= ZSelector::Template) keep(" ", 1);
             break;
         case '[':
             if (kept == 0 && kind.type <= ZSelector::Name && text[end - 1] == ']')
@@ -166,16 +178,17 @@ template <class Out> bool scan(const char* text, size_t length, Type& type, Out&
             else
                 kind.other();
             break;
-        case '&':
-        case ')':
-        case '*':
-        case ']':
-        case '~':
-            break;
         default:
-            if (!isNameChar(c)) kind.other();
+            if (byte(c) < ' ')
+                count = 0;
+            else
+                kind.other();
         }
-        keep(char(c));
+        if (count)
+            keep(text + i, count);
+        else
+            keptBefore = false;
+        i += count ? count : 1;
     }
     if (end > 0 && end < length && text[end] == ' ') { // it goes, but it counts
         kind.blank();

@@ -2,10 +2,15 @@
 
 #include <string>
 
-BenchPair::BenchPair(const char* workload, const char* peer, double limit, Run ours, Run theirs, int threads) {
+BenchPair::BenchPair(const char* workload, const char* peer, double limit, Run ours, Run theirs, int threads,
+                     int iterations) {
     std::string row = std::string(workload) + "|" + peer + "|" + std::to_string(limit) + "|";
-    benchmark::RegisterBenchmark((row + "ours").c_str(), ours)->Threads(threads)->UseRealTime();
-    if (theirs) benchmark::RegisterBenchmark((row + "peer").c_str(), theirs)->Threads(threads)->UseRealTime();
+    auto add = [&](const char* side, Run run) {
+        auto* added = benchmark::RegisterBenchmark((row + side).c_str(), run)->Threads(threads)->UseRealTime();
+        if (iterations) added->Iterations(iterations);
+    };
+    add("ours", ours);
+    if (theirs) add("peer", theirs);
 }
 
 BenchPair::BenchPair(const char* workload, double nanos, Run ours) {
