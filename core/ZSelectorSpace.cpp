@@ -37,6 +37,29 @@ struct ZSelectorSpace::Hold {
     ZSpinLock* spin;
 };
 
+/// What is looked for, and what a new entry is made of.
+struct ZSelectorSpace::Request {
+    Request(const char* text, size_t length, ZSelector::Type type, ularge hash)
+        : text(text), length(length), type(type), hash(hash) {}
+    ~Request() { zfree(own); }
+    Request(const Request&) = delete;
+    bool copyText() {
+        own = static_cast<char*>(__zalloc(length + 1));
+        if (!own) return false;
+        std::memcpy(own, text, length);
+        own[length] = 0;
+        return true;
+    }
+
+    const char* text;
+    size_t length;
+    ZSelector::Type type;
+    ularge hash;
+    uint marks = 0, flags = 0; ///< for the entry, a found one too
+    bool link = false;         ///< a new entry points to the text
+    char* own = nullptr;       ///< else this copy of it goes over to the entry
+};
+
 bool ZSelectorSpace::open() {
     if (isOpen()) return true;
     map = zmake<ZRedBlackMap>();
@@ -58,6 +81,7 @@ void ZSelectorSpace::close() {
     storeRelease(opened, false);
     spin.unlock();
     index.clear();
+    unindexed = 0;
     for (uint i = 0; i <= map->lastId() >> directoryBits; ++i) {
         ZSelectorData** part = directory[i];
         storeRelease(directory[i], static_cast<ZSelectorData**>(nullptr));
@@ -110,8 +134,9 @@ uint ZSelectorSpace::enterSlow(const char* text, size_t bytes, ularge hash, bool
         hash = toolkit::hash64(normal.text, normal.length);
         if (ZSelectorData* known = index.find(normal.text, normal.length, hash, 0, normal.type)) return known->self;
     }
-    ZSelectorData wanted(normal.text, normal.length, normal.type, hash);
-    return enter(wanted, same ? uint(SelectorEntry::normalizes) : 0, lock, create, false);
+    Request request(normal.text, normal.length, normal.type, hash);
+    if (same) request.marks = SelectorEntry::normalizes;
+    return enter(request, lock, create);
 }
 
 uint ZSelectorSpace::create(const char* text, int length, ZSelector::Type type, bool lock) {
@@ -138,8 +163,9 @@ uint ZSelectorSpace::enterPlain(const char* text, size_t length, ZSelector::Type
     uint mark = detect ? uint(SelectorEntry::detects) : 0;
     if (ZSelectorData* known = index.find(text, length, hash, mark, type)) return known->self;
     if (detect) type = orv::detail::selectorType(text, length);
-    ZSelectorData wanted(text, length, type, hash);
-    return enter(wanted, mark, lock, create, false);
+    Request request(text, length, type, hash);
+    request.marks = mark;
+    return enter(request, lock, create);
 }
 
 uint ZSelectorSpace::createLink(const char* text, bool variableName, bool lock) {
@@ -149,9 +175,11 @@ uint ZSelectorSpace::createLink(const char* text, bool variableName, bool lock) 
     ularge hash = toolkit::hash64(text, length);
     ZSelectorData* known = index.find(text, length, hash, SelectorEntry::detects, 0);
     if (known && (!variableName || load(known->flags) & ZSelectorData::VariableName)) return known->self;
-    ZSelectorData wanted(text, length, orv::detail::selectorType(text, length), hash);
-    if (variableName) wanted.flags |= ZSelectorData::VariableName;
-    return enter(wanted, SelectorEntry::detects, lock, true, true);
+    Request request(text, length, orv::detail::selectorType(text, length), hash);
+    request.marks = SelectorEntry::detects;
+    request.flags = variableName ? uint(ZSelectorData::VariableName) : 0;
+    request.link = true;
+    return enter(request, lock, true);
 }
 
 uint ZSelectorSpace::create(const ZSelector& name, const ZSelector& result, const ZSelector* params, int count,
@@ -165,23 +193,30 @@ uint ZSelectorSpace::create(const ZSelector& name, const ZSelector& result, cons
         zfree(text);
         return known->self;
     }
-    ZSelectorData wanted(text, length, type, hash);
-    wanted.marks = 0; // the text is its own
-    return enter(wanted, 0, lock, true, false);
+    Request request(text, length, type, hash);
+    request.own = text;
+    return enter(request, lock, true);
 }
 
-/// Finds the wanted entry or adds it; a borrowed text is copied first, unless it is to be linked.
-uint ZSelectorSpace::enter(ZSelectorData& wanted, uint marks, bool lock, bool create, bool link) {
-    for (bool ready = link || !(wanted.marks & SelectorEntry::borrowed);; ready = true) {
+/// Finds the entry or adds it, with its own copy of the text made outside the lock, unless it is to be linked.
+uint ZSelectorSpace::enter(Request& request, bool lock, bool create) {
+    for (;;) {
         {
             Hold held(*this, lock);
             if (!isOpen()) return 0;
-            if (uint id = map->find(&wanted)) return take(id, marks, wanted.flags & ZSelectorData::VariableName);
+            if (uint id = findHeld(request)) return take(id, request.marks, request.flags);
             if (!create) return 0;
-            if (ready) return add(wanted, marks, link);
+            if (request.link || request.own) return add(request);
         }
-        if (!wanted.detach()) return 0;
+        if (!request.copyText()) return 0;
     }
+}
+
+/// Looks under the lock. While the index holds all entries, it can tell that there is none.
+uint ZSelectorSpace::findHeld(const Request& request) {
+    if (!unindexed && index.lacks(request.text, request.length, request.hash, request.type)) return 0;
+    ZSelectorData key(request.text, request.length, request.type, request.hash);
+    return map->find(&key);
 }
 
 /// Holds an entry that was found; the lock is held.
@@ -193,24 +228,23 @@ uint ZSelectorSpace::take(uint id, uint marks, uint flags) {
     return id;
 }
 
-/// Adds an entry to which everything of `wanted` goes over; the lock is held.
-uint ZSelectorSpace::add(ZSelectorData& wanted, uint marks, bool link) {
-    if (wanted.type == ZSelector::UID) wanted.flags |= ZSelectorData::VariableName;
-    if (link) wanted.flags |= ZSelectorData::Linked;
-    std::memcpy(wanted.prefix, wanted.text, std::min(size_t(wanted.length), SelectorEntry::prefixSize));
-    uint id = map->add(&wanted, false);
+/// Adds an entry; the lock is held.
+uint ZSelectorSpace::add(Request& request) {
+    uint id = map->create();
     if (!id) return 0;
-    auto entry = static_cast<ZSelectorData*>(map->entry(id));
-    if (!enterDirectory(id, entry)) {
-        entry->setNone();
-        map->remove(id);
+    auto entry = ::new (map->entry(id)) ZSelectorData(request.text, request.length, request.type, request.hash);
+    if (!map->link(id) || !enterDirectory(id, entry)) {
+        map->remove(id); // which frees nothing, as the text is borrowed
         return 0;
     }
-    wanted.text = nullptr; // the entry's from now on, as are the selectors, of which there are none
     bool permanent = id <= permanentLimit();
+    std::memcpy(entry->prefix, request.text, std::min(request.length, SelectorEntry::prefixSize));
+    if (!request.link) entry->text = std::exchange(request.own, nullptr);
+    entry->flags = request.flags | (request.link ? uint(ZSelectorData::Linked) : 0) |
+                   (request.type == ZSelector::UID ? uint(ZSelectorData::VariableName) : 0);
     entry->self = id;
-    store(entry->marks, marks | (permanent || link ? uint(SelectorEntry::uncounted) : 0));
-    if (permanent && (!link || toolkit::mappedForGood(entry->text))) index.add(entry);
+    store(entry->marks, request.marks | (permanent || request.link ? uint(SelectorEntry::uncounted) : 0));
+    if (!permanent || (request.link && !toolkit::mappedForGood(request.text)) || !index.add(entry)) ++unindexed;
     return id;
 }
 
@@ -271,6 +305,7 @@ void ZSelectorSpace::bury(ZSelectorData* dead, bool lock) {
         if (isOpen()) {
             enterDirectory(self, nullptr);
             map->remove(self);
+            --unindexed;
         }
     }
 }
@@ -289,7 +324,7 @@ bool ZSelectorSpace::unlink(uint id, bool lock) {
                 storeRelease(entry->text, own);
                 own = nullptr;
                 storeRelease(entry->flags, entry->flags & ~uint(ZSelectorData::Linked));
-                if (id <= permanentLimit()) index.add(entry);
+                if (id <= permanentLimit() && index.add(entry)) --unindexed;
             } else {
                 static char nothing[] = "";
                 map->unlink(id);

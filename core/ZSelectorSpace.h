@@ -98,16 +98,18 @@ public:
 private:
     friend class ZSelector;
     struct Hold;
+    struct Request;
     static constexpr uint directoryBits = 16, directoryPart = 1u << directoryBits;
 
     bool enterDirectory(uint id, ZSelectorData* entry);
     uint enterSlow(const char* text, size_t length, ularge hash, bool lock, bool create);
-    uint enter(ZSelectorData& wanted, uint marks, bool lock, bool create, bool link);
+    uint enter(Request& request, bool lock, bool create);
+    uint findHeld(const Request& request);
     uint enterText(const char* text, bool lock);
     uint enterNormal(const char* text, int length, bool lock, bool create);
     uint enterPlain(const char* text, size_t length, ZSelector::Type type, bool lock, bool create);
     uint take(uint id, uint marks, uint flags);
-    uint add(ZSelectorData& wanted, uint marks, bool link);
+    uint add(Request& request);
     static void dropSelf(ZSelectorData* entry, const ZSelector& stored);
     void giveUp(uint id, ZSelectorData*& dead, bool lock);
     void bury(ZSelectorData* dead, bool lock);
@@ -117,6 +119,7 @@ private:
     ZSpinLock spin;
     ZSpinLock sortedSpin;
     orv::detail::SelectorIndex index;
+    uint unindexed = 0;  ///< entries that the index doesn't hold
     bool opened = false; ///< atomic
     /// Where each entry is, by the high and then the low half of its id; null where there is none. Atomic.
     ZSelectorData** directory[directoryPart] = {};

@@ -51,12 +51,26 @@ bool SelectorIndex::grow(size_t size) {
     return true;
 }
 
-void SelectorIndex::add(ZSelectorData* entry) {
-    if (!table ? !grow(firstSize) : count > table->mask && !grow(4 * (table->mask + 1)) && !table) return;
+bool SelectorIndex::add(ZSelectorData* entry) {
+    if (!table) {
+        if (!grow(firstSize)) return false;
+    } else if (count > table->mask)
+        grow(4 * (table->mask + 1)); // without memory the chains get longer
     constexpr size_t stepsAnAddition = 4;
-    moveChains(*table, stepsAnAddition);
+    if (table->older) moveChains(*table, stepsAnAddition);
     push(*table, entry);
     ++count;
+    return true;
+}
+
+bool SelectorIndex::lacks(const char* text, size_t length, ularge hash, int type) const {
+    if (!table) return true;
+    if (table->older) return false;
+    Wanted wanted{text, length, hash, 0, type};
+    int steps = 0;
+    for (ZSelectorData* entry = table->chains[hash & table->mask]; entry; entry = entry->next)
+        if (++steps > longestWalk || is(*entry, wanted)) return false;
+    return true;
 }
 
 void SelectorIndex::clear() {

@@ -44,8 +44,10 @@ inline bool sameShort(const char* a, const char* b, size_t length) {
 /// a miss says nothing. Additions are kept apart by the caller's lock.
 class SelectorIndex {
 public:
-    /// Enters an entry. It isn't found if there is no memory for the first table.
-    void add(ZSelectorData* entry);
+    /// Enters an entry; false if there is no memory for the first table.
+    bool add(ZSelectorData* entry);
+    /// Under the caller's lock: true only if there is no entry of that text and type.
+    bool lacks(const char* text, size_t length, ularge hash, int type) const;
     /// An entry with that text that has one of the marks; with no marks given, one of that type. Null on a miss.
     ZSelectorData* find(const char* text, size_t length, ularge hash, uint marks, int type) const;
     /// Gives all memory up; nobody may be in a lookup.
