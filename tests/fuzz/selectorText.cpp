@@ -44,8 +44,10 @@ void checkSelector(const char* text, size_t length) {
         require(sel.contains(sel) && sel.matches(sel));
         require(sel.baseName().length() <= sel.length() && sel.mainType().length() <= sel.length());
         require(sel.nameSpace().length() < sel.length() || sel.isEmpty());
-        ZSelector set = sel.add(again);
-        require(set.contains(again) || again.isEmpty() || set.isEmpty() || set.type() != ZSelector::Names);
+        // An open "<" hides the blanks behind it, so that words put together may be taken apart otherwise.
+        bool plain = sel.type() == ZSelector::Names && !sel.hasstr("<");
+        ZSelector set = plain ? sel.add(sel) : ZSelector();
+        for (int i = 0; plain && i < count; ++i) require(set.contains(sel.param(i)));
         sel.method();
         sel.methodQualifier();
         sel.prefixMask();
