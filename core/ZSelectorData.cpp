@@ -227,7 +227,7 @@ int ZSelectorData::extractParams(const char* text, size_t length, ZSelector::Typ
     if (!text || !length) return 0;
     auto intern = [](const SelectorPart& part, ZSelector& sel) {
         sel.set(part.text, int(part.length), ZSelector::Detect);
-        return !sel.isEmpty() || orv::detail::trimBlanks(part.text, part.length).length == 0;
+        return !sel.isEmpty() || !part.length;
     };
     SelectorItems counting(text, length, type);
     if (!intern(counting.name, name) || !intern(counting.result, result)) return -1;

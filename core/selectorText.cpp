@@ -353,8 +353,6 @@ bool SelectorItems::next(SelectorPart& item) {
 
 /// Takes one item off the text; false if it is empty.
 bool SelectorItems::step(SelectorPart& item) {
-    if (type >= ZSelector::Template)
-        while (at < end && *at == ' ') ++at;
     const char* start = at;
     BracketWalk walk{begin, at, end};
     while (walk.at < end) {
@@ -382,14 +380,14 @@ bool SelectorItems::step(SelectorPart& item) {
             }
             if (type >= ZSelector::Template) separator = c == ',';
             if (separator || done) {
-                item = {start, size_t(walk.at - start)};
+                item = trimBlanks(start, size_t(walk.at - start));
                 at = walk.at + separator;
                 return item.length > 0;
             }
         }
         walk.pass();
     }
-    item = {start, size_t(walk.at - start)};
+    item = trimBlanks(start, size_t(walk.at - start));
     at = end;
     done = true;
     return item.length > 0;

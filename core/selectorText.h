@@ -37,7 +37,7 @@ private:
     char small[2 * room];
 };
 
-/// Walks over the items of a text as those of one kind. Items that are empty are left out.
+/// Walks over the items of a text as those of one kind, without the blanks at their ends; empty ones are left out.
 class ORV_API SelectorItems {
 public:
     SelectorItems(const char* text, size_t length, ZSelector::Type type);

@@ -149,6 +149,7 @@ TEST(SelectorText, Items) {
         {".a..b.", 3, "[a][b]"},
         {"a.B<c.d>.e", 3, "[a][B<c.d>][e]"},
         {":a::b", 4, "[a][b]"},
+        {"a: :b :", 4, "[a][b]"},
         {"::A::B<C::D>::E", 6, "[A][B<C::D>][E]"},
         {"a:b::c", 6, "[a:b][c]"},
         {"x>y<a::b", 6, "[x>y<a::b]"}, // never closed: the rest is one item
