@@ -57,11 +57,13 @@ void fieldsOf(large value, DateFields& fields) {
     fields.day = int((months & 0xFFFF) / 2141 + 1);
     fields.month = int(months >> 16) - (late ? 12 : 0);
     fields.year = int(1600 + 100 * century + yearOfCentury + eras * 400 + late);
-    fields.dayOfWeek = int((days + 1) % 7);
-    fields.hour = int(rest / uint(hourMillis));
-    fields.minute = int(rest / uint(minuteMillis) % 60);
-    fields.second = int(rest / 1000 % 60);
-    fields.millisec = int(rest % 1000);
+    // The eras are whole weeks.
+    fields.dayOfWeek = int((quarters / 4 + 3) % 7);
+    uint seconds = rest / uint(secondMillis), minutes = rest / uint(minuteMillis), hours = rest / uint(hourMillis);
+    fields.hour = int(hours);
+    fields.minute = int(minutes - hours * 60);
+    fields.second = int(seconds - minutes * 60);
+    fields.millisec = int(rest - seconds * uint(secondMillis));
     fields.zone = 0;
 }
 
@@ -80,11 +82,10 @@ bool momentOf(const DateFields& fields, large& value) {
     large cycles = 0;
     if (ORV_UNLIKELY(year < 1601)) cycles = (1601 - year + 399) / 400;
     large days = daysTo(year + cycles * 400, month) - cycles * large(eraDays) + fields.day - 1;
-    days += rest / dayMillis;
-    rest %= dayMillis;
-    if (rest < 0) {
-        rest += dayMillis;
-        --days;
+    if (ORV_UNLIKELY(ularge(rest) >= ularge(dayMillis))) {
+        large whole = rest / dayMillis - (rest % dayMillis < 0);
+        days += whole;
+        rest -= whole * dayMillis;
     }
     if (days < 0) return false;
     value = days > mostDays ? largestValue : addSaturated(days * dayMillis, rest);
