@@ -19,12 +19,29 @@ public:
     void close();
 
     /// A new id with count 1; 0 when there is no memory.
-    uint create();
+    uint create() {
+        Locked held(lock);
+        if (ORV_UNLIKELY(freeHead < 0) && !addSlots()) return 0;
+        Slot& slot = table[freeHead];
+        uint id = uint(freeHead) + 1;
+        freeHead = slot.next;
+        slot.refCount = 1;
+        ++inUse;
+        return id;
+    }
     /// Counts an id once more and answers it; 0 if nobody holds it.
-    uint retain(uint id);
+    uint retain(uint id) {
+        Locked held(lock);
+        Slot* slot = find(id);
+        if (!slot) return 0;
+        ++slot->refCount;
+        return id;
+    }
     /// Counts an id down; with the last count its slot is free. An id that nobody holds is left alone, with a line in
     /// the debug log: it was given up once too often.
-    void release(uint id);
+    void release(uint id) {
+        if (id && ORV_UNLIKELY(!countDown(id))) reportRelease(id);
+    }
     /// 0 for an id that nobody holds.
     int refcount(uint id);
     /// Ids in use.
@@ -38,13 +55,28 @@ private:
         int next;     ///< the next free slot; -1 for none
     };
 
+    using Locked = ZScopedLock<ZSpinLock>;
+
     bool addSlots();
-    Slot* held(uint id) {
-        Slot* slot = slots.entry(id - 1);
-        return slot && slot->refCount > 0 ? slot : nullptr;
+    /// The slot of an id that somebody holds; null otherwise.
+    Slot* find(uint id) {
+        return ORV_LIKELY(id - 1 < made) && ORV_LIKELY(table[id - 1].refCount > 0) ? table + (id - 1) : nullptr;
     }
+    bool countDown(uint id) {
+        Locked held(lock);
+        Slot* slot = find(id);
+        if (!slot) return false;
+        if (--slot->refCount > 0) return true;
+        slot->next = freeHead;
+        freeHead = int(id - 1);
+        --inUse;
+        return true;
+    }
+    static void reportRelease(uint id);
 
     ZArrayT<Slot> slots;
+    Slot* table = nullptr; ///< the items of `slots`, which nobody shares
+    uint made = 0;         ///< and their number
     ZSpinLock lock;
     int freeHead = -1;
     uint inUse = 0;
