@@ -86,6 +86,12 @@ public:
         if (ORV_LIKELY(head && head->count < head->capacity && orv::detail::arrayOwned(head))) return addAtEnd(value);
         return appendGrowing(value);
     }
+    /// Takes the value over where there is room; otherwise, and without memory, the value stays.
+    bool append(T&& value) {
+        if (ORV_LIKELY(head && head->count < head->capacity && orv::detail::arrayOwned(head)))
+            return addAtEnd(std::move(value));
+        return appendGrowing(value);
+    }
     bool append(const T* values, uint count) { return orv::detail::arrayAppend(head, type(), values, count); }
     bool append(const ZArrayT& other) {
         ZArrayT kept(other);
@@ -238,8 +244,9 @@ private:
     /// Builds the next item; there is room. The count rises with a whole item only.
     template <class V> bool addAtEnd(V&& value) {
         T* place = items() + head->count;
-        if constexpr (std::is_trivially_copy_constructible_v<T>)
-            ::new (place) T(value);
+        // What is noexcept raises no failure either.
+        if constexpr (std::is_nothrow_constructible_v<T, V&&>)
+            ::new (place) T(std::forward<V>(value));
         else {
             ZFailGuard guard;
             std::memset(static_cast<void*>(place), 0, sizeof(T));

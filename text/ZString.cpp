@@ -29,9 +29,11 @@ ZString::Record* ZString::newRecord(int type, large capacity, int length) {
 }
 
 void ZString::setEnd(Record* record, int length) {
-    size_t unit = size_t(detail::unitBytes(record->type));
     record->length = length;
-    std::memset(static_cast<char*>(record->text()) + size_t(length) * unit, 0, 2 * unit);
+    withText(View(record->text(), length, record->type), [](auto* units, int end) {
+        auto out = const_cast<std::remove_const_t<std::remove_pointer_t<decltype(units)>>*>(units);
+        out[end] = out[end + 1] = 0;
+    });
 }
 
 void ZString::take(Record* wanted) {
@@ -331,8 +333,9 @@ bool ZString::set(const View& text) {
     int capacity = text.length;
     if (fits)
         capacity = record->capacity;
-    else if (View own = internalView(); !record && own.width == text.width && own.length > capacity)
-        capacity = own.length;
+    else if (index)
+        if (View present = internalView(); present.width == text.width && present.length > capacity)
+            capacity = present.length;
     Record* made = newRecord(text.width, capacity, text.length);
     if (!made) return false;
     std::memcpy(made->text(), text.text, bytes);

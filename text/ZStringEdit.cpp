@@ -56,7 +56,36 @@ bool ZString::splice(int pos, int removed, const View& text) {
     return true;
 }
 
-bool ZString::append(const View& text) { return text.length < 1 || splice(length(), 0, text); }
+/// Copies short texts without a call.
+static inline void copyUnits(char* to, const char* from, size_t bytes) {
+    if (bytes > 16) {
+        std::memcpy(to, from, bytes);
+    } else if (bytes >= 8) {
+        uint64_t head, tail;
+        std::memcpy(&head, from, 8);
+        std::memcpy(&tail, from + bytes - 8, 8);
+        std::memcpy(to, &head, 8);
+        std::memcpy(to + bytes - 8, &tail, 8);
+    } else
+        for (size_t i = 0; i < bytes; ++i) to[i] = from[i];
+}
+
+bool ZString::append(const View& text) {
+    if (text.length < 1) return true;
+    if (!record || record->type != text.width || shared()) return splice(length(), 0, text);
+    large need = large(record->length) + text.length;
+    if (need >= record->capacity) {
+        auto own = record->units<char>();
+        auto from = static_cast<const char*>(text.text);
+        if (from >= own && from <= own + viewBytes(view())) return splice(record->length, 0, text);
+        if (!setCapacity(grownCapacity(need), false)) return false;
+    }
+    size_t unit = size_t(detail::unitBytes(text.width));
+    copyUnits(record->units<char>() + size_t(record->length) * unit, static_cast<const char*>(text.text),
+              size_t(text.length) * unit);
+    setEnd(record, int(need));
+    return true;
+}
 
 bool ZString::appendn(int n, ...) {
     constexpr int room = 32;

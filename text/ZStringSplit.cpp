@@ -3,8 +3,12 @@
 #include "core/ZArrayT.h"
 #include "core/ZError.h"
 #include "text/search.h"
+#include "toolkit/hash.h"
 
 #include <cstring>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 using namespace orv;
 using detail::TextIn;
@@ -48,40 +52,116 @@ template <class C, class F> bool eachPart(const C* text, const C* end, const Cod
 
 /// The same for one ASCII character.
 template <class F> bool eachPart(const char* text, const char* end, char separator, F& part) {
-    const char* from = text;
-    while (from < end) {
-        auto stop = static_cast<const char*>(std::memchr(from, separator, size_t(end - from)));
-        if (!part(from, stop ? stop : end)) return false;
-        if (!stop) break;
-        from = stop + 1;
+    const char *from = text, *at = text;
+#ifdef __SSE2__
+    const __m128i wanted = _mm_set1_epi8(separator);
+    for (; end - at >= 16; at += 16) {
+        __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+        for (int hits = _mm_movemask_epi8(_mm_cmpeq_epi8(bytes, wanted)); hits; hits &= hits - 1) {
+            const char* stop = at + __builtin_ctz(unsigned(hits));
+            if (!part(from, stop)) return false;
+            from = stop + 1;
+        }
     }
-    return true;
+#endif
+    for (; at < end; ++at) {
+        if (*at != separator) continue;
+        if (!part(from, at)) return false;
+        from = at + 1;
+    }
+    return from == end || part(from, end);
 }
 
-/// Collects parts; without memory it raises a failure and leaves none.
+/// The bytes of a short text as numbers: equal if the texts are.
+struct ShortText {
+    static constexpr size_t longest = 16;
+
+    ShortText() = default;
+    ShortText(const void* text, size_t bytes) : bytes(bytes) {
+        auto p = static_cast<const byte*>(text);
+        using namespace toolkit::detail;
+        if (bytes >= 8) {
+            head = read8(p);
+            tail = read8(p + bytes - 8);
+        } else if (bytes >= 4)
+            head = read4(p) | read4(p + bytes - 4) << 32;
+        else
+            head = p[0] | uint64_t(p[bytes / 2]) << 8 | uint64_t(p[bytes - 1]) << 16;
+    }
+    bool operator==(const ShortText& other) const {
+        return head == other.head && tail == other.tail && bytes == other.bytes;
+    }
+    size_t hash() const {
+        return toolkit::detail::fold(head ^ toolkit::detail::key1, tail ^ bytes ^ toolkit::detail::key2);
+    }
+
+    uint64_t head = 0, tail = 0;
+    size_t bytes = 0;
+};
+
+/// Collects the parts of a text; without memory it raises a failure and leaves none. Words come again and again in most
+/// texts: a short part that equals one of the last few thousand shares its record.
 class Parts {
 public:
-    explicit Parts(bool keepEmpty) : keepEmpty(keepEmpty) {}
+    Parts(const TextView& text, bool keepEmpty) : text(text), keepEmpty(keepEmpty) {
+        if (text.length < 256) return;
+        int bits = 27 - __builtin_clz(uint(text.length));
+        uint slots = 1u << (bits < recentBits ? bits : recentBits);
+        recent = static_cast<Recent*>(toolkit::allocZeroedBlock(slots * sizeof(Recent)));
+        recentMask = slots - 1;
+    }
+    ~Parts() { zfree(recent); }
+    Parts(const Parts&) = delete;
+
     template <class C> bool operator()(const C* from, const C* to) {
-        if (from == to) return !keepEmpty || list.append(ZString());
-        ZString part;
-        return part.set(TextView(from, int(to - from))) && list.append(std::move(part));
+        size_t bytes = size_t(to - from) * sizeof(C);
+        if (ORV_UNLIKELY(list.count() == sample)) reserve(size_t(from - static_cast<const C*>(text.text)));
+        if (!bytes) return !keepEmpty || list.append(ZString());
+        if (!recent || bytes > ShortText::longest) return add(from, to);
+        ShortText part(from, bytes);
+        Recent& seen = recent[part.hash() & recentMask];
+        if (ORV_LIKELY(seen.text == part)) return list.append(*reinterpret_cast<ZString*>(seen.part));
+        if (!add(from, to)) return false;
+        seen.text = part;
+        std::memcpy(seen.part, std::as_const(list).end() - 1, sizeof(ZString));
+        return true;
     }
     ZArrayT<ZString> result(bool whole) {
         if (!whole) {
             list.clear();
             ZError::fail();
-        }
+        } else if (list.count() > sample && list.capacity() - list.count() > list.count() / 8)
+            list.trim();
         return std::move(list);
     }
 
 private:
-    ZArrayT<ZString> list;
+    struct Recent {
+        ShortText text;
+        alignas(ZString) byte part[sizeof(ZString)]; ///< the string's bits without a reference: the list has one
+    };
+    static constexpr int recentBits = 12;
+    static constexpr uint sample = 4096; ///< parts after which the rest is estimated
+
+    template <class C> bool add(const C* from, const C* to) {
+        ZString part;
+        return part.set(TextView(from, int(to - from))) && list.append(std::move(part));
+    }
+    /// Makes room for all parts of the text, going by those in its first `units`.
+    void reserve(size_t units) {
+        ularge all = ularge(text.length) * sample / (units ? units : 1);
+        list.reserve(uint(all + all / 64));
+    }
+
+    TextView text;
     bool keepEmpty;
+    uint recentMask = 0;
+    Recent* recent = nullptr;
+    ZArrayT<ZString> list;
 };
 
 ZArrayT<ZString> splitBySet(const TextView& text, const CodeSet& set, bool keepEmpty) {
-    Parts parts(keepEmpty);
+    Parts parts(text, keepEmpty);
     return parts.result(
         withText(text, [&](auto* units, int length) { return eachPart(units, units + length, set, parts); }));
 }
@@ -89,7 +169,7 @@ ZArrayT<ZString> splitBySet(const TextView& text, const CodeSet& set, bool keepE
 } // namespace
 
 ZArrayT<ZString> ZString::split() const {
-    Parts parts(false);
+    Parts parts(view(), false);
     return parts.result(withText(view(), [&](auto* units, int length) {
         using C = std::remove_cv_t<std::remove_pointer_t<decltype(units)>>;
         auto blank = [](C unit) { return ichar(std::make_unsigned_t<C>(unit)) <= 32; };
@@ -106,7 +186,7 @@ ZArrayT<ZString> ZString::split() const {
 ZArrayT<ZString> ZString::split(uint code, bool keepEmpty) const {
     View text = view();
     if (code < 128 && text.width == Char) {
-        Parts parts(keepEmpty);
+        Parts parts(text, keepEmpty);
         auto units = static_cast<const char*>(text.text);
         return parts.result(eachPart(units, units + text.length, char(code), parts));
     }
@@ -139,7 +219,7 @@ ZArrayT<ZString> ZString::split(const ZString& separators, bool keepEmpty) const
 }
 
 ZArrayT<ZString> ZString::splitString(const ZString& delimiter, bool keepEmpty) const {
-    Parts parts(keepEmpty);
+    Parts parts(view(), keepEmpty);
     return parts.result(withText(view(), [&](auto* units, int length) {
         using C = std::remove_cv_t<std::remove_pointer_t<decltype(units)>>;
         TextIn<C> needle(delimiter.view());

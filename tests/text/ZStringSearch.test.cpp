@@ -2,6 +2,8 @@
 #include "tests/support/AllocProbe.h"
 #include "tests/text/textsamples.h"
 
+#include <algorithm>
+
 namespace {
 struct Find {
     const char *text, *needle;
@@ -142,6 +144,34 @@ TEST_F(StringSearch, Splitting) {
     EXPECT_EQ(utf8(ZString::join(ZString("a,b,c").split(',', true), ZString(u"\x3042"))), "a\xE3\x81\x82"
                                                                                           "b\xE3\x81\x82"
                                                                                           "c");
+}
+
+TEST_F(StringSearch, SplittingLongTexts) {
+    // Words that come again and words that don't, of one unit to twenty, by separators inside and outside ASCII.
+    std::string text;
+    std::vector<std::string> words;
+    uint32_t seed = 7;
+    while (words.size() < 20000) {
+        seed = seed * 1664525 + 1013904223;
+        std::string word((seed >> 28) % 5 * 4 + 1, char('a' + (seed >> 20) % 26));
+        if (seed >> 31) word += std::to_string(words.size() % 5000);
+        words.push_back(word);
+        text += word + (seed & 0x10000 ? "," : "\xE3\x81\x82");
+    }
+    for (ZString::Type type : widths) {
+        ZString s = inForm(text, type);
+        const ZArrayT<ZString> parts = s.split(ZString(u",\x3042"), false);
+        ASSERT_EQ(parts.count(), words.size());
+        for (uint i = 0; i < parts.count(); ++i) ASSERT_TRUE(parts[i] == words[i].c_str()) << i;
+        const ZArrayT<ZString> byCode = s.split(',', true);
+        uint commas = uint(std::count(text.begin(), text.end(), ','));
+        EXPECT_EQ(byCode.count(), commas + (text.back() != ','));
+        EXPECT_LE(byCode.capacity(), byCode.count() + byCode.count() / 8);
+        EXPECT_TRUE(ZString::join(byCode, ",") ==
+                    (text.back() == ',' ? text.substr(0, text.size() - 1) : text).c_str());
+        ZString changed = parts[0];
+        EXPECT_TRUE(changed.append("x") && parts[0] == words[0].c_str());
+    }
 }
 
 TEST_F(StringSearch, SplittingWithoutMemoryGivesNothing) {
