@@ -361,8 +361,27 @@ public:
     /// is if `min` is 0.
     bool checkHexadecimal(int min, int max, bool hash) const;
 
+    /// The text of an entry made after another: without blanks, then without dots at its ends, and with its marks
+    /// escaped as in the other, if it has a "%".
+    ZString adjustResource(const ZString& reference) const;
+
+    // Selectors, files and texts of the user
+
     /// The selector of the UTF-8 text.
     ZSelector toSelector() const;
+    /// The text of a file: UTF-8 with or without a mark at its start, UTF-16 or UTF-32 with one. A relative path is
+    /// logical (see `ZFileName`). Empty for an empty file, and with `loaded` false where it can't be read.
+    static ZString load(const ZString& path, bool* loaded = nullptr);
+    /// Writes the UTF-8 text, whole or not at all. A relative path is logical and may lead to the user's data; with
+    /// `originalPlace` the path is the platform's.
+    bool save(const ZString& path, bool originalPlace = false) const;
+    /// What the platform calls the file that the text is the logical path of.
+    ZString fileName() const;
+    /// The text kept for the user under a name; empty for none.
+    static ZString loadUser(const ZSelector& name);
+    /// Keeps the UTF-8 text; the empty string removes it. False for a text that can't be kept: with control characters
+    /// other than tab and line feed, or too long.
+    bool storeUser(const ZSelector& name) const;
 
     // Comparison: negative, 0 or positive
 
