@@ -165,10 +165,10 @@ void* reallocBlock(void* payload, size_t size) {
 }
 
 void* growBlock(void* payload, size_t size) {
-    if (!caching || !payload || allocHooks() || size > blockLimit) return reallocBlock(payload, size);
+    if (!payload || allocHooks() || size > blockLimit) return reallocBlock(payload, size);
     BlockHead* head = blockHead(payload);
     if (malloc_usable_size(head) < rounded(size)) {
-        void* moved = std::realloc(head, rounded(size + size / 4));
+        void* moved = std::realloc(head, rounded(size + size / 4 + 16));
         if (!moved) return reallocBlock(payload, size);
         head = static_cast<BlockHead*>(moved);
     }

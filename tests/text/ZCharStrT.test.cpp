@@ -53,6 +53,10 @@ TYPED_TEST(CharStr, State) {
         EXPECT_EQ(text.unicode(9), ZChar());
     }
     static_assert(sizeof(Str) == sizeof(void*));
+    TypeParam buffer[8];
+    EXPECT_EQ(Str::printf(buffer, 8, in<TypeParam>("%d").c_str(), 12345678), 8);
+    EXPECT_EQ(Str::length(buffer), 7) << "the static functions stand beside the members of their names";
+    EXPECT_TRUE(Str::match(buffer, in<TypeParam>("1*7").c_str()));
 }
 
 TYPED_TEST(CharStr, CopiesShareUntilTheFirstWrite) {
