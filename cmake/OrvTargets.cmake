@@ -2,7 +2,8 @@
 
 find_program(ORV_CCACHE ccache)
 if(ORV_CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${ORV_CCACHE})
+  # Paths relative to the tree, so that another checkout finds the same entries.
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${ORV_CCACHE})
 endif()
 
 add_compile_options(-Wall -Wextra -Wno-missing-field-initializers)

@@ -1,6 +1,7 @@
 #include "core/debug.h"
 
 #include "core/state.h"
+#include "text/format.h"
 #include "toolkit/atomic.h"
 
 #include <cstdio>
@@ -34,10 +35,10 @@ void zdebug(const char* format, ...) {
     Sink sink = currentSink();
     if (!sink) return;
     char line[1024];
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(line, sizeof line, format, arguments);
-    va_end(arguments);
+    var_arg arguments;
+    va_start(arguments.list, format);
+    orv::aformat(line, int(sizeof line), format, &arguments);
+    va_end(arguments.list);
     if (size_t length = std::strlen(line); length && line[length - 1] == '\n') line[length - 1] = 0;
     sink(line);
 }
