@@ -198,7 +198,7 @@ bool endRecord(LockRecord& record, ularge seen) {
 [[gnu::noinline]] bool release(LockRecord& record, TLockId id) {
     uint me = threadNumber();
     Waiter* woken;
-    bool ended = false;
+    bool ended = false, wasReader;
     {
         RecordGuard guard(record);
         for (;;) {
@@ -221,12 +221,13 @@ bool endRecord(LockRecord& record, ularge seen) {
                 wanted = seen - 1;
             }
             if (!compareExchange(record.word, seen, wanted)) continue;
-            if (!(seen & heldAlone)) removeHeldRead(findHeldRead(id));
+            wasReader = !(seen & heldAlone);
             woken = nextWaiters(record, wanted);
             if (wanted & dying) ended = endRecord(record, wanted);
             break;
         }
     }
+    if (wasReader) removeHeldRead(findHeldRead(id));
     wakeChain(woken, Waiter::Granted);
     if (ended) recycleRecord(record);
     return true;
