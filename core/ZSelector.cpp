@@ -18,6 +18,22 @@ bool ZSelector::open() { return space().open(); }
 void ZSelector::close() { space().close(); }
 uint ZSelector::selectorCount() { return space().count(); }
 
+ZSelector::Type ZSelector::stringType(const char* text, int length) {
+    return length > 0 ? orv::detail::selectorType(text, size_t(length)) : Any;
+}
+char* ZSelector::normalize(const char* text, int length, Type& type, int& newLength) {
+    if (!text || length < 1) return nullptr;
+    orv::detail::NormalText normal(text, size_t(length));
+    if (!normal || normal.length > size_t(longestText)) return nullptr;
+    auto own = static_cast<char*>(__zalloc(normal.length + 1));
+    if (!own) return nullptr;
+    std::memcpy(own, normal.text, normal.length);
+    own[normal.length] = 0;
+    type = normal.type;
+    newLength = int(normal.length);
+    return own;
+}
+
 ZSelector::ZSelector(const char* text, int length) : id(space().create(text, length, true)) {}
 
 bool ZSelector::set(const char* text) { return take(space().create(text, true)); }

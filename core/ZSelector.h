@@ -50,6 +50,11 @@ public:
     static uint selectorCount();
     /// 128 entries, not 0 for the characters of names: digits, ASCII letters, "_" and ":".
     static const byte* namechars();
+    /// The kind of a text as it stands.
+    static Type stringType(const char* text, int length);
+    /// The zero-ended normal form of a text in a new block, to be freed by `zfree`, with its kind and length; null for
+    /// an empty text, and when there is no memory.
+    static char* normalize(const char* text, int length, Type& type, int& newLength);
 
     // Making. Texts are brought into normal form: control characters go, runs of blanks become one, blanks at the ends
     // and in front of "&" and "*" go, ">>" that closes templates becomes "> >". A text of one such character stays as

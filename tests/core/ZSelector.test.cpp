@@ -63,6 +63,21 @@ TEST(Selector, KindsKeepEqualTextsApart) {
     EXPECT_EQ(bytes.type(), ZSelector::Names);
 }
 
+TEST(Selector, NormalFormWithoutTheSpace) {
+    ZSelector::Type type = ZSelector::Mixed;
+    int length = 7;
+    EXPECT_EQ(ZSelector::normalize("", 0, type, length), nullptr);
+    EXPECT_EQ(ZSelector::normalize(nullptr, 3, type, length), nullptr);
+    EXPECT_EQ(length, 7);
+    char* normal = ZSelector::normalize("A<B<c>> xyz", 7, type, length);
+    EXPECT_STREQ(normal, "A<B<c> >");
+    EXPECT_EQ(length, 8);
+    EXPECT_EQ(type, ZSelector::Template);
+    zfree(normal);
+    EXPECT_EQ(ZSelector::stringType("const A::B", 10), ZSelector::Types);
+    EXPECT_EQ(ZSelector::stringType(nullptr, 10), ZSelector::Any);
+}
+
 TEST(Selector, EmptyTextsAndValues) {
     SelectorScope scope;
     ZSelector none;
@@ -319,4 +334,21 @@ TEST(Selector, RacingThreadsSeeOneValueWhileItIsHeld) {
         for (auto& thread : threads) thread.join();
         EXPECT_TRUE(!counted || ZSelector::selectorCount() == space().permanentLimit());
     }
+}
+
+TEST(Selector, TheIndexGrowsBesideLookups) {
+    SelectorScope scope;
+    const int names = 40000, threads = 4; // past the first table
+    std::vector<std::vector<uint>> keys(threads, std::vector<uint>(names));
+    std::vector<std::thread> running;
+    for (int t = 0; t < threads; ++t)
+        running.emplace_back([&, t] {
+            for (int i = 0; i < names; ++i) {
+                int which = t % 2 ? names - 1 - i : i;
+                keys[size_t(t)][size_t(which)] = ZSelector(("n" + std::to_string(which)).c_str()).key();
+            }
+        });
+    for (auto& thread : running) thread.join();
+    EXPECT_EQ(ZSelector::selectorCount(), uint(names));
+    for (int t = 1; t < threads; ++t) EXPECT_EQ(keys[0], keys[size_t(t)]);
 }
