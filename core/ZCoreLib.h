@@ -83,6 +83,7 @@ public:
     /// Whether files of the user may be used.
     static bool allowUserPath();
     static void applicationLoaded();
+    /// Whether temporary files go when the library stops, as they do at first; else they stay.
     static void clearTempOnExit(bool on);
     /// Notes the present time as that of the newest event.
     static void captureEventTime();

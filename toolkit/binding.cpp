@@ -4,6 +4,7 @@
 #include "toolkit/coding.h"
 #include "toolkit/hash.h"
 #include "toolkit/packs.h"
+#include "toolkit/places.h"
 #include "toolkit/system.h"
 
 #include <cstdlib>
@@ -59,6 +60,10 @@ int startLayer(ConfigRecord*, const RootTable** out, bool) {
     return 0;
 }
 void stopLayer() {
+    if (environment()->clearTemporary)
+        cleanTemporary();
+    else
+        forgetTemporary();
     clearPlugins();
     closeEnvironment();
 }

@@ -30,7 +30,7 @@ void setText(char*& text, const char* value) {
 bool openEnvironment() {
     auto made = static_cast<Environment*>(allocZeroedBlock(sizeof(Environment)));
     if (!made) return false;
-    made->userPath = 1;
+    made->userPath = made->clearTemporary = 1;
     std::memset(slots, 0, sizeof slots);
     store(current, made);
     return true;

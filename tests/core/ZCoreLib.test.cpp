@@ -4,6 +4,7 @@
 #include "tests/support/AllocProbe.h"
 #include "tests/support/TempFolder.h"
 #include "toolkit/memory.h"
+#include "toolkit/places.h"
 #include "toolkit/plugindir.h"
 
 #include <cstdlib>
@@ -204,6 +205,18 @@ TEST(CoreLib, SlotsAndDefaults) {
     EXPECT_FALSE(ZCoreLib::loadCacheOptions("section", "key", count, hash, number, cost));
     EXPECT_EQ(std::vector<int>({count, hash, number, cost}), std::vector<int>({128, 80, 100, 0x100000}));
     EXPECT_FALSE(text(ZCoreLib::systemVersion()).empty());
+}
+
+TEST(CoreLib, TemporaryFilesGoWithTheLibraryUnlessTheyAreToStay) {
+    TempFolder folder;
+    for (bool clear : {true, false}) {
+        auto library = small();
+        ZCoreLib::clearTempOnExit(clear);
+        std::string file = folder.file(clear ? "goes" : "stays");
+        ASSERT_EQ(toolkit::registerTemporary(file.c_str()), 0);
+        library.reset();
+        EXPECT_EQ(std::filesystem::exists(file), !clear);
+    }
 }
 
 namespace {
