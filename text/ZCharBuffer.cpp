@@ -170,8 +170,17 @@ bool ZCharBuffer::addCode(uint code) {
 bool ZCharBuffer::aprintf(const char* format, var_arg* args) {
     Held held(buffer);
     int start = dpos();
+    if (!room(1)) return false;
+    // The arguments may be the buffer's own text, whose terminator has to stay until the last of them is read.
+    ++pos;
     auto write = [](void* self, const char* piece, int n) { return static_cast<ZCharBuffer*>(self)->add(piece, n); };
-    return orv::formatTo<char>(write, this, format, args) >= 0 || undo(start);
+    int length = orv::formatTo<char>(write, this, format, args);
+    if (length < 0) return undo(start);
+    pos = buffer + start;
+    std::memmove(pos, pos + 1, size_t(length));
+    pos += length;
+    *pos = 0;
+    return true;
 }
 bool ZCharBuffer::printf(const char* format, ...) {
     var_arg args;
@@ -265,12 +274,14 @@ ZString ZCharBuffer::escapeStringRessource(const ZString& text, const ZString& r
     ZCharBuffer out(from.length);
     bool good = !from.failed && !like.failed && (out.buffer || from.length == 0);
     const char *search = like.text, *last = like.text + like.length;
+    bool missing[128] = {}; // for good, as the search only moves on
     for (int i = 0; i < from.length && good; ++i) {
         char c = from.text[i];
         bool mark = c && std::strchr("\"#$%&():;<=>?[\\]^{}", c);
         if (c == '%' && i + 1 < from.length && from.text[i + 1] >= '1' && from.text[i + 1] <= '9') mark = false;
-        if (mark && search < last) {
+        if (mark && search < last && !missing[byte(c)]) {
             auto found = static_cast<const char*>(std::memchr(search, c, size_t(last - search)));
+            missing[byte(c)] = !found;
             if (found) {
                 search = found + 1;
                 if (found > like.text && found[-1] == '\\') good = out.add('\\');

@@ -136,7 +136,7 @@ public:
     /// and `close`, and at the bytes of `tokens`, each of which is a word of its own.
     ZSelector extract(ZString& text, uint open, uint close, const ZString& tokens);
     /// Copies to `out` up to the code, which is passed. False if there was none, with the rest copied; false too
-    /// without memory.
+    /// without memory, with nothing copied and the position as it was.
     bool copyTillCode(ZCharBuffer& out, int code);
     /// The rest, its character references resolved: "&#n;" gives the byte n for 1 to 255; "&lt;", "&gt;", "&amp;",
     /// "&apos;" and "&quot;" their characters. Other references, of 1 to 8 letters, digits and "#", are dropped. A "&"
@@ -151,7 +151,8 @@ public:
     bool scanUnsigned(uint* out, int most, int radix);
     bool scanFloat(float* out, int decimal);
     bool scanReal(double* out, int decimal);
-    /// All numbers up to the end, or to what is none. Without memory, those that were stored.
+    /// All numbers up to the end, or to what is none. Without memory, `ZError::fail` and no numbers, with the position
+    /// as it was.
     ZArrayT<int> scanInt(int radix);
     ZArrayT<float> scanFloat(int decimal);
     ZArrayT<real> scanReal(int decimal);

@@ -142,6 +142,10 @@ ZSelector ZCharBuffer::extract(ZString& text, uint open, uint close, const ZStri
     orv::detail::TextIn<char> singles(tokens.view());
     auto single = [&](char c) { return singles.length && std::memchr(singles.text, c, size_t(singles.length)); };
     text.clear();
+    if (singles.failed) {
+        ZError::fail();
+        return ZSelector();
+    }
     skipBlanks();
     const char* from = pos;
     if (!ended() && single(*pos)) {
@@ -162,11 +166,13 @@ ZSelector ZCharBuffer::extract(ZString& text, uint open, uint close, const ZStri
 }
 
 bool ZCharBuffer::copyTillCode(ZCharBuffer& out, int code) {
-    const char* from = pos;
+    char* from = pos;
     while (!ended() && here() != uint(code)) ++pos;
-    if (!out.add(from, int(pos - from)) || ended()) return false;
-    ++pos;
-    return true;
+    if (!out.add(from, int(pos - from))) {
+        pos = from;
+        return false;
+    }
+    return get() >= 0;
 }
 
 namespace {
@@ -241,9 +247,15 @@ template <class T> bool ZCharBuffer::scan(T* out, int parameter) {
 }
 
 template <class T> ZArrayT<T> ZCharBuffer::scanAll(int parameter) {
+    char* from = pos;
     ZArrayT<T> all;
     T value;
-    while (scan(&value, parameter) && all.append(value)) {}
+    while (scan(&value, parameter))
+        if (!all.append(value)) {
+            pos = from;
+            ZError::fail();
+            return ZArrayT<T>();
+        }
     return all;
 }
 

@@ -28,6 +28,14 @@ template <class C, class F> C* makeText(F&& write) {
     return made;
 }
 
+/// The units of a text that ends at its length or its terminator, whichever comes first.
+template <class C> int limited(const C* text, int length) {
+    return text ? int(textLength(text, size_t(length < 0 ? INT32_MAX : length))) : 0;
+}
+template <class C, class T> bool read(const C* text, int length, T& value, int parameter) {
+    return orv::strtonumber(text, limited(text, length), value, parameter);
+}
+
 /// Writes pieces of formatted text to a file as UTF-8. A character may come in two pieces.
 template <class C> struct FileSink {
     static bool take(void* context, const C* piece, int length) {
@@ -114,39 +122,39 @@ template <class C> int ZTextNumberT<C>::letterNumeral(C* out, int size, uint val
 }
 
 template <class C> bool ZTextNumberT<C>::strtobyte(const C* text, int length, byte& value, int radix) {
-    return orv::strtonumber(text, length, value, radix);
+    return read(text, length, value, radix);
 }
 template <class C> bool ZTextNumberT<C>::strtoint8(const C* text, int length, int8& value, int radix) {
-    return orv::strtonumber(text, length, value, radix);
+    return read(text, length, value, radix);
 }
 template <class C> bool ZTextNumberT<C>::strtoint16(const C* text, int length, int16& value, int radix) {
-    return orv::strtonumber(text, length, value, radix);
+    return read(text, length, value, radix);
 }
 template <class C> bool ZTextNumberT<C>::strtoword(const C* text, int length, word& value, int radix) {
-    return orv::strtonumber(text, length, value, radix);
+    return read(text, length, value, radix);
 }
 template <class C> bool ZTextNumberT<C>::strtoint(const C* text, int length, int& value, int radix) {
-    return orv::strtonumber(text, length, value, radix);
+    return read(text, length, value, radix);
 }
 template <class C> bool ZTextNumberT<C>::strtouint(const C* text, int length, uint& value, int radix) {
-    return orv::strtonumber(text, length, value, radix);
+    return read(text, length, value, radix);
 }
 template <class C> bool ZTextNumberT<C>::strtolarge(const C* text, int length, large& value, int radix) {
-    return orv::strtonumber(text, length, value, radix);
+    return read(text, length, value, radix);
 }
 template <class C> bool ZTextNumberT<C>::strtoularge(const C* text, int length, ularge& value, int radix) {
-    return orv::strtonumber(text, length, value, radix);
+    return read(text, length, value, radix);
 }
 template <class C> bool ZTextNumberT<C>::strtofloat(const C* text, int length, float& value, int decimal) {
-    return orv::strtonumber(text, length, value, decimal);
+    return read(text, length, value, decimal);
 }
 template <class C> bool ZTextNumberT<C>::strtoreal(const C* text, int length, double& value, int decimal) {
-    return orv::strtonumber(text, length, value, decimal);
+    return read(text, length, value, decimal);
 }
 template <class C>
 int ZTextNumberT<C>::strradix(const C* text, int length, int* radix, bool sign,
                               bool* negative) requires(sizeof(C) == 1) {
-    return text ? orv::strradix(text, length, radix, sign, negative) : 0;
+    return orv::strradix(text, limited(text, length), radix, sign, negative);
 }
 
 template <class C> int ZTextNumberT<C>::printf(C* out, int size, const C* format, ...) {

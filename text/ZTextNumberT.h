@@ -42,9 +42,9 @@ public:
     /// A to Z, AA, BB, …
     static int letterNumeral(C* out, int size, uint value, bool upper);
 
-    // Text to number: the whole text, blanks around it allowed; a negative length goes to the terminator. False, with
-    // `value` as it was, for anything else in the text and for what the type can't hold. "0x" and "0b" in front are
-    // understood where the radix allows them.
+    // Text to number: the whole text, blanks around it allowed. A text ends at its length or its terminator, whichever
+    // comes first; a negative length means the terminator. False, with `value` as it was, for anything else in the text
+    // and for what the type can't hold. "0x" and "0b" in front are understood where the radix allows them.
 
     static bool strtobyte(const C* text, int length, byte& value, int radix = 10);
     static bool strtoint8(const C* text, int length, int8& value, int radix = 10);
@@ -56,8 +56,7 @@ public:
     static bool strtoularge(const C* text, int length, ularge& value, int radix = 10);
     static bool strtofloat(const C* text, int length, float& value, int decimal = '.');
     static bool strtoreal(const C* text, int length, double& value, int decimal = '.');
-    /// Reads what stands before the digits of a number: blanks, a sign where `sign` allows one, and a prefix, which
-    /// sets
+    /// Reads what stands before the digits of a number: blanks, a sign where `sign` allows one, and a prefix. It sets
     /// `*radix`: "0x" where that is 10 or 16, "0b" where it is 10 or 2, if a digit follows. Answers the bytes read.
     static int strradix(const C* text, int length, int* radix, bool sign, bool* negative) requires(sizeof(C) == 1);
 

@@ -476,6 +476,14 @@ template <class C> template <class T> void Formatter<C>::realNumber(T value, con
     put(body, how, true);
 }
 
+/// The most units that a character takes which begins like this.
+template <class C> int sequenceLimit(C first) {
+    if constexpr (sizeof(C) == 1)
+        return byte(first) < 0xC0 ? 1 : byte(first) < 0xE0 ? 2 : byte(first) < 0xF0 ? 3 : 4;
+    else
+        return leadSurrogate(first) ? 2 : 1;
+}
+
 /// Converted text, of which `limit` units at most are written.
 template <class C> template <class From> void Formatter<C>::text(const From* text, const Conversion& how) {
     static constexpr From null[] = {'(', 'n', 'u', 'l', 'l', ')', 0};
@@ -493,9 +501,10 @@ template <class C> template <class From> void Formatter<C>::text(const From* tex
         for (bool writing = how.left || how.width == 0;; writing = true) {
             const From* at = text;
             size_t length = 0;
-            while (*at && length < limit) {
-                const From* end = at + 1;
-                while (end < at + longestCode<From> && *end) ++end;
+            while (length < limit && *at) {
+                // Nothing is looked at that can't belong to the character: there may be no terminator.
+                const From *end = at + 1, *longest = at + sequenceLimit(*at);
+                while (end < longest && *end) ++end;
                 ichar code = decodeCode(at, end);
                 int units = codeUnits<C>(code);
                 if (length + size_t(units) > limit) break;

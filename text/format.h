@@ -9,22 +9,20 @@
 //   flags      - left   + sign   blank for a plus   # other form   0 zeros for blanks
 //              ^ and a radix (digits, or * for an int argument) for d, i, u, x, X: `%^*d` takes radix and value
 //   width      digits or *, at most 1,048,576
-//   precision  a point and digits or *; then, with f, ! cuts the zeros at the end of the decimals, and the point if
-//   none
-//              are left: `%.*!f` is how reals are stored
+//   precision  a point and digits or *; then, with f, ! cuts the zeros at the end of the decimals, and the point
+//              if none are left: `%.*!f` is how reals are stored
 //   size       hh h l ll z t j L, in front of the letters that C has them for; the system's own letters below win
 //   d i u o x X c s p a A e E f F g G %   as in C, except for text, below; the decimal character is always a point
-//   s   const char*, UTF-8, in all widths. S   const wchar*, UTF-16. A null pointer gives "(null)". Text of the
-//   output's
-//       width is copied as it is, a precision counting its units. Other text is converted, malformed parts replaced,
-//       and a precision counts the units written, of which a character is never split
+//   s   const char*, UTF-8, in all widths. S   const wchar*, UTF-16. A null pointer gives "(null)". Text in the
+//       width of the output is copied as it is, a precision counting its units. Other text is converted, malformed
+//       parts replaced, and a precision counts the units written, of which a character is never split. With a
+//       precision, the text needs no terminator behind the characters that are written
 //   c   an int: a byte of char text, a code point in the other widths. C   a code point in every width
 //   l   a large, unless one of d i u x X o f follows, or ll and d i u x X o; so `%ls` is a number and an "s"
 //   m   an int, milliseconds of a clock, as seconds with three decimals
 //   H   an unsigned hash or handle, in at least 8 hexadecimal digits
 //   tb tw ti td   a pointer and an int count: bytes, words, ints or doubles, with ", " between. Doubles take the
-//   shortest
-//       text that reads back, or with a precision that of `%.*!f`. (t before u x X o is the size of C)
+//       shortest text that reads back, or with a precision that of `%.*!f`. (t before u x X o is the size of C)
 // Whatever else follows a "%" is copied, "%n" too: nothing is ever stored through an argument.
 
 namespace orv {

@@ -48,7 +48,7 @@ int integer(C* out, int size, ularge magnitude, bool negative, int radix, int wi
     if (upper && radix > 10)
         for (int i = 0; i < count; ++i)
             if (digits[i] >= 'a') digits[i] -= 'a' - 'A';
-    int missing = std::min(width, numberWidthLimit) - count - negative;
+    int missing = std::clamp(width, 0, numberWidthLimit) - count - negative;
     Writer<C> writer(out, size);
     if (!zeros) writer.fill(missing, ' ');
     if (negative) writer.put("-", 1);
@@ -137,13 +137,16 @@ private:
 /// Digits, decimal character and exponent from `at`; null if there is no digit.
 template <class C, class T> const C* scanFinite(const C* at, const C* end, T& out, ichar decimal, bool& fits) {
     DecimalText number;
+    C point[detail::longestCode<C>];
+    int pointUnits = detail::encodeCode(point, decimal);
     for (bool behindPoint = false; at < end; ++at) {
         uint c = unitvalue(*at);
         if (c - '0' < 10)
             number.digit(char(c), behindPoint);
-        else if (c == decimal && !behindPoint)
+        else if (!behindPoint && end - at >= pointUnits && std::equal(point, point + pointUnits, at)) {
             behindPoint = true;
-        else
+            at += pointUnits - 1;
+        } else
             break;
     }
     if (!number.hasDigits()) return nullptr;

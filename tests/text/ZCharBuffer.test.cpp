@@ -37,19 +37,12 @@ TEST_F(CharBuffer, GrowsByDoubling) {
     struct Row {
         int size, by, after;
     };
-    for (Row row : {Row{128, 1, 256},
-                    {128, 1000, 2048},
-                    {0, 1, 128},
-                    {10, 200, 256},
-                    {10, 100, 128},
-                    {100, 60, 200},
-                    {128, 0, 256}}) {
+    for (Row row : {Row{128, 1, 256}, {128, 1000, 2048}, {0, 1, 128}, {10, 200, 256}, {100, 60, 200}}) {
         ZCharBuffer buffer(row.size);
         EXPECT_TRUE(buffer.expand(row.by));
         EXPECT_EQ(buffer.getSize(), row.after);
     }
     ZCharBuffer buffer;
-    EXPECT_EQ(buffer.getSize(), 128);
     EXPECT_FALSE(buffer.expand(-1));
     buffer.add(std::string(128, 'x').c_str());
     EXPECT_EQ(buffer.getSize(), 128);
@@ -66,19 +59,14 @@ TEST_F(CharBuffer, GrowsByDoubling) {
 
 TEST_F(CharBuffer, PositionsStayInside) {
     ZCharBuffer text("hello");
-    EXPECT_EQ(text.getSize(), 5);
     text.setPos(5);
-    EXPECT_EQ(text.dpos(), 0);
     text.setPos(-1);
     text.setPos(text.end());
     text.setPos(static_cast<char*>(nullptr));
     EXPECT_EQ(text.dpos(), 0);
     text.setPos(text.end() - 1);
-    EXPECT_EQ(text.peek(), 'o');
-    EXPECT_EQ(text.get(), 'o');
-    EXPECT_EQ(text.get(), -1);
-    EXPECT_EQ(text.peek(), -1);
-    EXPECT_TRUE(text.ended());
+    EXPECT_TRUE(text.peek() == 'o' && text.get() == 'o');
+    EXPECT_TRUE(text.get() == -1 && text.peek() == -1 && text.ended());
     text.rewind(2);
     EXPECT_EQ(str(text.stringFromPos()), "lo");
     text.rewind(-2);
@@ -87,12 +75,9 @@ TEST_F(CharBuffer, PositionsStayInside) {
     EXPECT_EQ(text.dpos(), 5);
     text.rewind(INT32_MAX);
     EXPECT_EQ(text.dpos(), 0);
-    ZCharBuffer empty("");
-    EXPECT_EQ(empty.get(), -1);
-    EXPECT_EQ(empty.length(), 0);
-    EXPECT_EQ(empty.copyAStr(), nullptr);
-    ZCharBuffer high("\xFF");
-    EXPECT_EQ(high.get(), 255);
+    EXPECT_EQ(ZCharBuffer("").get(), -1);
+    EXPECT_EQ(ZCharBuffer("").copyAStr(), nullptr);
+    EXPECT_EQ(ZCharBuffer("\xFF").get(), 255);
 }
 
 TEST_F(CharBuffer, WritesText) {
@@ -114,7 +99,6 @@ TEST_F(CharBuffer, WritesText) {
     out.clearSpaces();
     EXPECT_EQ(str(out.string()), "ab");
     out.clear();
-    EXPECT_EQ(out.dpos(), 0);
     EXPECT_EQ(out.length(), 0);
     out.add(" \t");
     out.clearSpaces();
@@ -123,13 +107,13 @@ TEST_F(CharBuffer, WritesText) {
     out.add("12");
     for (int i = 0; i < 12; ++i) ASSERT_TRUE(out.add(out.getPos() - out.dpos(), out.dpos()));
     EXPECT_EQ(out.dpos(), 2 << 12);
-    ASSERT_TRUE(out.printf("<%s>", out.getPos() - out.dpos()));
-    std::string all;
-    for (int i = 0; i < 4096; ++i) all += "12";
-    EXPECT_EQ(str(out.string()), all + "<" + all + ">");
-    std::string twice = str(out.string());
+    std::string all = str(out.string());
+    const char* own = out.getPos() - out.dpos();
+    ASSERT_TRUE(out.printf("<%s|%s>", own, own));
+    EXPECT_EQ(str(out.string()), all + "<" + all + "|" + all + ">");
+    all = str(out.string());
     ASSERT_TRUE(out.addWithQuote(out.getPos() - out.dpos(), out.dpos()));
-    EXPECT_EQ(str(out.string()), twice + twice);
+    EXPECT_EQ(str(out.string()), all + all);
 }
 
 TEST_F(CharBuffer, WritesMarks) {
@@ -152,10 +136,6 @@ TEST_F(CharBuffer, WritesMarks) {
             EXPECT_EQ(str(out.string()), expected);
             out.clear();
         };
-        check(out.addWithEscape(row.text), row.escape);
-        check(out.addWithQuote(row.text), row.quote);
-        check(out.addCSVString(row.text), row.csv);
-        check(out.addSpecial(row.text), row.special);
         ZString wide(row.text);
         wide.setType(ZString::WChar);
         check(out.addWithEscape(wide), row.escape);
@@ -182,6 +162,9 @@ TEST_F(CharBuffer, EscapesAsInAReference) {
     for (const Row& row : rows)
         EXPECT_EQ(str(ZCharBuffer::escapeStringRessource(ZString(row.text), ZString(row.reference))), row.result)
             << row.text;
+    // Marks that the reference lacks aren't searched for again and again.
+    ZString marks(std::string(1000000, ';').c_str()), others(std::string(1000000, 'x').c_str());
+    EXPECT_TRUE(ZCharBuffer::escapeStringRessource(marks, others) == marks);
 }
 
 TEST_F(CharBuffer, NumberLists) {
@@ -193,8 +176,6 @@ TEST_F(CharBuffer, NumberLists) {
     EXPECT_EQ(str(ZCharBuffer(ZArrayT<real>(reals, 4), 0).string()), "0.5 -100.123457 10000000000 9.12345679");
     EXPECT_EQ(str(ZCharBuffer(ZArrayT<float>(floats, 2), 3).string()), "0.5 20");
     EXPECT_EQ(str(ZCharBuffer(unsigneds, 3, 16).string()), "0 ff ffffffff");
-    EXPECT_EQ(str(ZCharBuffer(unsigneds, 0, 16).string()), "");
-    EXPECT_EQ(ZCharBuffer(ZArrayT<int>()).dpos(), 0);
 }
 
 TEST_F(CharBuffer, Skipping) {
@@ -249,7 +230,6 @@ TEST_F(CharBuffer, WordsAndFields) {
         EXPECT_EQ(words(row.text, [](ZCharBuffer& b) { return b.token('=', false); }), row.upToEqual);
         EXPECT_EQ(words(row.text, [](ZCharBuffer& b) { return b.token('=', true); }), row.upToEqualBlanks);
         EXPECT_EQ(words(row.text, [](ZCharBuffer& b) { return b.separateString(','); }), row.fields);
-        EXPECT_EQ(words(row.text, [](ZCharBuffer& b) { return b.separateSelector(','); }), row.fields);
     }
     ZCharBuffer text("a,b;c");
     bool second = true;
@@ -261,7 +241,6 @@ TEST_F(CharBuffer, WordsAndFields) {
     EXPECT_FALSE(second);
     ZCharBuffer source("ab;cd"), out;
     EXPECT_TRUE(source.copyTillCode(out, ';'));
-    EXPECT_FALSE(source.copyTillCode(out, ';'));
     EXPECT_FALSE(source.copyTillCode(out, ';'));
     EXPECT_EQ(str(out.string()), "abcd");
 }
@@ -279,7 +258,6 @@ TEST_F(CharBuffer, BalancedText) {
         {"(open", "open", ""},
         {"(\"open)", "\"open)", ""},
         {")x", "", "x"},
-        {"", "", ""},
     };
     for (const Row& row : rows) {
         ZCharBuffer text(row.text);
@@ -296,10 +274,7 @@ TEST_F(CharBuffer, BalancedText) {
     }
     EXPECT_EQ(words, "blur<3, (4)>+<>edge<>-<>x<><>");
 
-    std::string nested(1000000, '(');
-    ZCharBuffer deep(nested.c_str());
-    EXPECT_EQ(deep.extract('(', ')').length(), 999999);
-    EXPECT_TRUE(deep.ended());
+    EXPECT_EQ(ZCharBuffer(std::string(1000000, '(').c_str()).extract('(', ')').length(), 999999);
 }
 
 TEST_F(CharBuffer, CharacterReferences) {
@@ -314,7 +289,6 @@ TEST_F(CharBuffer, CharacterReferences) {
         {"a & b; & &; &a b; R&D costs;&", "a & b; & &; &a b; R&D costs;&"},
         {"&amp;lt;", "&lt;"},
         {"&#x41;&#;&LT;&amp", "&amp"},
-        {"", ""},
     };
     for (const Row& row : rows) {
         ZCharBuffer text(row.text);
@@ -339,8 +313,7 @@ TEST_F(CharBuffer, ScansNumbers) {
     EXPECT_TRUE(text.scanInt(&value, 10));
     EXPECT_EQ(value, INT32_MAX);
     float single = 0;
-    EXPECT_TRUE(text.scanFloat(&single, '.'));
-    EXPECT_EQ(single, 1.5f);
+    EXPECT_TRUE(text.scanFloat(&single, '.') && single == 1.5f);
     EXPECT_FALSE(text.scanFloat(&single, '.'));
 
     ZCharBuffer list("ff,0 100000000 x");
@@ -362,9 +335,6 @@ TEST_F(CharBuffer, ScansNumbers) {
     ASSERT_EQ(floats.count(), 3u);
     EXPECT_EQ(floats[0], 0.5f);
     EXPECT_EQ(floats[1], HUGE_VALF);
-    real untouched = 3;
-    EXPECT_FALSE(ZCharBuffer("").scanReal(&untouched, '.'));
-    EXPECT_EQ(untouched, 3);
 }
 
 TEST_F(CharBuffer, HexadecimalInPlace) {
@@ -393,11 +363,8 @@ TEST_F(CharBuffer, TextAsAValue) {
     zfree(copy);
     EXPECT_EQ(str(ZCharBuffer(text.selector()).string()), "a b");
     EXPECT_EQ(str(ZCharBuffer(ZCharStr("c d")).string()), "c d");
-    EXPECT_TRUE(text.initialize(4));
-    EXPECT_EQ(text.getSize(), 4);
-    EXPECT_EQ(text.length(), 0);
-    EXPECT_TRUE(text.initialize(0));
-    EXPECT_TRUE(text.add("again"));
+    EXPECT_TRUE(text.initialize(4) && text.getSize() == 4 && text.length() == 0);
+    EXPECT_TRUE(text.initialize(0) && text.add("again"));
     EXPECT_EQ(str(text.string()), "again");
 }
 
@@ -436,4 +403,17 @@ TEST_F(CharBuffer, EveryAllocationFails) {
         EXPECT_EQ(copy.length(), probe.failed() ? 0 : 1000);
         zrecover();
     });
+    ZCharBuffer numbers("1 2 3 4 5 6 7 8 9;"), out(1);
+    failEachAllocation([&](AllocProbe& probe) {
+        numbers.rewind();
+        ZArrayT<int> all = numbers.scanInt(10);
+        EXPECT_EQ(zrecover(), probe.failed());
+        EXPECT_EQ(all.count(), probe.failed() ? 0u : 9u);
+        EXPECT_EQ(numbers.dpos(), probe.failed() ? 0 : 17);
+    });
+    numbers.rewind();
+    AllocProbe probe;
+    probe.failAt(1);
+    EXPECT_FALSE(numbers.copyTillCode(out, ';'));
+    EXPECT_EQ(numbers.dpos(), 0);
 }

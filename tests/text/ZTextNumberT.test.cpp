@@ -36,9 +36,8 @@ TYPED_TEST(TextNumber, NumbersOut) {
     EXPECT_EQ(written<C>([](C* o, int n) { return Text::largetostr(o, n, -9000000000LL); }), "-9000000000");
     EXPECT_EQ(written<C>([](C* o, int n) { return Text::ulargetostr(o, n, ~0ull, 2); }), std::string(64, '1'));
     EXPECT_EQ(taken(Text::inttostr(-42, 10, 6)), "   -42");
-    EXPECT_EQ(taken(Text::uinttostr(255, 2)), "11111111");
-    EXPECT_EQ(taken(Text::largetostr(-1, 16)), "-1");
-    EXPECT_EQ(taken(Text::ulargetostr(~0ull, 2)), std::string(64, '1'));
+    EXPECT_EQ(taken(Text::uinttostr(255, 2)) + taken(Text::largetostr(-1, 16)) + taken(Text::ulargetostr(9)),
+              "11111111-19");
     EXPECT_EQ(taken(Text::inttostr(7, 10, 300)), std::string(299, ' ') + "7") << "longer than the stack buffer";
     EXPECT_EQ(written<C>([](C* o, int n) { return Text::realtostr(o, n, 2.5, 6, 3, ','); }), "   2,5");
     EXPECT_EQ(taken(Text::floattostr(0.125, 0, 8)), "0.125");
@@ -73,7 +72,8 @@ TYPED_TEST(TextNumber, NumbersIn) {
     EXPECT_TRUE(Text::strtoword(text("0xFFFF").c_str(), -1, w) && w == 65535);
     EXPECT_TRUE(Text::strtoint(text("1234").c_str(), 2, i) && i == 12);
     EXPECT_FALSE(Text::strtoint(text("12x").c_str(), -1, i));
-    EXPECT_EQ(i, 12);
+    const C terminated[] = {'3', 0, '4', 0};
+    EXPECT_TRUE(Text::strtoint(terminated, 3, i) && i == 3);
     EXPECT_FALSE(Text::strtouint(text("-1").c_str(), -1, u));
     EXPECT_TRUE(Text::strtolarge(text("-9223372036854775808").c_str(), -1, l) && l == INT64_MIN);
     EXPECT_TRUE(Text::strtoularge(text("zz").c_str(), -1, ul, 36) && ul == 35 * 36 + 35);
@@ -108,7 +108,7 @@ TEST(TextNumberBytes, RadixPrefix) {
     int radix = 10;
     bool negative = false;
     EXPECT_EQ(ZTextNumberT<char>::strradix(" -0x1f", 6, &radix, true, &negative), 4);
-    EXPECT_EQ(radix, 16);
-    EXPECT_TRUE(negative);
-    EXPECT_EQ(ZTextNumberT<char>::strradix(nullptr, 0, &radix, true, &negative), 0);
+    EXPECT_TRUE(negative && radix == 16);
+    EXPECT_EQ(ZTextNumberT<char>::strradix(" \0 ", 3, &radix, true, &negative), 1);
+    EXPECT_EQ(ZTextNumberT<char>::strradix(nullptr, 9, &radix, true, &negative), 0);
 }

@@ -142,6 +142,8 @@ TYPED_TEST(Format, TextAndCharacters) {
                   "[a\u3042|a\u3042\U0001F600| a\u3042\U0001F600z| a\u3042\U0001F600z]");
         EXPECT_EQ(this->text("%c", 0x3042), "\u3042");
     }
+    std::vector<char> bare{'a', 'b', 'c'};
+    EXPECT_EQ(this->text("%.3s", bare.data()), "abc") << "no terminator, which a sanitizer would see being looked for";
     std::string longText(100000, 'q');
     EXPECT_EQ(this->text("%s%s", longText.c_str(), "!").size(), 100001u);
 }

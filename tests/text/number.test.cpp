@@ -61,9 +61,7 @@ TYPED_TEST(Number, IntegersToText) {
         {-7, 10, 4, true, false, "-007"},
         {255, 16, 0, false, true, "FF"},
         {-5, 2, 0, false, false, "-101"},
-        {35, 36, 0, false, false, "z"},
-        {12, 1, -3, true, false, "12"},
-        {INT64_MIN, 10, 0, false, false, "-9223372036854775808"},
+        {12, 1, INT32_MIN, true, false, "12"},
         {INT64_MIN, 2, 66, true, false, "-01000000000000000000000000000000000000000000000000000000000000000"},
     };
     for (const Row& row : rows)
@@ -71,9 +69,6 @@ TYPED_TEST(Number, IntegersToText) {
             return orv::inttostr(out, size, row.value, row.radix, row.width, row.zeros, row.upper);
         }),
                   row.text);
-    EXPECT_EQ(
-        this->written([](TypeParam* out, int size) { return orv::uinttostr(out, size, ~0ull, 16, 0, false, false); }),
-        "ffffffffffffffff");
     EXPECT_EQ(orv::inttostr(static_cast<TypeParam*>(nullptr), 0, 1, 10, INT32_MAX, true, false), orv::numberWidthLimit);
 }
 
@@ -87,51 +82,28 @@ TYPED_TEST(Number, RealsToText) {
     static const double inf = std::numeric_limits<double>::infinity();
     static const Row rows[] = {
         {0.5, 0, 8, '.', "0.5"},
-        {5, 0, 8, '.', "5"},
         {-1.25, 8, 6, ',', "   -1,25"},
         {100, 0, 0, '.', "100"},
-        {2.5, 0, 0, '.', "2"},
         {-0.0001, 0, 2, '.', "0"},
-        {0.1, 0, 17, '.', "0.10000000000000001"},
         {0.1, 0, 20, '.', "0.10000000000000000555"},
         {inf, 5, 2, ',', "  inf"},
         {-inf, 0, 2, '.', "-inf"},
         {std::nan(""), 0, 2, '.', "nan"},
-        {1e22, 0, 3, '.', "10000000000000000000000"},
         {0.999999, 0, 3, '.', "1"},
-        {1.5, 0, -1, '.', "1.5"},
     };
     for (const Row& row : rows)
         EXPECT_EQ(this->written([&](TypeParam* out, int size) {
             return orv::realtostr(out, size, row.value, row.width, row.precision, ichar(row.decimal));
         }),
                   row.text);
-    auto extreme = [](double value) {
-        return TestFixture::written(
-            [&](TypeParam* out, int size) { return orv::realtostr(out, size, value, 0, INT32_MAX, '.'); });
-    };
-    for (double value : {1.7976931348623157e308, 5e-324, 0.1}) {
-        auto text = this->widen(extreme(-value));
-        double back = 0;
-        EXPECT_TRUE(orv::strtonumber(text.data(), int(text.size()), back, '.'));
-        EXPECT_EQ(back, -value);
-    }
     // A decimal character of several units counts in full: U+066B takes two bytes.
     TypeParam text[16];
     int units = sizeof(TypeParam) == 1 ? 2 : 1;
     EXPECT_EQ(orv::realtostr(text, 16, 1.5, 8, 1, 0x66B), 8);
     EXPECT_EQ(text[8 - units - 2], TypeParam('1'));
-    EXPECT_EQ(text[7], TypeParam('5'));
     double back = 0;
-    EXPECT_EQ(orv::strtonumber(text, -1, back, 0x66B) && back == 1.5, units == 1);
-}
-
-TEST(NumberPrecision, SmallMagnitudesGetEightDecimals) {
-    EXPECT_EQ(orv::realPrecision(5.0, 0), 8);
-    EXPECT_EQ(orv::realPrecision(50.0, 0), 6);
-    EXPECT_EQ(orv::realPrecision(5.0, 10), 10);
-    EXPECT_EQ(orv::realPrecision(-9.99, 2), 8);
-    EXPECT_EQ(orv::realPrecision(-10.0, 2), 2);
+    EXPECT_TRUE(orv::strtonumber(text, 8, back, 0x66B) && back == 1.5);
+    EXPECT_FALSE(orv::strtonumber(text, 8, back, 0x66C));
 }
 
 TYPED_TEST(Number, TextToIntegers) {
@@ -144,22 +116,16 @@ TYPED_TEST(Number, TextToIntegers) {
         {" \t12 \n", 10, "12", "12", "12", "12", "12"},
         {"+200", 10, "200", "refused", "200", "200", "200"},
         {"-128", 10, "refused", "-128", "-128", "refused", "-128"},
-        {"256", 10, "refused", "refused", "256", "256", "256"},
         {"2147483648", 10, "refused", "refused", "refused", "2147483648", "2147483648"},
-        {"-2147483648", 10, "refused", "refused", "-2147483648", "refused", "-2147483648"},
         {"-9223372036854775808", 10, "refused", "refused", "refused", "refused", "-9223372036854775808"},
         {"9223372036854775808", 10, "refused", "refused", "refused", "refused", "refused"},
         {"0x1F", 10, "31", "31", "31", "31", "31"},
         {"-0X1f", 16, "refused", "-31", "-31", "refused", "-31"},
         {"0b1", 16, "177", "refused", "177", "177", "177"},
         {"0x1", 36, "refused", "refused", "1189", "1189", "1189"},
-        {"010", 10, "10", "10", "10", "10", "10"},
-        {"0x", 10, "refused", "refused", "refused", "refused", "refused"},
         {"0b2", 10, "refused", "refused", "refused", "refused", "refused"},
-        {"7", 99, "7", "7", "7", "7", "7"},
         {"", 10, "refused", "refused", "refused", "refused", "refused"},
         {"1 2", 10, "refused", "refused", "refused", "refused", "refused"},
-        {"--1", 10, "refused", "refused", "refused", "refused", "refused"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.text);
@@ -169,13 +135,9 @@ TYPED_TEST(Number, TextToIntegers) {
         EXPECT_EQ(this->template read<uint>(row.text, row.radix), row.asUInt);
         EXPECT_EQ(this->template read<large>(row.text, row.radix), row.asLarge);
     }
-    EXPECT_EQ(this->template read<ularge>("18446744073709551615", 10), "18446744073709551615");
     EXPECT_EQ(this->template read<ularge>("18446744073709551616", 10), "refused");
-    EXPECT_EQ(this->template read<word>("65536", 10), "refused");
-    EXPECT_EQ(this->template read<int16>("-32768", 10), "-32768");
     int unset = 5;
     EXPECT_FALSE(orv::strtonumber(static_cast<const TypeParam*>(nullptr), 3, unset, 10));
-    EXPECT_EQ(unset, 5);
     if (sizeof(TypeParam) > 1) {
         TypeParam lookalike[] = {TypeParam('1'), TypeParam(0x130), 0}; // ends like '0' in its low byte
         EXPECT_FALSE(orv::strtonumber(lookalike, -1, unset, 10));
@@ -197,16 +159,12 @@ TYPED_TEST(Number, TextToReals) {
         {"-INF", '.', true, -inf},
         {"1e400", '.', false, 0},
         {"1e-400", '.', true, 0},
-        {"0e99999999999999999999", '.', true, 0},
         {"1e99999999999999999999", '.', false, 0},
-        {"4.9406564584124654e-324", '.', true, 5e-324},
         {"9007199254740993", '.', true, 9007199254740992.0},
-        {"1,5", '.', false, 0},
         {"1.5", ',', false, 0},
         {".", '.', false, 0},
         {"+-1", '.', false, 0},
         {"0x10", '.', false, 0},
-        {"", '.', false, 0},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.text);
@@ -230,9 +188,6 @@ TYPED_TEST(Number, TextToReals) {
     auto big = this->widen("3.5e38");
     EXPECT_FALSE(orv::strtonumber(big.data(), -1, single, '.'));
     EXPECT_EQ(single, 1.0f);
-    double nan = 0;
-    auto word = this->widen("NaN");
-    EXPECT_TRUE(orv::strtonumber(word.data(), -1, nan, '.') && std::isnan(nan));
 }
 
 TYPED_TEST(Number, Numerals) {
@@ -242,12 +197,10 @@ TYPED_TEST(Number, Numerals) {
     };
     static const Row rows[] = {
         {0, "", "", ""},
-        {26, "XXVI", "Z", "Z"},
         {28, "XXVIII", "AB", "BB"},
         {444, "CDXLIV", "QB", "BBBBBBBBBBBBBBBBBB"},
         {702, "DCCII", "ZZ", "ZZZZZZZZZZZZZZZZZZZZZZZZZZZ"},
-        {1999, "MCMXCIX", "BXW", nullptr},
-        {3999, "MMMCMXCIX", "EWU", nullptr},
+        {1999, "MCMXCIX", "BXW", "WWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWW"},
         {UINT32_MAX, "", "MWLQKWU", ""},
     };
     for (const Row& row : rows) {
@@ -258,7 +211,7 @@ TYPED_TEST(Number, Numerals) {
         EXPECT_EQ(text(orv::numeralDecimal), std::to_string(row.value));
         EXPECT_EQ(text(orv::numeralRomanU), row.roman);
         EXPECT_EQ(text(orv::numeralAlphaU), row.alpha);
-        if (row.letter) { EXPECT_EQ(text(orv::numeralLetterU), row.letter); }
+        EXPECT_EQ(text(orv::numeralLetterU), row.letter);
         std::string lower = text(orv::numeralRomanL) + text(orv::numeralAlphaL) + text(orv::numeralLetterL);
         std::string upper = text(orv::numeralRomanU) + text(orv::numeralAlphaU) + text(orv::numeralLetterU);
         for (char& c : lower) c = char(std::toupper(c));
