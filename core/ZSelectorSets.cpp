@@ -135,15 +135,20 @@ bool amongFew(const ZSelector* items, uint count, uint key) {
         __builtin_memcpy(&four, items + at, sizeof four);
         hits |= Four(four == wanted);
     }
-    ularge halves[2];
-    __builtin_memcpy(halves, &hits, sizeof halves);
+    using Two = ularge __attribute__((vector_size(16)));
+    Two halves = Two(hits);
     bool found = (halves[0] | halves[1]) != 0;
     for (; at < count; ++at) found |= items[at].key() == key;
     return found;
 }
-bool hasPart(ZSelectorData& entry, const ZSelector& sel) {
+inline bool hasPart(ZSelectorData& entry, const ZSelector& sel) {
     return entry.paramCount <= fewWords ? amongFew(entry.params, entry.paramCount, sel.key())
                                         : entry.containsSorted(sel);
+}
+/// Apart from the question for one word, which is asked most and stays short.
+[[gnu::noinline]] bool hasParts(ZSelectorData& entry, const ZSelector& list) {
+    SelectorList items(list, ZSelector::Detect);
+    return !items.failed && std::all_of(items.begin(), items.end(), [&](auto& item) { return hasPart(entry, item); });
 }
 } // namespace
 
@@ -157,8 +162,7 @@ bool ZSelector::contains(const ZSelector& sel) const {
     if (hasPart(*entry, sel)) return true;
     const ZSelectorData* other = space.get(sel.id);
     if (!other || other->type != entry->type) return false;
-    SelectorList items(sel, Detect);
-    return !items.failed && std::all_of(items.begin(), items.end(), [&](auto& item) { return hasPart(*entry, item); });
+    return hasParts(*entry, sel);
 }
 
 bool ZSelector::contains(const ZSelector& sel, Type type) const {
