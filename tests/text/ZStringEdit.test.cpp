@@ -125,9 +125,9 @@ TEST_F(StringWide, ReplacingInLongTextsIsLinear) {
     ZString s(text.c_str(), int(text.size()));
     EXPECT_EQ(s.replace("()", ""), 1 << 17);
     EXPECT_TRUE(s.isEmpty());
-    ZString words(std::string(10 << 20, 'x').c_str());
-    EXPECT_EQ(words.replace('x', 0x3042), 10 << 20);
-    EXPECT_EQ(words.length(), 30 << 20);
+    ZString words(std::string(1 << 17, 'x').c_str());
+    EXPECT_EQ(words.replace('x', 0x3042), 1 << 17);
+    EXPECT_EQ(words.length(), 3 << 17);
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
 }
 
