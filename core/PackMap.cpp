@@ -87,7 +87,7 @@ bool PackMap::clean() {
         release(std::exchange(pack, fresh), this);
         return true;
     }
-    // Back to front, so that ids start over from 1.
+    // Back to front, so that the lowest ids are given out first again.
     for (uint id = pack->lastId(); id > 0 && pack; --id) remove(id);
     return true;
 }

@@ -39,7 +39,8 @@ public:
     /// Makes this handle the only one on its store, by a clone with the same ids. False when that can't be had.
     bool detach();
 
-    // Lock, recursive, of the store's block: for all maps that share it; a clone gets its own
+    // Lock, recursive, of the store's block: for all maps that share it. A clone gets its own,
+    // which isn't held: who writes under the lock runs `detach` first
 
     /// Gives the store a lock. It can't be taken away again: false for `on` false while there is one.
     bool setLockable(bool on);

@@ -1,7 +1,5 @@
 #include "core/ZCompactRBMapData.h"
 
-#include "core/hashsize.h"
-
 #include <cstring>
 #include <utility>
 
@@ -27,7 +25,7 @@ bool ZCompactRBMap::initialize(int capacity, uint itemSize, uint hashBits, uint 
         bigEndian = false;
         itemBytes = itemSize >= sizeof(ZCompactRBItem) ? itemSize : 0;
         fixedBits = hashBits > 0 && !load;
-        setBits(load ? orv_calchashbits(capacity > 0 ? uint(capacity) : 0, load) : hashBits);
+        setBits(load ? bitsFor(capacity > 0 ? uint(capacity) : 0, load) : hashBits);
     }
     return capacity <= 0 || !itemBytes || relocate(uint(capacity), uint(capacity));
 }

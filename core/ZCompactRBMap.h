@@ -34,6 +34,7 @@ public:
     virtual bool retain() const;
     /// Gives up a reference; the last one destroys the map.
     virtual void release() const;
+    static void* operator new(size_t) = delete;
     static void operator delete(void* map) { toolkit::freeBlock(map); }
 
     /// Drops everything and sets the map up anew: growth 100, automatic hash size at 100 percent. With `load` above 0,
@@ -126,7 +127,7 @@ public:
 
     /// Makes an item found, if an index is built. It may be found already.
     void addNode(int index);
-    /// Makes an item no longer found. It stays where it is.
+    /// Makes an item no longer found until the index is built anew. It stays where it is.
     void removeNode(int index);
     /// (locked) Puts an item into its bucket. False if the links are damaged: the index is dropped then.
     bool linkNode(int index);
@@ -262,12 +263,15 @@ private:
     uint& rootFor(uint hash) const { return table ? table[limitHash(hash)] : root; }
     void setBits(uint hashBits) const;
     void fitHash(uint threshold) const;
+    static uint bitsFor(uint count, uint load);
     bool buildTree() const;
+    bool ensureTree() const;
     void dropTree() const;
     bool isLinked(uint index) const;
     template <class F> int repairingSeek(uint link, F&& order) const;
     Storage takeStorage();
     void freeStorage(Storage& taken);
+    uint grown(uint from, uint more, ularge needed) const;
     bool relocate(uint newCapacity, uint newRoom);
     void slideDown();
     void makeRoom(uint needed);

@@ -14,10 +14,16 @@ void ZCompactRBMap::setBits(uint hashBits) const {
     scale = orv_calchashscale();
 }
 
+/// Bits for that many items. The product of the two, of 32 bits, must not wrap: a huge map would get a tiny table.
+uint ZCompactRBMap::bitsFor(uint count, uint load) {
+    const uint most = load ? (0xFFFFFFFF - 50) / load : count;
+    return orv_calchashbits(count < most ? count : most, load);
+}
+
 /// Fits the bits to the count, with the lock held.
 void ZCompactRBMap::fitHash(uint threshold) const {
     if (!autoLoad) return;
-    uint wanted = orv_calchashbits(itemCount, autoLoad);
+    uint wanted = bitsFor(itemCount, autoLoad);
     uint difference = wanted > bits ? wanted - bits : bits - wanted;
     if (!difference || (difference <= threshold && wanted >= 3)) return;
     dropTree();
@@ -44,7 +50,7 @@ void ZCompactRBMap::setAutoHash(uint load) {
     ZScopedLock held(lock);
     autoLoad = load;
     fixedBits = false;
-    uint wanted = load ? orv_calchashbits(itemCount, load) : 0;
+    uint wanted = load ? bitsFor(itemCount, load) : 0;
     if (wanted == bits) return;
     dropTree();
     setBits(wanted);

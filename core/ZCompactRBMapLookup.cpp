@@ -24,18 +24,16 @@ int ZCompactRBMap::findValueIndexAtRoot(uint treeRoot, const void* value) const 
 
 int ZCompactRBMap::findIndex(const void* key) const {
     if (!count()) return -1;
-    refreshTree();
     const uint hash = hashKey(key);
     ZScopedLock held(lock);
-    return hasTree() ? findIndexAtRoot(rootFor(hash), key) : -1;
+    return ensureTree() ? findIndexAtRoot(rootFor(hash), key) : -1;
 }
 
 int ZCompactRBMap::findFirstIndex(const void* key) const {
     if (!count()) return -1;
-    refreshTree();
     const uint hash = hashKey(key);
     ZScopedLock held(lock);
-    int first = hasTree() ? findIndexAtRoot(rootFor(hash), key) : -1;
+    int first = ensureTree() ? findIndexAtRoot(rootFor(hash), key) : -1;
     for (uint steps = itemCount; first >= 0 && steps > 0; --steps) {
         int before = neighbour(first, 0);
         if (before < 0 || compareKey(itemStart(uint(before)), key)) break;
@@ -46,10 +44,9 @@ int ZCompactRBMap::findFirstIndex(const void* key) const {
 
 int ZCompactRBMap::findValueIndex(const void* value) const {
     if (!count()) return -1;
-    refreshTree();
     const uint hash = hashValue(value);
     ZScopedLock held(lock);
-    return hasTree() ? findValueIndexAtRoot(rootFor(hash), value) : -1;
+    return ensureTree() ? findValueIndexAtRoot(rootFor(hash), value) : -1;
 }
 
 ZCompactRBItem* ZCompactRBMap::findItem(const void* key) const {

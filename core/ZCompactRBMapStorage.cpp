@@ -74,6 +74,19 @@ void ZCompactRBMap::makeRoom(uint needed) {
     slideDown();
 }
 
+/// The capacity that follows on `from` when `more` are asked for and `needed` have to fit.
+uint ZCompactRBMap::grown(uint from, uint more, ularge needed) const {
+    ularge wanted;
+    if (growth < 0) {
+        uint step = uint(-int(growth));
+        wanted = ularge(from) + more + step - 1;
+        wanted -= wanted % step;
+    } else
+        wanted = from + (growth ? (ularge(from) * uint(growth) + 50) / 100 : from);
+    if (wanted < needed) wanted = needed;
+    return uint(wanted < itemLimit ? wanted : itemLimit);
+}
+
 bool ZCompactRBMap::expand(int count) {
     if (count <= 0) return true;
     const ularge needed = ularge(itemCount) + uint(count);
@@ -82,16 +95,8 @@ bool ZCompactRBMap::expand(int count) {
         makeRoom(uint(needed));
         return true;
     }
-    ularge wanted;
-    if (growth < 0) {
-        uint step = uint(-int(growth));
-        wanted = ularge(itemCapacity) + uint(count) + step - 1;
-        wanted -= wanted % step;
-    } else
-        wanted = itemCapacity + (growth ? (ularge(itemCapacity) * uint(growth) + 50) / 100 : itemCapacity);
-    if (wanted < needed) wanted = needed;
-    if (wanted > itemLimit) wanted = itemLimit;
-    return relocate(uint(wanted), uint(wanted));
+    const uint wanted = grown(itemCapacity, uint(count), needed);
+    return relocate(wanted, wanted);
 }
 
 bool ZCompactRBMap::trim() {
@@ -208,12 +213,13 @@ bool ZCompactRBMap::setCount(int count) {
         return true;
     }
     if (!itemBytes || uint(count) > itemLimit) return false;
-    auto block = static_cast<char*>(toolkit::allocZeroedBlock(size_t(uint(count)) * itemBytes));
+    const uint wanted = grown(0, uint(count), uint(count));
+    auto block = static_cast<char*>(toolkit::allocZeroedBlock(size_t(wanted) * itemBytes));
     if (!block) return false;
     clear();
     ZScopedLock held(lock);
     items = block;
-    itemCapacity = room = uint(count);
+    itemCapacity = room = wanted;
     toolkit::store(itemCount, uint(count));
     return true;
 }

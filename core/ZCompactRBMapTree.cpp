@@ -47,6 +47,9 @@ bool ZCompactRBMap::buildTree() const {
     return true;
 }
 
+/// Whether there is an index, which is built now if need be; with the lock held.
+bool ZCompactRBMap::ensureTree() const { return hasTree() || (itemCount && buildTree()); }
+
 void ZCompactRBMap::clearTree(bool takeLock) {
     if (takeLock) lock.lock();
     dropTree();
@@ -62,7 +65,7 @@ bool ZCompactRBMap::rebuildTree() {
 void ZCompactRBMap::refreshTree() const {
     if (hasTree() || !count()) return;
     ZScopedLock held(lock);
-    if (!hasTree() && itemCount) buildTree();
+    ensureTree();
 }
 
 bool ZCompactRBMap::linkTreeNode(uint& treeRoot, int index) const {
@@ -198,8 +201,8 @@ int ZCompactRBMap::depthBelow(uint top) const {
 }
 
 int ZCompactRBMap::maxCollisions() const {
-    refreshTree();
     ZScopedLock held(lock);
+    ensureTree();
     int deepest = depthBelow(root);
     for (uint i = 0; i < buckets; ++i)
         if (int depth = depthBelow(table[i]); depth > deepest) deepest = depth;

@@ -86,6 +86,12 @@ public:
         orv::detail::NewNode<MapData> made(item);
         return put(made, false);
     }
+    /// The same with an item made from its key alone.
+    bool add(const K& key) requires std::is_constructible_v<I, const K&> {
+        if (haskey(key)) return true;
+        orv::detail::NewNode<MapData> made(key);
+        return put(made, false);
+    }
     /// False if the key isn't there.
     bool remove(const K& key) {
         int at = find(key);
@@ -100,18 +106,21 @@ public:
             if (!fresh.set(item)) return false;
         if (!data) return swap(fresh);
         if (!expand(fresh.count())) return false;
-        // There is room for all of them: nothing can fail any more.
+        // There is room for all of them: nothing can fail any more. Items that are replaced gather in front of `fresh`,
+        // so that none is destroyed before the map is done.
         fresh.data->clearTree(true);
-        while (fresh.count()) {
-            auto& node = fresh.data->node(0);
+        uint replaced = 0;
+        for (uint i = 0; i < fresh.count(); ++i) {
+            auto& node = fresh.data->node(i);
             int at = find(MapData::keyOf(node.item));
-            if (at < 0)
-                data->takeFirst(*fresh.data);
-            else {
-                orv::detail::swapItems<MapData>(node, data->node(uint(at)));
-                fresh.data->remove(0, 1);
+            if (at < 0) {
+                data->take(node);
+                continue;
             }
+            orv::detail::swapItems<MapData>(node, data->node(uint(at)));
+            fresh.data->swapPlace(int(i), int(replaced++));
         }
+        fresh.data->forgetItems(int(replaced), int(fresh.count() - replaced));
         return true;
     }
 
@@ -128,7 +137,7 @@ public:
     /// False also for an index out of range.
     bool removeIndex(uint index) {
         if (index >= count() || !detach()) return false;
-        data->remove(int(index), 1);
+        orv::detail::TakenNode<MapData> gone(*data, index);
         return true;
     }
     /// Walks the items by position; valid until the map is written.

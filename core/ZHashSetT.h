@@ -22,20 +22,15 @@ public:
 
     bool contains(const K& value) const { return values.haskey(value); }
     /// True if the value is there afterwards.
-    bool add(const K& value) {
-        if (contains(value)) return true;
-        ZFailGuard guard;
-        SetItem item(value);
-        if (!guard.rose()) return values.add(item);
-        guard.forget();
-        return false;
-    }
+    bool add(const K& value) { return values.add(value); }
     /// All of them, or none.
     bool add(const ZArrayT<K>& array) {
-        ZHashSetT changed(*this);
+        const uint before = count();
         for (const K& value : array)
-            if (!changed.add(value)) return false;
-        *this = std::move(changed);
+            if (!add(value)) {
+                while (count() > before) removeIndex(count() - 1);
+                return false;
+            }
         return true;
     }
     /// False if the value isn't there.

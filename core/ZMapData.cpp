@@ -11,12 +11,9 @@ bool MapBase::take(const MapNode& node) {
     const uint index = count() - 1;
     ZCompactRBItem* place = itemStart(index);
     std::memcpy(static_cast<void*>(place), &node, itemSize());
+    *place = ZCompactRBItem(); // the node may come from another map, with its links
     addNode(int(index));
     return true;
-}
-
-void MapBase::takeFirst(MapBase& other) {
-    if (take(*static_cast<MapNode*>(other.itemStart(0)))) other.forgetItems(0, 1);
 }
 
 void mapIndexFailed(const char* file, int line) { orv_assertw("zhashmapt", "Array index out of bounds", file, line); }

@@ -18,8 +18,7 @@ public:
 
     /// Takes a node over by its bytes, at the end. False when there is no memory: the node is still the caller's.
     bool take(const MapNode& node);
-    /// Takes the first node of another map of the same class over; there is room for it.
-    void takeFirst(MapBase& other);
+    using ZCompactRBMap::forgetItems;
 
 protected:
     uint hashItem(const ZCompactRBItem* item) const override { return static_cast<const MapNode*>(item)->hash; }
@@ -118,6 +117,21 @@ template <class Data> inline void swapItems(typename Data::Node& a, typename Dat
     __builtin_memcpy(static_cast<void*>(&a.item), static_cast<void*>(&b.item), sizeof aside);
     __builtin_memcpy(static_cast<void*>(&b.item), aside, sizeof aside);
 }
+
+/// A node taken out of a map; it is destroyed when the map is whole again, and may even be gone.
+template <class Data> class TakenNode {
+public:
+    using Node = typename Data::Node;
+    TakenNode(Data& map, uint index) {
+        __builtin_memcpy(place, static_cast<void*>(&map.node(index)), sizeof place);
+        map.forgetItems(int(index), 1);
+    }
+    ~TakenNode() { std::launder(reinterpret_cast<Node*>(place))->~Node(); }
+    TakenNode(const TakenNode&) = delete;
+
+private:
+    alignas(Node) byte place[sizeof(Node)];
+};
 
 /// A node on the stack, that a map may take over. Items are built here, so that a failure, or an item handed in that
 /// stands in the map itself, meets the map as it was.

@@ -28,7 +28,8 @@ ORV_API void freeblocks(void** pointers, int count, bool force);
 /// Bytes in a block; 0 for null.
 inline size_t memsize(const void* p) { return p ? toolkit::blockSize(p) : 0; }
 inline int memcount(const void* p) { return p ? toolkit::blockHead(p)->elements : 0; }
-inline int refcount(const void* p) { return p ? toolkit::load(toolkit::blockHead(p)->count) : 0; }
+/// Who sees 1 may write: what others did before they gave up their references has happened then.
+inline int refcount(const void* p) { return p ? toolkit::loadAcquire(toolkit::blockHead(p)->count) : 0; }
 /// The new count. -1 for null and, unless `force`, for a block whose count is 0 or less, which stays as it is.
 inline int incmemref(const void* p, bool force) {
     if (!p) return -1;
