@@ -28,15 +28,15 @@ public:
     requires std::is_same_v<U, T> ZArrayT(const U* items, uint count) {
         if (!append(items, count)) ZError::fail();
     }
-    ~ZArrayT() { orv::detail::arrayRelease(head, type()); }
+    ~ZArrayT() { clear(); }
     ZArrayT& operator=(const ZArrayT& other) {
         Head* old = std::exchange(head, retain(other.head));
         orv::detail::arrayRelease(old, type());
         return *this;
     }
     ZArrayT& operator=(ZArrayT&& other) noexcept {
-        Head* old = std::exchange(head, std::exchange(other.head, nullptr));
-        if (old != head) orv::detail::arrayRelease(old, type());
+        Head* taken = std::exchange(other.head, nullptr);
+        orv::detail::arrayRelease(std::exchange(head, taken), type());
         return *this;
     }
 

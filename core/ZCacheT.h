@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/ZArrayT.h"
-#include "core/ZHashTreeT.h"
+#include "core/ZCacheData.h"
 #include "core/ZSpinLock.h"
 
 /// Items by key, dropped by age of use when they become too many or cost too much: a hash tree whose nodes also stand
@@ -13,19 +13,29 @@
 template <class K, class I> class ZCacheT {
 public:
     using ZRelocatable = void;
-    static constexpr uint defaultItems = 100, defaultCost = 0x100000;
-    static constexpr uint defaultCount = 128, defaultLoad = 80;
+    static constexpr uint defaultItems = orv::detail::cacheItems, defaultCost = orv::detail::cacheCost;
+    static constexpr uint defaultCount = orv::detail::cacheCount, defaultLoad = orv::detail::cacheLoad;
+
+    // Lifetime. A constructor raises a failure when there is no memory.
 
     ZCacheT() = default;
-    /// With a table for `count` items. Raises a failure without memory.
+    /// These are as `init`.
     explicit ZCacheT(uint count) : ZCacheT(count, defaultLoad) {}
     ZCacheT(uint count, uint load) {
         if (!init(count, load)) ZError::fail();
     }
+    explicit ZCacheT(const ZSelector& name) {
+        if (!init(name)) ZError::fail();
+    }
+    ZCacheT(const ZSelector& section, const ZSelector& key) {
+        if (!init(section, key)) ZError::fail();
+    }
     explicit ZCacheT(const ZArrayT<I>& items) {
         bool whole = true;
         for (const I& item : items) whole = whole && append(item);
-        if (!whole) ZError::fail();
+        if (whole) return;
+        clear();
+        ZError::fail();
     }
     ZCacheT(const ZCacheT& other) : locking(other.locking) {
         Guard held(other);
@@ -40,14 +50,12 @@ public:
         share(copy);
         return *this;
     }
-    /// Drops everything and makes a table for `count` items at `load` percent.
-    bool init(uint count, uint load) {
-        Table fresh;
-        if (!fresh.init(count, load)) return false;
-        Guard held(*this);
-        replace(fresh);
-        return true;
-    }
+    /// Drops everything and makes a table for `count` items at `load` percent; the limits stay.
+    bool init(uint count, uint load) { return init(count, load, nullptr); }
+    /// The same with the limits too, as the resource of that name has them; what isn't there has its default.
+    bool init(const ZSelector& name) { return init(orv::detail::cacheOptions(name)); }
+    /// The same from a section and key of the main configuration.
+    bool init(const ZSelector& section, const ZSelector& key) { return init(orv::detail::cacheOptions(section, key)); }
 
     // Reading. It leaves the order of use as it is.
 
@@ -84,8 +92,8 @@ public:
         return whole ? all : ZArrayT<I>();
     }
     /// The item next in line to be dropped, and the one used last; null in an empty cache. For a cache of one thread.
-    const I* oldestItem() const { return oldest ? &oldest->item : nullptr; }
-    const I* newestItem() const { return newest ? &newest->item : nullptr; }
+    const I* oldestItem() const { return order.oldest ? &order.oldest->item : nullptr; }
+    const I* newestItem() const { return order.newest ? &order.newest->item : nullptr; }
     /// Both in key order: by the first items that differ, then by the count.
     int compare(const ZCacheT& other) const {
         ZCacheT mine(*this), others(other);
@@ -110,13 +118,13 @@ public:
         if (zcompare<K>(item.key(), key) != 0) return false;
         Copied copy;
         if (!copy.take(item)) return false;
-        uint cost = costOf(item);
+        uint cost = orv::detail::costOf(item);
         Dropped dropped;
         Guard held(*this);
         CacheData* data = edit(key, dropped);
         if (!data) return false;
         copy.swap(data->item);
-        charge(*data, cost);
+        order.charge(*data, cost);
         return true;
     }
     /// Removes an item, also a locked one; false if there is none.
@@ -140,7 +148,7 @@ public:
         Dropped dropped;
         Guard held(*this);
         CacheData* data = edit(key, dropped);
-        if (data) makeNewest(data);
+        if (data) order.makeNewest(data);
         return data != nullptr;
     }
     /// Pins an item: it isn't dropped until it has been unlocked as often.
@@ -157,8 +165,8 @@ public:
         Guard held(*this);
         CacheData* data = edit(key, dropped);
         if (!data) return false;
-        makeNewest(data);
-        charge(*data, cost);
+        order.makeNewest(data);
+        order.charge(*data, cost);
         trim(dropped);
         return true;
     }
@@ -171,18 +179,24 @@ public:
 
     // Limits; 0 for none. A new one is enforced at once, on all but the newest item and the locked ones.
 
-    uint maxItems() const { return itemLimit; }
-    uint maxCost() const { return costLimit; }
+    uint maxItems() const {
+        Guard held(*this);
+        return order.maxItems;
+    }
+    uint maxCost() const {
+        Guard held(*this);
+        return order.maxCost;
+    }
     /// What the items cost together; counted only while there is a limit to it.
     uint totalCost() const {
         Guard held(*this);
-        return total > 0xFFFFFFFFu ? 0xFFFFFFFFu : uint(total);
+        return order.total > 0xFFFFFFFFu ? 0xFFFFFFFFu : uint(order.total);
     }
     bool setMaxItems(uint limit) {
         Dropped dropped;
         Guard held(*this);
         if (!detach(dropped)) return false;
-        itemLimit = limit;
+        order.maxItems = limit;
         trim(dropped);
         return true;
     }
@@ -190,12 +204,7 @@ public:
         Dropped dropped;
         Guard held(*this);
         if (!detach(dropped)) return false;
-        if (!limit != !costLimit) {
-            total = 0;
-            if (limit)
-                for (const CacheData& data : table) total += data.cost;
-        }
-        costLimit = limit;
+        order.setMaxCost(limit);
         trim(dropped);
         return true;
     }
@@ -204,29 +213,10 @@ public:
     void setUseLock(bool use) { locking = use; }
 
 private:
-    struct CacheData : ZTreeItemT<K, CacheData> {
-        I item;
-        uint locked = 0;
-        uint cost;
-        CacheData* older = nullptr;
-        CacheData* newer = nullptr;
-
-        explicit CacheData(const I& item) : item(item), cost(costOf(item)) {}
-        CacheData(const CacheData& other)
-            : ZTreeItemT<K, CacheData>(other), item(other.item), locked(other.locked), cost(other.cost) {}
-        decltype(auto) key() const { return item.key(); }
-        int compare(const CacheData& other) const {
-            if constexpr (requires { item.compare(other.item); })
-                return item.compare(other.item);
-            else
-                return zcompare<K>(key(), other.key());
-        }
-        static void getHashInfo(uint& bits, uint& load) {
-            bits = orv_calchashbits(defaultCount, defaultLoad, 0, 14);
-            load = defaultLoad;
-        }
-    };
+    using CacheData = orv::detail::CacheDataT<K, I>;
     using Table = ZHashTreeT<K, CacheData>;
+    using Dropped = orv::detail::CacheDropped<CacheData, Table>;
+    using Copied = orv::detail::CopiedItem<I>;
 
     class Guard {
     public:
@@ -241,88 +231,35 @@ private:
     private:
         ZSpinLock* held;
     };
-    /// What was taken out; declared ahead of the guard, so that it dies after the lock was given up.
-    class Dropped {
-    public:
-        Dropped() = default;
-        Dropped(const Dropped&) = delete;
-        ~Dropped() {
-            while (first) {
-                // The table was the only holder.
-                CacheData* dying = std::exchange(first, first->newer);
-                dying->~CacheData();
-                toolkit::freeBlock(dying);
-            }
-        }
-        void add(CacheData* data) {
-            data->newer = first;
-            first = data;
-        }
-        Table table; ///< shared with others until the cache was detached
 
-    private:
-        CacheData* first = nullptr;
-    };
-    /// A copy of an item, made under the lock and used outside.
-    struct Copied {
-        alignas(I) byte room[sizeof(I)];
-        I* item = nullptr;
-
-        Copied() {}
-        Copied(const Copied&) = delete;
-        ~Copied() {
-            if (item) item->~I();
-        }
-        bool take(const I& from) {
-            ZFailGuard guard;
-            std::memset(room, 0, sizeof room);
-            item = ::new (room) I(from);
-            if (!guard.rose()) return true;
-            std::exchange(item, nullptr)->~I();
-            guard.forget();
-            return false;
-        }
-        /// By their bytes where that will do, so that no destructor runs.
-        void swap(I& other) {
-            if constexpr (zrelocatable<I>) {
-                byte aside[sizeof(I)];
-                std::memcpy(aside, room, sizeof aside);
-                std::memcpy(room, static_cast<void*>(&other), sizeof aside);
-                std::memcpy(static_cast<void*>(&other), aside, sizeof aside);
-            } else
-                std::swap(*item, other);
-        }
-    };
-
-    static uint costOf(const I& item) {
-        if constexpr (requires { item.cost(); })
-            return item.cost();
-        else
-            return 1;
+    bool init(uint count, uint load, const orv::detail::CacheOptions* limits) {
+        Table fresh;
+        if (!fresh.init(count, load)) return false;
+        Guard held(*this);
+        replace(fresh);
+        if (!limits) return true;
+        order.maxItems = limits->maxItems;
+        order.maxCost = limits->maxCost;
+        return true;
     }
-
+    bool init(const orv::detail::CacheOptions& options) { return init(options.count, options.load, &options); }
     void share(const ZCacheT& other) {
         table = other.table;
-        oldest = other.oldest;
-        newest = other.newest;
-        total = other.total;
-        itemLimit = other.itemLimit;
-        costLimit = other.costLimit;
+        order = other.order;
     }
     /// Empties the cache; what it held comes back in `other`.
     void replace(Table& other) {
         std::swap(table, other);
-        oldest = newest = nullptr;
-        total = 0;
+        order.reset();
     }
     /// The nodes of a copied table are put in the order of use of their originals.
     bool detach(Dropped& dropped) {
         if (ORV_LIKELY(table.isDetached())) return true;
-        const CacheData* old = oldest;
+        const CacheData* old = order.oldest;
         dropped.table = table;
         if (!table.detach()) return false;
-        oldest = newest = nullptr;
-        for (; old; old = old->newer) linkNewest(table.edit(old->key()));
+        order.oldest = order.newest = nullptr;
+        for (; old; old = old->newer) order.link(table.edit(old->key()));
         return true;
     }
     CacheData* edit(const K& key, Dropped& dropped) {
@@ -331,25 +268,6 @@ private:
         return detach(dropped) ? table.edit(key) : nullptr;
     }
 
-    void linkNewest(CacheData* data) {
-        data->older = newest;
-        data->newer = nullptr;
-        (newest ? newest->newer : oldest) = data;
-        newest = data;
-    }
-    void unlinkUse(CacheData* data) {
-        (data->older ? data->older->newer : oldest) = data->newer;
-        (data->newer ? data->newer->older : newest) = data->older;
-    }
-    void makeNewest(CacheData* data) {
-        if (data == newest) return;
-        unlinkUse(data);
-        linkNewest(data);
-    }
-    void charge(CacheData& data, uint cost) {
-        if (costLimit) total = (total > data.cost ? total - data.cost : 0) + cost;
-        data.cost = cost;
-    }
     bool enter(CacheData* fresh, Dropped& dropped) {
         if (!detach(dropped)) return false;
         // The table is fitted only once the items outgrow it, so that a size given beforehand stays.
@@ -361,19 +279,18 @@ private:
             evict(now, dropped);
             table.addUnique(fresh, false); // there is a table: this can't fail
         }
-        linkNewest(fresh);
-        if (costLimit) total += fresh->cost;
+        order.link(fresh);
+        order.pay(fresh->cost);
         trim(dropped);
         return true;
     }
     void evict(CacheData* data, Dropped& dropped) {
-        unlinkUse(data);
-        if (costLimit) total = total > data->cost ? total - data->cost : 0;
+        order.unlink(data);
+        order.payBack(data->cost);
         dropped.add(table.extract(data));
     }
-    bool isOver() const { return (costLimit && total > costLimit) || (itemLimit && table.count() > itemLimit); }
     void trim(Dropped& dropped) {
-        for (CacheData* data = oldest; data && data != newest && isOver();) {
+        for (CacheData* data = order.oldest; data && data != order.newest && order.isOver(table.count());) {
             CacheData* next = data->newer;
             if (!data->locked) evict(data, dropped);
             data = next;
@@ -390,11 +307,7 @@ private:
     }
 
     Table table;
-    CacheData* oldest = nullptr;
-    CacheData* newest = nullptr;
-    ularge total = 0;
-    uint itemLimit = defaultItems;
-    uint costLimit = defaultCost;
+    orv::detail::CacheOrder<CacheData> order;
     mutable ZSpinLock spin;
     bool locking = false;
 };

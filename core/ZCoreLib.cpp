@@ -80,10 +80,12 @@ ZCoreLib::ZCoreLib() = default;
 void ZCoreLib::start(const char* plugins, const char* client, bool toolkitOption, bool loadNow, bool restrictedLoad) {
     older = current;
     current = this;
-    orv::coreState.allowLocking = locking;
+    toolkit::store(orv::coreState.allowLocking, locking);
     clientName = copyText(client);
-    if (orv::coreState.instances++ > 0) return;
-    orv::coreState.bound = toolkit::bind(clientName, toolkitOption) != toolkit::startFailed;
+    int others = orv::coreState.instances;
+    toolkit::store(orv::coreState.instances, others + 1);
+    if (others > 0) return;
+    toolkit::store(orv::coreState.bound, toolkit::bind(clientName, toolkitOption) != toolkit::startFailed);
     if (loadNow) load(plugins, true, restrictedLoad);
 }
 
@@ -96,13 +98,13 @@ ZCoreLib::~ZCoreLib() {
     if (!counted) return;
     if (last) {
         toolkit::unbind();
-        orv::coreState.bound = false;
+        toolkit::store(orv::coreState.bound, false);
     }
     ZCoreLib** at = &current;
     while (*at && *at != this) at = &(*at)->older;
     if (*at) *at = older;
-    orv::coreState.allowLocking = !current || current->locking;
-    --orv::coreState.instances;
+    toolkit::store(orv::coreState.allowLocking, !current || current->locking);
+    toolkit::store(orv::coreState.instances, orv::coreState.instances - 1);
 }
 
 void ZCoreLib::load(const char* plugins, bool full, bool restrictedLoad) {
@@ -111,7 +113,8 @@ void ZCoreLib::load(const char* plugins, bool full, bool restrictedLoad) {
     orv::LoadRun run{this, plugins, restrictedLoad};
     if (!opened.core) {
         opened = {true, false, locking, application};
-        orv::coreState.notificationsClosed = orv::coreState.typesClosed = false;
+        toolkit::store(orv::coreState.notificationsClosed, false);
+        toolkit::store(orv::coreState.typesClosed, false);
         runSteps(order, 0, order.coreSteps, run);
     }
     if (!full) return;
@@ -125,7 +128,7 @@ void ZCoreLib::unload() {
     orv::LoadOrder order = orv::unloadOrder();
     orv::LoadRun run{this, nullptr, false};
     runSteps(order, 0, order.count, run);
-    orv::coreState.coreLoaded = false;
+    toolkit::store(orv::coreState.coreLoaded, false);
     opened = {};
 }
 
@@ -170,11 +173,13 @@ ZArrayT<ZSelector> ZCoreLib::getPlugins(const ZSelector& kind, bool qualified) {
     for (auto entry = first; entry; entry = entry->next) ++count;
     if (!count || !names.reserve(count)) return names;
     for (auto entry = first; entry; entry = entry->next) {
-        ZString name(entry->name);
-        if (qualified) name.printf("%s/%s", kind.string(), entry->name);
-        char* text = name.astr();
-        names.append(ZSelector(text));
-        zfree(text);
+        ZSelector name;
+        ZString full;
+        if (!qualified)
+            name = ZSelector(entry->name);
+        else if (full.printf("%s/%s", kind.string(), entry->name))
+            name = ZSelector(full);
+        if (name.isEmpty() || !names.append(name)) return {};
     }
     return names;
 }

@@ -56,7 +56,7 @@ public:
     static void* load(const ZSelector& name);
     static void unload(void* pack);
     /// The names that the plugin directory holds under a kind, in its order; each as "kind/name" with `qualified`.
-    /// Empty for an unknown kind.
+    /// Empty for an unknown kind, and without memory.
     static ZArrayT<ZSelector> getPlugins(const ZSelector& kind, bool qualified);
 
     // Switches of the current instance; while there is none, locking is allowed and the others are off
@@ -144,8 +144,10 @@ public:
     /// Writes the memory figures to standard error.
     static void memoryState(const char* label);
     static ZString systemVersion();
-    static void logMemory(bool on);
+    /// While on, each block made is noted until it is freed.
     static void trackLeaks(bool on);
+    /// With leaks being tracked: a line on standard error for each block made or freed.
+    static void logMemory(bool on);
     static void setDebugFunction(void (*function)(int code));
     static void callDebug(int code);
 

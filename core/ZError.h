@@ -25,6 +25,7 @@ public:
         auto& state = toolkit::threadState;
         int count = state.failCount;
         state.failCount = state.failMark = 0;
+        ++state.recoveries;
         return count;
     }
 };

@@ -43,7 +43,7 @@ public:
     }
     ZHashMapT(const ZHashMapT& other) : data(keep(other.data)) {}
     ZHashMapT(ZHashMapT&& other) noexcept : data(std::exchange(other.data, nullptr)) {}
-    ~ZHashMapT() { drop(data); }
+    ~ZHashMapT() { clear(); }
     ZHashMapT& operator=(const ZHashMapT& other) {
         drop(std::exchange(data, keep(other.data)));
         return *this;

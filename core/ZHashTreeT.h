@@ -21,7 +21,7 @@ public:
     }
     ZHashTreeT(const ZHashTreeT& other) : table(retain(other.table)) {}
     ZHashTreeT(ZHashTreeT&& other) noexcept : table(std::exchange(other.table, nullptr)) {}
-    ~ZHashTreeT() { giveUp(table); }
+    ~ZHashTreeT() { clear(); }
     ZHashTreeT& operator=(const ZHashTreeT& other) {
         giveUp(std::exchange(table, retain(other.table)));
         return *this;

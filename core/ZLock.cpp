@@ -7,7 +7,7 @@
 
 namespace {
 
-bool lockingOn() { return orv::coreState.bound && orv::coreState.allowLocking; }
+bool lockingOn() { return toolkit::load(orv::coreState.bound) && toolkit::load(orv::coreState.allowLocking); }
 
 ZLock* sharedLocks = nullptr;
 uint sharedCounter = 0;

@@ -4,7 +4,7 @@
 #include "core/state.h"
 #include "toolkit/lock.h"
 
-ZSignal::ZSignal() : ZSignal(orv::coreState.bound) {}
+ZSignal::ZSignal() : ZSignal(toolkit::load(orv::coreState.bound)) {}
 
 ZSignal::ZSignal(bool wanted) {
     if (wanted && !(id = toolkit::createSignal())) ZError::fail();

@@ -25,7 +25,7 @@ public:
     }
     ZSlotT(const ZSlotT& other) : block(retain(other.block)) {}
     ZSlotT(ZSlotT&& other) noexcept : block(std::exchange(other.block, nullptr)) {}
-    ~ZSlotT() { drop(block); }
+    ~ZSlotT() { clear(); }
     ZSlotT& operator=(const ZSlotT& other) {
         drop(std::exchange(block, retain(other.block)));
         return *this;

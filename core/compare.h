@@ -11,24 +11,27 @@ concept zcomparable = requires(const T& a) {
 }
 || requires(const T& a) { a < a; };
 
-/// The order of two values: the class's own `compare`, else `<` on numbers, enums and pointers. Negative, 0 or
-/// positive.
+/// The order of two values: the class's own `compare`, else `<` on numbers, enums and pointers; not-a-number comes last
+/// and is equal to itself. Negative, 0 or positive.
 template <class T> inline int zcompare(const T& a, const T& b) {
     if constexpr (requires { a.compare(b); })
         return a.compare(b);
-    else
+    else if constexpr (std::is_floating_point_v<T>) {
+        const bool numbers = a == a && b == b;
+        return numbers ? (b < a) - (a < b) : (a != a) - (b != b);
+    } else
         return (b < a) - (a < b);
 }
 
 /// The hash of a key: the class's own `textHash`, which texts of several forms have so that equal ones hash alike, or
-/// its `hashKey`, else the mixed bits of a number, enum or pointer; -0 hashes as 0.
+/// its `hashKey`, else the mixed bits of a number, enum or pointer; -0 hashes as 0, and not-a-number always alike.
 template <class T> inline uint zhashkey(const T& key) {
     if constexpr (requires { key.textHash(); })
         return uint(key.textHash());
     else if constexpr (requires { key.hashKey(); })
         return uint(key.hashKey());
     else if constexpr (std::is_floating_point_v<T>) {
-        double value = key == 0 ? 0.0 : double(key);
+        double value = key == 0 ? 0.0 : key == key ? double(key) : double(__builtin_nanf(""));
         ularge bits;
         __builtin_memcpy(&bits, &value, 8);
         return uint(bits ^ bits >> 32);

@@ -31,15 +31,36 @@ template <class T> inline void zrelease(T* object) {
     toolkit::freeBlock(const_cast<std::remove_const_t<T>*>(object));
 }
 
+/// Tells whether what was built since is whole. Every failure raised in between counts, also one that `zresetfail` no
+/// longer shows because a construction followed it, unless an inner construction recovered after it.
+class ZFailGuard {
+public:
+    bool rose() const { return zfailcount() > base(); }
+    /// Forgets the failures raised since, and only those: what an enclosing construction raised stays.
+    void forget() const {
+        auto& state = toolkit::threadState;
+        if (int old = base(); state.failCount > old) state.failCount = old;
+        if (state.failMark > state.failCount) state.failMark = state.failCount;
+    }
+
+private:
+    /// A recovery in between has taken the earlier failures with it.
+    int base() const { return toolkit::threadState.recoveries == recoveries ? before : 0; }
+
+    int before = zfailcount();
+    unsigned recoveries = toolkit::threadState.recoveries;
+};
+
 /// A new `T` on a counted zeroed block, its count 1. Null when there is no memory, or when the constructor raised a
-/// failure: the object is then destroyed and the failure forgotten. Failures that were pending no longer count.
+/// failure: the object is then destroyed and all failures are forgotten. Failures that were pending no longer count.
 template <class T, class... A> inline T* zmake(A&&... arguments) {
     static_assert(alignof(T) <= 16);
     ZTypeLabel<T> label;
     void* memory = __znalloc(sizeof(T));
     if (!memory) return nullptr;
+    ZFailGuard guard;
     T* object = ::new (memory) T(std::forward<A>(arguments)...);
-    if (ORV_UNLIKELY(zresetfail())) {
+    if (ORV_UNLIKELY(zresetfail() || guard.rose())) {
         zrelease(object);
         zrecover();
         return nullptr;
@@ -48,8 +69,8 @@ template <class T, class... A> inline T* zmake(A&&... arguments) {
 }
 
 /// An array of `count` values on a counted zeroed block: 8 bytes that hold the count, then the items. The block's
-/// element count is set too. Null as for `zmake`; a size that would overflow is refused. Types aligned above 8 don't
-/// fit.
+/// element count is set too, at most 2^31 - 1. Null as for `zmake`; a size that would overflow is refused. Types
+/// aligned above 8 don't fit.
 template <class T> inline T* zmakearray(size_t count) {
     static_assert(alignof(T) <= 8);
     size_t bytes;
@@ -58,10 +79,11 @@ template <class T> inline T* zmakearray(size_t count) {
     auto memory = static_cast<char*>(__znalloc(bytes + 8));
     if (!memory) return nullptr;
     ::new (memory) ularge(count);
-    toolkit::blockHead(memory)->elements = int(count);
+    toolkit::blockHead(memory)->elements = count < 0x7FFFFFFF ? int(count) : 0x7FFFFFFF;
     T* items = reinterpret_cast<T*>(memory + 8);
+    ZFailGuard guard;
     for (size_t i = 0; i < count; ++i) ::new (items + i) T();
-    if (ORV_UNLIKELY(zresetfail())) {
+    if (ORV_UNLIKELY(zresetfail() || guard.rose())) {
         while (count) items[--count].~T();
         toolkit::freeBlock(memory);
         zrecover();
@@ -83,20 +105,3 @@ template <class T> inline void zreleasearray(T* items) {
     for (size_t i = zarraycount(items); i > 0; --i) items[i - 1].~T();
     toolkit::freeBlock(block);
 }
-
-/// Tells whether what was built on the stack since is whole: failures raised in between, also by inner constructions
-/// that don't show in `zresetfail`, count. An inner recovery that brought the count down hides earlier ones.
-class ZFailGuard {
-public:
-    ZFailGuard() : before(zfailcount()) {}
-    bool rose() const { return zfailcount() > before; }
-    /// Forgets the failures raised since, and only those: what an enclosing construction raised stays.
-    void forget() const {
-        auto& state = toolkit::threadState;
-        if (state.failCount > before) state.failCount = before;
-        if (state.failMark > state.failCount) state.failMark = state.failCount;
-    }
-
-private:
-    int before;
-};

@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <dlfcn.h>
 #include <execinfo.h>
 
 namespace orv {
@@ -59,10 +60,18 @@ void orv_assertw(const char* text1, const char* text2, const char* file, int lin
 }
 
 void logstack(const char* label, const void* p, int depth) {
-    if (!orv::coreState.coreLoaded || !currentSink()) return;
+    if (!toolkit::load(orv::coreState.coreLoaded) || !currentSink()) return;
     zdebug("%s: %p", label, p);
     constexpr int most = 64;
-    void* frames[most];
-    int count = backtrace(frames, depth > 0 && depth < most ? depth : most);
-    for (int i = 0; i < count; ++i) zdebug("  %p", frames[i]);
+    void* frames[most + 1];
+    // The first frame is this function's own.
+    int count = backtrace(frames, 1 + (depth > 0 && depth < most ? depth : most));
+    for (int i = 1; i < count; ++i) {
+        Dl_info place{};
+        dladdr(frames[i], &place);
+        const char* name = place.dli_sname ? place.dli_sname : place.dli_fname ? place.dli_fname : "?";
+        const void* start = place.dli_sname ? place.dli_saddr : place.dli_fbase;
+        large offset = static_cast<char*>(frames[i]) - static_cast<const char*>(start);
+        zdebug("  %p %s + %lld", frames[i], name, offset);
+    }
 }

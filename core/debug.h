@@ -2,8 +2,8 @@
 
 #include "toolkit/types.h"
 
-/// Writes a line to the debug log: nowhere in a release configuration, else to the sink. Arguments follow printf; a
-/// line break at the end is left out.
+/// Writes a line to the debug log: nowhere in a release configuration without a sink. Arguments are those of
+/// text/format.h; a line is cut at 1023 bytes, and a line break at its end is left out.
 ORV_API void zdebug(const char* format, ...) ORV_PRINTF(1, 2);
 /// Replaces the sink of the debug log in any configuration; null goes back to the default (standard error in a
 /// development configuration, nothing in a release). The sink must be safe to call from any thread.
@@ -14,7 +14,8 @@ ORV_API void zsetdebugsink(void (*sink)(const char* line));
 [[noreturn]] ORV_API void orv_assertt(const char* text, const char* file, int line);
 [[noreturn]] ORV_API void orv_assertw(const char* text1, const char* text2, const char* file, int line);
 
-/// Once the library is loaded: writes `label` and the address to the debug log, then a back trace of `depth` frames.
+/// Once the library is loaded: writes `label` and the address to the debug log, then a line for each of the innermost
+/// `depth` callers (64 at most, and for 0): address, function or file, and the bytes into it.
 ORV_API void logstack(const char* label, const void* p, int depth);
 
 #ifndef NDEBUG

@@ -67,19 +67,19 @@ constexpr orv::LoadStep loadSteps[] = {
     {"splash resources", When::Unrestricted, [](Run&) { splash("Loading Resources"); }},
     {"application names", When::Always, [](Run&) { Steps::setProductNames(); }},
     {"application mode", When::Always, [](Run& run) { Steps::publishApplicationMode(*run.core); }},
-    {"loaded mark", When::Always, [](Run&) { orv::coreState.coreLoaded = true; }},
+    {"loaded mark", When::Always, [](Run&) { toolkit::store(orv::coreState.coreLoaded, true); }},
     {"splash launch", When::Always, [](Run&) { splash("Launching Application"); }},
 };
 constexpr int coreSteps = 10;
 
 constexpr orv::LoadStep unloadSteps[] = {
-    {"first closing mark", When::Always, [](Run&) { orv::coreState.notificationsClosed = true; }},
+    {"first closing mark", When::Always, [](Run&) { toolkit::store(orv::coreState.notificationsClosed, true); }},
     {"closeModule", When::Always, closeModule},
     {"discard names", When::Always, [](Run& run) { Steps::clearNames(*run.core); }},
     {"core lock", When::Always, [](Run&) { Steps::destroyCoreLock(); }},
     {"ZLock::close", When::Always, [](Run&) { ZLock::close(); }},
     {"ZUnique::close", When::Always, [](Run&) { ZUnique::close(); }},
-    {"second closing mark", When::Always, [](Run&) { orv::coreState.typesClosed = true; }},
+    {"second closing mark", When::Always, [](Run&) { toolkit::store(orv::coreState.typesClosed, true); }},
     {"ZPointerIndex::close", When::Always, [](Run&) { ZPointerIndex::close(); }},
     {"ZSelector::close", When::Always, [](Run&) { ZSelector::close(); }},
     {"internal strings", When::Always, [](Run&) { orv::strtable::close(); }},

@@ -2,9 +2,9 @@
 
 #include "core/debug.h"
 #include "core/state.h"
+#include "toolkit/system.h"
 
 #include <cstring>
-#include <malloc.h>
 
 void* __zmemdup(const void* p) {
     if (!p) return nullptr;
@@ -45,7 +45,7 @@ void* retainFailed(const void* p) {
 
 void zdfree(void* p) {
     if (!p) return;
-    if (orv::coreState.instances <= 0) {
+    if (toolkit::load(orv::coreState.instances) <= 0) {
         zdebug("Too late to free: %p", p);
         return;
     }
@@ -84,7 +84,9 @@ bool checkMemory(const char* label, const void* p) {
 }
 
 bool checkDefaultHeap(bool flag) {
-    if (flag) malloc_trim(0);
-    struct mallinfo2 info = mallinfo2();
-    return info.uordblks <= info.arena || info.hblkhd > 0;
+    if (flag) {
+        toolkit::emptyThreadCache();
+        toolkit::drain();
+    }
+    return toolkit::checkHeap();
 }

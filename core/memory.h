@@ -63,7 +63,8 @@ ORV_API void markmem(void* p, const char* file, int line);
 ORV_API int memcompare(const void* a, const void* b);
 /// Checks a block's header for damage, and logs `label` if it finds any. True if it is sound or null.
 ORV_API bool checkMemory(const char* label, const void* p);
-/// Runs the allocator's own consistency check where it has one. With `flag`, gives unused memory back first.
+/// Checks what waits to be used again on this thread and in the allocator; false for damage, though damage may also end
+/// the process here. With `flag`, gives unused memory back first.
 ORV_API bool checkDefaultHeap(bool flag);
 
 inline ularge freeMemory() { return toolkit::freeMemory(); }

@@ -13,7 +13,7 @@ struct CoreState {
     bool notificationsClosed = false; ///< first closing mark
     bool typesClosed = false;         ///< second closing mark
 };
-/// Written on the main thread only.
+/// Written on the main thread only and read on any, so by `toolkit::store` and `toolkit::load`.
 extern ORV_API CoreState coreState;
 
 } // namespace orv

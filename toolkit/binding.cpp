@@ -3,9 +3,11 @@
 #include "toolkit/clock.h"
 #include "toolkit/coding.h"
 #include "toolkit/hash.h"
+#include "toolkit/lock.h"
 #include "toolkit/packs.h"
 #include "toolkit/places.h"
 #include "toolkit/system.h"
+#include "toolkit/userstore.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -29,7 +31,14 @@ constexpr SystemServices systemServices{
     .setCrashCallback = [](CrashCallback callback) { setCrashCallback(callback); },
     .crashLog = crashLog,
     .memoryState = memoryState,
+    .systemVersion = systemVersion,
     .drain = drain,
+    .createLock = createLock,
+    .destroyLock = [](TLockId lock) { return destroyLock(lock, true); },
+    .lock = lockAlone,
+    .unlock = unlock,
+    .loadUser = loadUserText,
+    .storeUser = storeUserText,
 };
 constexpr MemoryServices memoryServices{
     .alloc = allocBlock,
@@ -52,6 +61,7 @@ constexpr RootTable table{nullptr,          &moduleServices, &systemServices, &m
 
 ConfigRecord* record = nullptr;
 char layerFolder[pathRoom];
+char* layerClient = nullptr; // a copy, since the client's own text may go first
 const RootTable* root = nullptr;
 
 int startLayer(ConfigRecord*, const RootTable** out, bool) {
@@ -133,10 +143,11 @@ int bind(const char* clientName, bool option) {
     if (!layerPaths(path, mainFile, systemFile, layerFolder)) return startFailed;
     auto config = static_cast<ConfigRecord*>(allocZeroedBlock(sizeof(ConfigRecord)));
     LibraryEntry first = entryOf("wbnGetMainLibrary"), second = entryOf("wbnGetSystemLibrary");
+    setText(layerClient, clientName);
     int status = startFailed;
-    if (config && first && second) {
+    if (config && first && second && (layerClient || !clientName)) {
         config->path = layerFolder;
-        config->clientName = clientName;
+        config->clientName = layerClient;
         config->numbers[0] = 0x40000;
         config->numbers[1] = 0x20000;
         config->numbers[2] = 90;
@@ -148,6 +159,7 @@ int bind(const char* clientName, bool option) {
     }
     if (status == startFailed) {
         freeBlock(config);
+        setText(layerClient, nullptr);
         root = nullptr;
         return status;
     }
@@ -159,6 +171,7 @@ void unbind() {
     if (!record) return;
     record->stop();
     freeBlock(record);
+    setText(layerClient, nullptr);
     record = nullptr;
     root = nullptr;
 }

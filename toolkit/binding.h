@@ -38,7 +38,14 @@ struct SystemServices {
     void (*setCrashCallback)(void (*callback)(int signal));
     void (*crashLog)(const char* text);
     void (*memoryState)(const char* label);
+    void (*systemVersion)(char* out, size_t room);
     void (*drain)();
+    TLockId (*createLock)(bool spinning, bool recursive);
+    bool (*destroyLock)(TLockId lock);
+    bool (*lock)(TLockId lock);
+    bool (*unlock)(TLockId lock);
+    char* (*loadUser)(const char* name, size_t& length);
+    bool (*storeUser)(const char* name, const char* text, size_t length);
 };
 struct MemoryServices {
     void* (*alloc)(size_t size);

@@ -11,9 +11,9 @@ static int slots[configSlots];
 
 Environment* environment() { return load(current); }
 
-int getConfig(int slot) { return current && slot >= 0 && slot < configSlots ? load(slots[slot]) : 0; }
+int getConfig(int slot) { return environment() && slot >= 0 && slot < configSlots ? load(slots[slot]) : 0; }
 void setConfig(int slot, int value) {
-    if (current && slot >= 0 && slot < configSlots) store(slots[slot], value);
+    if (environment() && slot >= 0 && slot < configSlots) store(slots[slot], value);
 }
 
 void setText(char*& text, const char* value) {

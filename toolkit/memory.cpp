@@ -2,9 +2,11 @@
 
 #include "toolkit/thread.h"
 
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <malloc.h>
+#include <pthread.h>
 #include <sys/sysinfo.h>
 
 namespace toolkit {
@@ -31,9 +33,16 @@ constexpr bool caching = true;
 namespace {
 constexpr size_t cachedSize = 256; // largest payload that is kept
 constexpr int cachedClasses = cachedSize / 16 + 1, cachedBlocks = 64;
+/// What is left of the head of a block that waits. The count is far below 0: nobody gets hold of the block by `retain`,
+/// and freeing it once more shows.
 struct Waiting {
+    uint32_t sizeLow;
+    int count;
     Waiting* next;
 };
+static_assert(sizeof(Waiting) == sizeof(BlockHead) && offsetof(Waiting, count) == offsetof(BlockHead, count));
+constexpr int freedCount = INT32_MIN / 2;
+
 struct BlockCache {
     Waiting* first[cachedClasses];
     int count[cachedClasses];
@@ -51,20 +60,21 @@ void emptyCache() {
         cache.count[i] = 0;
     }
 }
-struct CacheEnd {
-    bool used = false;
-    ~CacheEnd() {
-        cache.closed = true;
-        cache.registered = false;
-        emptyCache();
-    }
-};
-thread_local CacheEnd cacheEnd;
-
+/// Sees to it that the running thread empties its cache when it ends. A key and no destructor of a thread-local object:
+/// that one would end the process when there is no memory to note it.
 [[gnu::noinline]] bool registerCache() {
+    static pthread_once_t once = PTHREAD_ONCE_INIT;
+    static pthread_key_t key;
+    static bool made = false;
     if (cache.closed) return false;
-    cacheEnd.used = cache.registered = true;
-    return true;
+    pthread_once(&once, [] {
+        made = pthread_key_create(&key, [](void*) {
+                   cache.closed = true;
+                   cache.registered = false;
+                   emptyCache();
+               }) == 0;
+    });
+    return cache.registered = made && pthread_setspecific(key, &cache) == 0;
 }
 } // namespace
 
@@ -91,6 +101,7 @@ static inline void giveBack(BlockHead* head, size_t size) {
         size_t index = (size + 15) / 16;
         if (cache.count[index] < cachedBlocks && (cache.registered || registerCache())) {
             auto block = reinterpret_cast<Waiting*>(head);
+            store(head->count, freedCount);
             block->next = cache.first[index];
             cache.first[index] = block;
             ++cache.count[index];
@@ -101,6 +112,22 @@ static inline void giveBack(BlockHead* head, size_t size) {
 }
 
 void emptyThreadCache() { emptyCache(); }
+
+bool checkHeap() {
+    for (int i = 0; i < cachedClasses; ++i) {
+        int count = 0;
+        for (Waiting* block = cache.first[i]; block; block = block->next, ++count) {
+            bool aligned = reinterpret_cast<uintptr_t>(block) % 16 == 0;
+            if (count == cachedBlocks || !aligned || load(block->count) >= freedCount / 2 ||
+                (block->sizeLow + 15) / 16 != uint32_t(i))
+                return false;
+        }
+        if (count != cache.count[i]) return false;
+    }
+    // What malloc takes to be in use is its memory less the free blocks it finds on a walk.
+    struct mallinfo2 info = mallinfo2();
+    return info.uordblks <= info.arena;
+}
 
 static inline void* finish(void* raw, size_t size) {
     auto head = static_cast<BlockHead*>(raw);
@@ -147,39 +174,54 @@ void* allocZeroedBlock(size_t size) {
     return payload;
 }
 
+static inline void setSize(BlockHead* head, size_t size) {
+    head->sizeLow = uint32_t(size);
+    head->state = (head->state & blockLockMask) | uint32_t(size >> 32) << 24;
+}
+
+/// While hooks watch, the block always moves: whoever keeps the old address is found out.
+[[gnu::noinline, gnu::cold]] static void* reallocWatched(void* payload, size_t size) {
+    void* moved = allocWatched(size, false);
+    if (!moved) return nullptr;
+    BlockHead *from = blockHead(payload), *to = blockHead(moved);
+    size_t had = blockSize(payload);
+    std::memcpy(moved, payload, had < size ? had : size);
+    to->count = from->count;
+    to->elements = from->elements;
+    to->state = from->state;
+    setSize(to, size);
+    if (const AllocHooks* watch = allocHooks()) watch->gone(payload);
+    std::free(from);
+    return moved;
+}
+
 void* reallocBlock(void* payload, size_t size) {
     if (!payload) return allocBlock(size);
     if (size > blockLimit) return nullptr;
-    const AllocHooks* watch = allocHooks();
-    if (watch && !watch->allow(size)) return nullptr;
-    BlockHead* head = blockHead(payload);
-    auto moved = static_cast<BlockHead*>(std::realloc(head, rounded(size)));
+    if (ORV_UNLIKELY(allocHooks() != nullptr)) return reallocWatched(payload, size);
+    auto moved = static_cast<BlockHead*>(std::realloc(blockHead(payload), rounded(size)));
     if (!moved) return nullptr;
-    moved->sizeLow = uint32_t(size);
-    moved->state = (moved->state & blockLockMask) | uint32_t(size >> 32) << 24;
-    if (watch) {
-        watch->gone(payload);
-        watch->made(moved + 1, size, threadState.typeLabel);
-    }
+    setSize(moved, size);
     return moved + 1;
 }
 
 void* growBlock(void* payload, size_t size) {
-    if (!payload || allocHooks() || size > blockLimit) return reallocBlock(payload, size);
+    // A block that shrinks isn't kept: it would wait among blocks of its size with all its room.
+    if (!payload || allocHooks() || size > blockLimit || size < blockSize(payload)) return reallocBlock(payload, size);
     BlockHead* head = blockHead(payload);
     if (malloc_usable_size(head) < rounded(size)) {
         void* moved = std::realloc(head, rounded(size + size / 4 + 16));
         if (!moved) return reallocBlock(payload, size);
         head = static_cast<BlockHead*>(moved);
     }
-    head->sizeLow = uint32_t(size);
-    head->state = (head->state & blockLockMask) | uint32_t(size >> 32) << 24;
+    setSize(head, size);
     return head + 1;
 }
 
 void freeBlock(void* payload) {
     if (!payload) return;
     BlockHead* head = blockHead(payload);
+    if (ORV_UNLIKELY(load(head->count) < freedCount / 2)) __builtin_trap();
     if (uint32_t lock = load(head->state) & blockLockMask; ORV_UNLIKELY(lock != 0)) freeBlockLock(lock);
     if (const AllocHooks* watch = load(hooks); ORV_UNLIKELY(watch != nullptr)) watch->gone(payload);
     size_t size = blockSize(payload);

@@ -37,13 +37,17 @@ ORV_API void* reallocBlock(void* payload, size_t size);
 /// The same for a block that is likely to grow on: memory is taken ahead where that is needed, so that many small steps
 /// don't move the block each time. The block is of exactly `size` bytes all the same.
 ORV_API void* growBlock(void* payload, size_t size);
-/// Frees a block whatever its count, and its own lock. Null is fine.
+/// Frees a block whatever its count, and its own lock. Null is fine. A small block that is freed once more before it is
+/// used again ends the process.
 ORV_API void freeBlock(void* payload);
 
 /// In a development configuration: overwrites freed blocks with 0xDD, so that late readers notice. Off at first.
 ORV_API void setMemoryDebug(bool on);
 /// Frees the small blocks that wait for the running thread's next allocations.
 ORV_API void emptyThreadCache();
+/// Whether the small blocks that wait on this thread, and the allocator's lists of free memory, are as they should be.
+/// A programmer's aid: damage may also end the process here.
+ORV_API bool checkHeap();
 
 /// Called around every allocation while set; for tests and leak reports. None of them may allocate blocks.
 struct AllocHooks {

@@ -72,7 +72,7 @@ void unloadPack(void* handle) {
 const void* packServices(void* handle) {
     Guard guard;
     Slot* slot = ofHandle(handle);
-    return slot ? slot->pack->services : nullptr;
+    return slot && slot->loads > 0 ? slot->pack->services : nullptr;
 }
 
 int packLoads(const char* name) {

@@ -2,7 +2,8 @@
 
 #include "toolkit/types.h"
 
-/// Packs: groups of services that are loaded and unloaded by name, such as "pack/datapack".
+/// Packs: groups of services that are loaded and unloaded by name, such as "pack/datapack". Loading and unloading
+/// belong to the main thread, since a pack may take its time to open; the rest is safe from any thread.
 namespace toolkit {
 
 /// A pack that can be loaded. `open` may refuse; `close` undoes it.
@@ -25,7 +26,7 @@ struct DataPackServices {
 ORV_API void* loadPack(const char* name);
 /// Gives up one load; with the last the pack closes. Null and unknown handles do nothing.
 ORV_API void unloadPack(void* handle);
-/// The table of a loaded pack; null for null.
+/// The table of a loaded pack; null for null and for a pack that isn't loaded.
 ORV_API const void* packServices(void* handle);
 /// How often a pack is loaded now; 0 for a name that isn't there.
 ORV_API int packLoads(const char* name);

@@ -55,7 +55,7 @@ const PluginEntry* pluginEntries(const char* kind) {
 }
 
 bool registerPlugin(const char* kind, const char* name, const void* provider, const void* owner) {
-    if (!kind || !name) return false;
+    if (!kind || !name || !*name) return false;
     Kind* newKind = withText<Kind>(kind, offsetof(Kind, name));
     auto entry = withText<PluginEntry>(name, sizeof(PluginEntry));
     bool added = false;

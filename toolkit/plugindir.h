@@ -16,7 +16,8 @@ struct PluginEntry {
 /// The first entry of a kind; null for one that isn't known. Entries stay valid until their owner removes them: a
 /// walk and a removal by another thread have to be kept apart by the callers.
 ORV_API const PluginEntry* pluginEntries(const char* kind);
-/// Adds a provider; texts are copied. False if there is no memory or the kind holds that name already.
+/// Adds a provider; texts are copied. False if there is no memory, for an empty name, and if the
+/// kind holds that name already.
 ORV_API bool registerPlugin(const char* kind, const char* name, const void* provider, const void* owner);
 /// Removes all that an owner has registered.
 ORV_API void removePlugins(const void* owner);

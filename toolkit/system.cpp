@@ -151,27 +151,34 @@ long liveBlocks() {
     return long(leaks.live);
 }
 
-void reportLeaks(void (*line)(void*, const char*, long), void* context) {
-    // A quadratic walk: what is left over is little, or the report is of no use.
-    LeakGuard guard;
-    for (size_t i = 0; i < leaks.capacity; ++i) {
-        Noted& row = leaks.rows[i];
-        if (!row.block || row.block == grave || row.size == size_t(-1)) continue;
-        char bySize[48];
-        std::snprintf(bySize, sizeof bySize, "block of %zu bytes", row.size);
-        size_t size = row.size;
-        long count = 0;
-        for (size_t j = i; j < leaks.capacity; ++j) {
-            Noted& other = leaks.rows[j];
-            if (!other.block || other.block == grave || other.size == size_t(-1)) continue;
-            if (row.type ? other.type == row.type : !other.type && other.size == size) {
-                ++count;
-                if (j != i) other.size = size_t(-1);
-            }
-        }
-        row.size = size_t(-1);
-        line(context, row.type ? row.type : bySize, count);
+/// Blocks of a type together, then those without one by size.
+static int orderNoted(const void* a, const void* b) {
+    auto first = static_cast<const Noted*>(a), second = static_cast<const Noted*>(b);
+    if (first->type != second->type) {
+        if (!first->type || !second->type) return first->type ? -1 : 1;
+        int order = std::strcmp(first->type, second->type);
+        return order ? order : first->type < second->type ? -1 : 1;
     }
+    return first->type ? 0 : (first->size > second->size) - (first->size < second->size);
+}
+
+void reportLeaks(void (*line)(void*, const char*, long), void* context) {
+    Noted* rows;
+    size_t count = 0;
+    {
+        LeakGuard guard;
+        rows = static_cast<Noted*>(std::calloc(leaks.live + 1, sizeof(Noted)));
+        for (size_t i = 0; rows && i < leaks.capacity; ++i)
+            if (leaks.rows[i].block && leaks.rows[i].block != grave) rows[count++] = leaks.rows[i];
+    }
+    if (count) std::qsort(rows, count, sizeof(Noted), orderNoted);
+    for (size_t from = 0, to = 0; from < count; from = to) {
+        while (to < count && orderNoted(&rows[from], &rows[to]) == 0) ++to;
+        char bySize[48];
+        std::snprintf(bySize, sizeof bySize, "block of %zu bytes", rows[from].size);
+        line(context, rows[from].type ? rows[from].type : bySize, long(to - from));
+    }
+    std::free(rows);
 }
 
 void logMemory(bool on) {

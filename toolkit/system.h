@@ -15,7 +15,7 @@ ORV_API void crashLog(const char* text);
 /// Names whoever works with the process, for crash reports. Texts are copied up to 127 bytes.
 ORV_API void userInformation(const char* user, const char* information);
 
-/// Writes used, free and peak memory to the debug log under a label.
+/// Writes used, free and peak memory to standard error under a label.
 ORV_API void memoryState(const char* label);
 /// Gives memory that isn't used back to the system.
 ORV_API void drain();
@@ -28,9 +28,10 @@ ORV_API ularge peakMemory();
 ORV_API void trackLeaks(bool on);
 /// Blocks made since tracking was switched on and still there; -1 while it is off.
 ORV_API long liveBlocks();
-/// Calls `line` for each type (or size) with blocks still there, with their number.
+/// Calls `line` for each type with blocks still there, by name, then for each size of those without a type, with their
+/// number; the blocks are those at the time of the call. No calls when there is no memory for the report.
 ORV_API void reportLeaks(void (*line)(void* context, const char* type, long count), void* context);
-/// Switches a line in the debug log for every allocation.
+/// Switches a line on standard error for each block made or freed while leaks are tracked.
 ORV_API void logMemory(bool on);
 
 /// System, release and machine, such as "Linux 6.1.0 x86_64", in at most `room` bytes with the terminator.

@@ -16,6 +16,7 @@ struct ThreadState {
 
     int failCount = 0;                ///< failures since the last recovery
     int failMark = 0;                 ///< failures acknowledged
+    unsigned recoveries = 0;          ///< how often the two were set back to 0
     int observer = -1;                ///< belongs to whoever observes locks; -1 until it is set
     int heldReads = 0;                ///< entries of `held` in use, then of `moreHeld`, oldest first
     HeldRead held[heldReadRoom] = {}; ///< read locks held now

@@ -4,6 +4,7 @@
 #include "tests/support/Tracked.h"
 
 #include <algorithm>
+#include <cmath>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -71,8 +72,10 @@ TYPED_TEST(ArrayOf, AgreesWithVector) {
             model.erase(model.begin() + place, model.begin() + std::min<size_t>(place + n, model.size()));
             break;
         case 6:
+            if (at % 2) array = std::move(copy), model = std::exchange(copyModel, {});
             copy = array;
             copyModel = model;
+            EXPECT_EQ(copy.refcount(), copy.data() ? 2 : 0);
             break;
         case 7:
             if (at < model.size()) {
@@ -239,6 +242,17 @@ TEST(Array, SearchAmongEqualItems) {
     EXPECT_LT(make<int>({1, 2}).compare(make<int>({1, 3})), 0);
     EXPECT_GT(make<int>({1, 2, 0}).compare(make<int>({1, 2})), 0);
     EXPECT_EQ(make<Tracked>({1, 2}), make<Tracked>({1, 2}));
+}
+
+TEST(Array, NotANumberHasItsPlace) {
+    const real none = std::nan("");
+    ZArrayT<real> numbers;
+    for (real value : {2.0, none, -1.0, -none, 0.5}) ASSERT_TRUE(numbers.append(value));
+    ASSERT_TRUE(numbers.sort());
+    const real* at = numbers.data();
+    EXPECT_TRUE(at[0] == -1.0 && at[1] == 0.5 && at[2] == 2.0 && at[3] != at[3] && at[4] != at[4]);
+    EXPECT_EQ(numbers.findFirst(none), 3);
+    EXPECT_EQ(zhashkey(none), zhashkey(-none));
 }
 
 TEST(Array, SortIsStable) {

@@ -2,6 +2,7 @@
 
 #include "core/ZCacheValueT.h"
 #include "tests/support/AllocProbe.h"
+#include "tests/support/SelectorScope.h"
 #include "tests/support/Tracked.h"
 
 #include <algorithm>
@@ -165,6 +166,13 @@ TEST(Cache, Limits) {
     EXPECT_FALSE(cache.set(1, Item(1)));
     ASSERT_TRUE(fill(cache, {1}));
     EXPECT_FALSE(cache.set(1, Item(2)));
+    EXPECT_EQ(cache.maxCost(), 10u);
+    SelectorScope scope;
+    ASSERT_TRUE(cache.init("section", "key"));
+    EXPECT_EQ(cache.count(), 0u);
+    EXPECT_EQ(cache.maxItems(), Cache::defaultItems);
+    EXPECT_EQ(cache.maxCost(), Cache::defaultCost);
+    EXPECT_TRUE(Cache("name").isEmpty());
 }
 
 TEST(Cache, OrdersAndListsItems) {

@@ -95,6 +95,40 @@ TEST(Memory, FailureMarkAndCount) {
     zrecover();
 }
 
+namespace {
+/// Fails on the way; what follows hides that from the failure mark.
+struct FailsEarly {
+    FailsEarly(bool recovered) {
+        if (recovered) {
+            Part::failAt = built + 1;
+            EXPECT_EQ(zmake<Part>(), nullptr);
+            Part::failAt = 0;
+        }
+        ZError::fail();
+        zrelease(zmake<Part>());
+    }
+};
+} // namespace
+
+TEST(Memory, FailureIsSeenBehindInnerConstructionsAndRecoveries) {
+    zrecover();
+    for (bool recovered : {false, true})
+        for (int pending : {0, 2}) {
+            for (int i = 0; i < pending; ++i) ZError::fail();
+            EXPECT_EQ(zmake<FailsEarly>(recovered), nullptr) << recovered << pending;
+            EXPECT_EQ(zfailcount(), 0);
+            for (int i = 0; i < pending; ++i) ZError::fail();
+            ZFailGuard guard;
+            EXPECT_FALSE(guard.rose());
+            FailsEarly local(recovered);
+            EXPECT_TRUE(guard.rose()) << recovered << pending;
+            guard.forget();
+            EXPECT_FALSE(guard.rose());
+            EXPECT_EQ(zfailcount(), recovered ? 0 : pending);
+            zrecover();
+        }
+}
+
 TEST(Memory, FailedAllocationLeavesThePendingFailureAlone) {
     AllocProbe probe;
     ZError::fail();
@@ -169,6 +203,23 @@ TEST(Memory, CompareDuplicateAndFill) {
     zeromem(a);
     EXPECT_EQ(a[0], 0);
     for (void* p : {static_cast<void*>(a), static_cast<void*>(b), c}) zfree(p);
+}
+
+TEST(Memory, StackTraceHasTheCallersAskedFor) {
+    static std::vector<std::string> lines;
+    lines.clear();
+    zsetdebugsink([](const char* line) { lines.push_back(line); });
+    bool before = std::exchange(orv::coreState.coreLoaded, false);
+    logstack("early", &lines, 3);
+    EXPECT_TRUE(lines.empty());
+    orv::coreState.coreLoaded = true;
+    logstack("late", nullptr, 3);
+    orv::coreState.coreLoaded = before;
+    zsetdebugsink(nullptr);
+    ASSERT_EQ(lines.size(), 4u);
+    EXPECT_EQ(lines[0].rfind("late: ", 0), 0u) << lines[0];
+    EXPECT_NE(lines[1].find(" + "), std::string::npos) << lines[1];
+    EXPECT_EQ(lines[1].find("logstack"), std::string::npos) << lines[1];
 }
 
 TEST(HashSize, BitsAndScales) {

@@ -1,11 +1,14 @@
 #include "toolkit/memory.h"
 
+#include "tests/support/AllocProbe.h"
 #include "toolkit/hash.h"
+#include "toolkit/lock.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
 #include <set>
 #include <string>
+#include <utility>
 
 TEST(Block, HeaderStandsInFrontOfAnAlignedPayload) {
     for (size_t size : {size_t(0), size_t(1), size_t(64), size_t(200000)}) {
@@ -35,6 +38,48 @@ TEST(Block, ReallocKeepsContentsAndRefusesWhatCantBe) {
     EXPECT_EQ(toolkit::allocZeroedBlock(size_t(-9)), nullptr);
     toolkit::freeBlock(q);
 }
+
+TEST(Block, WatchedReallocMovesAllThatBelongsToTheBlock) {
+    auto p = static_cast<char*>(toolkit::allocBlock(20));
+    std::memcpy(p, "text", 5);
+    toolkit::blockHead(p)->elements = 7;
+    toolkit::blockHead(p)->count = 2;
+    ASSERT_TRUE(toolkit::makeBlockLock(p, false, false));
+    AllocProbe probe;
+    auto q = static_cast<char*>(toolkit::reallocBlock(p, 5000));
+    ASSERT_TRUE(q && q != p);
+    EXPECT_STREQ(q, "text");
+    EXPECT_EQ(toolkit::blockSize(q), 5000u);
+    EXPECT_EQ(toolkit::blockHead(q)->elements, 7);
+    EXPECT_EQ(toolkit::blockHead(q)->count, 2);
+    EXPECT_NE(toolkit::blockLock(q), 0u);
+    EXPECT_EQ(probe.live(), 1);
+    probe.failAt(1);
+    EXPECT_EQ(toolkit::reallocBlock(q, 8), nullptr);
+    EXPECT_STREQ(q, "text");
+    toolkit::freeBlock(q);
+    EXPECT_EQ(probe.live(), 0);
+}
+
+// Under a sanitizer no block waits, and the sanitizer finds these itself.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+TEST(Block, DamageAmongWaitingBlocksShows) {
+    toolkit::emptyThreadCache();
+    void* p = toolkit::allocBlock(48);
+    toolkit::freeBlock(p);
+    EXPECT_DEATH(toolkit::freeBlock(p), "");
+    EXPECT_TRUE(toolkit::checkHeap());
+    toolkit::BlockHead* head = toolkit::blockHead(p);
+    int count = std::exchange(head->count, 1);
+    EXPECT_FALSE(toolkit::checkHeap());
+    head->count = count;
+    uint32_t size = std::exchange(head->sizeLow, 480u);
+    EXPECT_FALSE(toolkit::checkHeap());
+    head->sizeLow = size;
+    EXPECT_TRUE(toolkit::checkHeap());
+    toolkit::emptyThreadCache();
+}
+#endif
 
 TEST(Hash, EveryByteAndTheLengthCount) {
     std::string text(70, 'x');
