@@ -49,19 +49,25 @@ bool PackMap::detach() {
 
 uint PackMap::create() { return detach() ? pack->create() : 0; }
 
-uint PackMap::addCopy(const void* source, bool useUserCopy) {
-    uint id = create();
+uint PackMap::add(const void* entry, bool useUserCopy) {
+    const uint id = create();
     if (!id) return 0;
     void* to = pack->entry(id);
     if (!useUserCopy)
-        std::memcpy(to, source, pack->entrySize());
-    else if (!copyEntry(to, source)) {
+        std::memcpy(to, entry, pack->entrySize());
+    else if (!copyEntry(to, entry)) {
         forget(id);
         return 0;
     }
-    return id;
+    if (link(id)) return id;
+    if (useUserCopy)
+        remove(id);
+    else // the contents are still the caller's
+        forget(id);
+    return 0;
 }
 
+/// Frees an id without destroying its contents.
 void PackMap::forget(uint id) {
     if (pack->retire(id)) pack->recycle(id);
 }
@@ -99,9 +105,26 @@ uint PackMap::findIn(uint tree, const void* key) const {
 }
 
 bool PackMap::linkIn(uint tree, uint id) {
-    if (!valid(id) || tree >= pack->trees() || !detach()) return false;
+    const void* contents = pack->entry(id);
+    if ((pack->flags(tree) & uniqueKeys) && findIn(tree, contents)) return false;
     Order order{this, tree};
-    return pack->link(tree, id, hashOf(tree, pack->entry(id), pack->buckets(tree)), comparator(order));
+    return pack->link(tree, id, hashOf(tree, contents, pack->buckets(tree)), comparator(order));
+}
+
+bool PackMap::link(uint id) {
+    if (!valid(id) || !detach()) return false;
+    for (uint tree = 0; tree < pack->trees(); ++tree) {
+        if (pack->linked(tree, id) || linkIn(tree, id)) continue;
+        while (tree > 0) pack->unlink(--tree, id);
+        return false;
+    }
+    return true;
+}
+
+bool PackMap::unlink(uint id) {
+    if (!valid(id) || !detach()) return false;
+    for (uint tree = 0; tree < pack->trees(); ++tree) pack->unlink(tree, id);
+    return true;
 }
 
 uint PackMap::maxDepth() const {

@@ -29,6 +29,13 @@ public:
     uint lastId() const { return pack ? pack->lastId() : 0; }
     /// A new zeroed entry that isn't linked; 0 when there is no memory.
     uint create();
+    /// Adds a copy of `entry`, made bytewise or by the user, and links it. 0 on failure.
+    uint add(const void* entry, bool useUserCopy);
+    /// Makes an entry found by its keys, to the left of equal ones; by all of them, or, on failure, by none. It may be
+    /// linked already.
+    bool link(uint id);
+    /// The entry stays, but isn't found any more. False if there is no such entry.
+    bool unlink(uint id);
     /// Unlinks an entry, destroys its contents and frees its id, which is the next one given out. False if there is
     /// none.
     bool remove(uint id);
@@ -73,15 +80,14 @@ protected:
     /// Gives the store up; the destructors of the derived classes begin with it.
     void drop();
     uint findIn(uint tree, const void* key) const;
-    bool linkIn(uint tree, uint id);
-    /// A new entry with the contents of `source`, not linked.
-    uint addCopy(const void* source, bool useUserCopy);
-    /// Frees an id without destroying its contents.
-    void forget(uint id);
+    /// Flag of a tree: an entry whose key is there already can't be linked.
+    static constexpr uint uniqueKeys = 1;
 
     toolkit::DataPack* pack = nullptr;
 
 private:
+    bool linkIn(uint tree, uint id);
+    void forget(uint id);
     static bool copyCall(const void* context, void* to, const void* from);
     static void destructCall(const void* context, void* contents);
     static void release(toolkit::DataPack* store, const PackMap* by);

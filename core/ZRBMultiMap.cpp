@@ -50,34 +50,6 @@ void ZRBMultiMap::setUser(MapUser* user) {
     if (user) user->assign(this);
 }
 
-uint ZRBMultiMap::add(const void* entry, bool useUserCopy) {
-    uint id = addCopy(entry, useUserCopy);
-    if (!id || link(id)) return id;
-    if (useUserCopy)
-        remove(id);
-    else // the contents are still the caller's
-        forget(id);
-    return 0;
-}
-
-bool ZRBMultiMap::link(uint id) {
-    if (!valid(id) || !detach()) return false;
-    for (uint i = 0; i < maps(); ++i) {
-        if (pack->linked(i, id)) continue;
-        bool refused = (pack->flags(i) & UniqueKeys) && find(i, pack->entry(id));
-        if (!refused && linkIn(i, id)) continue;
-        while (i > 0) pack->unlink(--i, id);
-        return false;
-    }
-    return true;
-}
-
-bool ZRBMultiMap::unlink(uint id) {
-    if (!valid(id) || !detach()) return false;
-    for (uint i = 0; i < maps(); ++i) pack->unlink(i, id);
-    return true;
-}
-
 toolkit::PackCompare ZRBMultiMap::comparator(const Order& order) const {
     return {[](const void* context, const void* a, const void* b) {
                 auto within = static_cast<const Order*>(context);

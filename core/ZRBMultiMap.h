@@ -23,7 +23,7 @@ public:
     };
     /// Flags of one map.
     enum MapFlags : uint {
-        UniqueKeys = 1, ///< an entry whose key is there already can't be linked
+        UniqueKeys = uniqueKeys, ///< an entry whose key is there already can't be linked
     };
 
     ZRBMultiMap() = default;
@@ -46,12 +46,6 @@ public:
 
     /// The id of an entry that compares equal in map `mapIndex`; 0 if there is none.
     uint find(uint mapIndex, const void* key) const { return findIn(mapIndex, key); }
-    /// Adds a copy of `entry` to all maps, or to none: 0 on failure.
-    uint add(const void* entry, bool useUserCopy);
-    /// Makes an entry found in all maps, or in none that it wasn't found in before.
-    bool link(uint id);
-    /// The entry stays, but isn't found any more. False if there is no such entry.
-    bool unlink(uint id);
     uint depth(uint mapIndex, uint bucket) const { return pack ? pack->depth(mapIndex, bucket) : 0; }
 
 private:

@@ -42,22 +42,6 @@ void ZRedBlackMap::setUser(MapUser* user) {
     if (user) user->assign(this);
 }
 
-uint ZRedBlackMap::add(const void* entry, bool useUserCopy) {
-    uint id = addCopy(entry, useUserCopy);
-    if (!id || link(id)) return id;
-    if (useUserCopy)
-        remove(id);
-    else // the contents are still the caller's
-        forget(id);
-    return 0;
-}
-
-bool ZRedBlackMap::unlink(uint id) {
-    if (!valid(id) || !detach()) return false;
-    pack->unlink(0, id);
-    return true;
-}
-
 toolkit::PackCompare ZRedBlackMap::comparator(const Order& order) const {
     return {[](const void* context, const void* a, const void* b) {
                 auto map = static_cast<const ZRedBlackMap*>(static_cast<const Order*>(context)->map);

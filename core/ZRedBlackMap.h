@@ -49,12 +49,6 @@ public:
 
     /// The id of an entry that compares equal; 0 if there is none.
     uint find(const void* key) const { return findIn(0, key); }
-    /// Adds a copy of `entry`, made bytewise or by the user, and links it, to the left of equal ones. 0 on failure.
-    uint add(const void* entry, bool useUserCopy);
-    /// Makes an entry found by its key. It may be linked already.
-    bool link(uint id) { return linkIn(0, id); }
-    /// The entry stays, but isn't found any more. False if there is no such entry.
-    bool unlink(uint id);
     /// Levels of the tree in one bucket.
     uint depth(uint bucket) const { return pack ? pack->depth(0, bucket) : 0; }
 
