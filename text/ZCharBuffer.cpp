@@ -139,7 +139,10 @@ bool ZCharBuffer::add(int code) {
 }
 bool ZCharBuffer::add(const char* text, int n) {
     n = orv::detail::givenLength(text, n);
-    if (n == 0) return true;
+    if (n == 0) {
+        if (pos) *pos = 0;
+        return true;
+    }
     if (n > size - dpos()) {
         Held held(buffer);
         if (!room(n)) return false;
@@ -155,7 +158,7 @@ bool ZCharBuffer::add(const ZString& text) {
         if constexpr (sizeof(*units) == 1) return add(units, count);
         size_t need = orv::detail::transcode(static_cast<char*>(nullptr), 0, units, size_t(count));
         if (need > size_t(sizeLimit) || !room(int(need))) return false;
-        if (need == 0) return true;
+        if (need == 0) return add("", 0);
         orv::detail::transcode(pos, need, units, size_t(count));
         pos += need;
         *pos = 0;
@@ -269,6 +272,16 @@ bool ZCharBuffer::addWithQuote(const ZString& text) { return addEach(text, Write
 bool ZCharBuffer::addCSVString(const ZString& text) { return addEach(text, Writer(&ZCharBuffer::addCSVString)); }
 bool ZCharBuffer::addSpecial(const ZString& text) { return addEach(text, Writer(&ZCharBuffer::addSpecial)); }
 
+/// The next such mark in a text with escapes. A backslash that escapes another mark is none itself.
+static const char* findMark(const char* from, const char* end, char mark) {
+    while (from < end && (from = static_cast<const char*>(std::memchr(from, mark, size_t(end - from))))) {
+        if (mark != '\\') return from;
+        if (end - from > 1 && from[1] == '\\') return from + 1;
+        ++from;
+    }
+    return nullptr;
+}
+
 ZString ZCharBuffer::escapeStringRessource(const ZString& text, const ZString& reference) {
     orv::detail::TextIn<char> from(text.view()), like(reference.view());
     ZCharBuffer out(from.length);
@@ -280,7 +293,7 @@ ZString ZCharBuffer::escapeStringRessource(const ZString& text, const ZString& r
         bool mark = c && std::strchr("\"#$%&():;<=>?[\\]^{}", c);
         if (c == '%' && i + 1 < from.length && from.text[i + 1] >= '1' && from.text[i + 1] <= '9') mark = false;
         if (mark && search < last && !missing[byte(c)]) {
-            auto found = static_cast<const char*>(std::memchr(search, c, size_t(last - search)));
+            const char* found = findMark(search, last, c);
             missing[byte(c)] = !found;
             if (found) {
                 search = found + 1;

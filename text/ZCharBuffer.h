@@ -93,8 +93,9 @@ public:
     /// Letters, digits, "*", "-", "." and "_" as they are, every other byte as "%" and two hexadecimal digits.
     bool addSpecial(const char* text, int n = -1);
     bool addSpecial(const ZString& text);
-    /// The text with its marks escaped as in `reference`: each of "#$%&():;<=>?[\]^{} and the quote is looked for
-    /// there, from behind the one found last, and gets a backslash where it has one. "%1" to "%9" are no marks.
+    /// The text with its marks escaped as in `reference`: each of #$%&():;<=>?[\]^{} and the double quote is
+    /// looked for there, from behind the one found last, and gets a backslash where it has one. "%1" to "%9" are no
+    /// marks. Without memory, `ZError::fail` and an empty text.
     static ZString escapeStringRessource(const ZString& text, const ZString& reference);
 
     // Reading bytes: -1 at the end
@@ -120,9 +121,10 @@ public:
     ZSelector token();
     /// A run of letters, or a single other character. Blanks in front are passed.
     ZSelector pureName();
-    /// The next field, up to the code, which is passed. A field that begins with a quote, single or double, or with the
-    /// code, ends at the next one of these; behind a closing quote the code is passed too. Blanks in front are passed;
-    /// others don't end a field.
+    /// The next field, up to the code, which is passed. Blanks in front are passed; all others belong to the field. One
+    /// that begins with a quote, single or double, or with the code, goes from there to the next byte like it, and the
+    /// code behind a closing quote is passed too; so there are no empty fields but quoted ones. Without an end, the
+    /// rest.
     ZString separateString(uint code);
     ZSelector separateSelector(uint code);
     /// The text up to the first byte equal to `a` or `b`, which is passed; `second` tells whether it was `b`.

@@ -299,10 +299,10 @@ template <class C> int numeral(C* out, int size, uint value, int kind) {
     }
 }
 
-template <class C> int strradix(const C* text, int length, int* radix, bool sign, bool* negative) {
+int strradix(const char* text, int length, int* radix, bool sign, bool* negative) {
     bool minus = false;
     int base = radix ? *radix : 10;
-    const C* at = text ? radixPrefix(text, textend(text, length), base, sign, minus) : text;
+    const char* at = text ? radixPrefix(text, textend(text, length), base, sign, minus) : text;
     if (radix) *radix = base;
     if (negative) *negative = minus;
     return int(at - text);
@@ -341,7 +341,6 @@ template <class C> const C* scanReal(const C* text, const C* end, float& out, ic
     template ORV_API int alphaNumeral(C*, int, uint, bool);                                                            \
     template ORV_API int letterNumeral(C*, int, uint, bool);                                                           \
     template ORV_API int numeral(C*, int, uint, int);                                                                  \
-    template ORV_API int strradix(const C*, int, int*, bool, bool*);                                                   \
     template ORV_API const C* scanInteger(const C*, const C*, int, bool, ularge&, bool&, bool&);                       \
     template ORV_API const C* scanReal(const C*, const C*, double&, ichar, bool&);                                     \
     template ORV_API const C* scanReal(const C*, const C*, float&, ichar, bool&);

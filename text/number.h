@@ -48,7 +48,7 @@ template <class C> ORV_API int letterNumeral(C* out, int size, uint value, bool 
 /// What stands in front of an integer's digits: blanks, a sign if `sign` allows one (`negative` says whether it was a
 /// minus), and a prefix: "0x" with radix 10 or 16, "0b" with radix 10 or 2, if a digit of that radix follows. The radix
 /// is set by the prefix and else left. A 0 at the start has no meaning of its own. Answers the units passed.
-template <class C> ORV_API int strradix(const C* text, int length, int* radix, bool sign, bool* negative);
+ORV_API int strradix(const char* text, int length, int* radix, bool sign, bool* negative);
 
 /// An integer at the start of [text, end), as `strradix` has it, as magnitude and sign. Answers its end, or null if
 /// there is no digit. `fits` is false where the digits pass 64 bits.

@@ -24,13 +24,6 @@ public:
     static void TearDownTestSuite() { ZSelector::close(); }
 };
 
-/// The bytes of a buffer for reading in a block of their own size, so that a read past the end shows.
-std::string rest(ZCharBuffer& buffer) {
-    std::string text;
-    for (int c = buffer.get(); c >= 0; c = buffer.get()) text += char(c);
-    return text;
-}
-
 } // namespace
 
 TEST_F(CharBuffer, GrowsByDoubling) {
@@ -72,9 +65,9 @@ TEST_F(CharBuffer, PositionsStayInside) {
     text.rewind(-2);
     EXPECT_EQ(text.dpos(), 3);
     text.advance(INT32_MAX);
-    EXPECT_EQ(text.dpos(), 5);
+    EXPECT_TRUE(text.ended());
     text.rewind(INT32_MAX);
-    EXPECT_EQ(text.dpos(), 0);
+    EXPECT_EQ(str(text.stringFromPos()), "hello");
     EXPECT_EQ(ZCharBuffer("").get(), -1);
     EXPECT_EQ(ZCharBuffer("").copyAStr(), nullptr);
     EXPECT_EQ(ZCharBuffer("\xFF").get(), 255);
@@ -93,8 +86,10 @@ TEST_F(CharBuffer, WritesText) {
     out.restart(false);
     out.add("xyz");
     EXPECT_EQ(str(out.string()), "xyz");
-    out.restart(true);
+    out.restart(false);
+    EXPECT_TRUE(out.add(""));
     EXPECT_EQ(out.length(), 0);
+    out.restart(true);
     out.add("ab \t\n");
     out.clearSpaces();
     EXPECT_EQ(str(out.string()), "ab");
@@ -156,6 +151,7 @@ TEST_F(CharBuffer, EscapesAsInAReference) {
         {"a;b", "x;y\\;", "a;b"},
         {"100%1 %9%", "\\%1 %9\\%", "100%1 %9\\%"},
         {")(", "\\(\\)", "\\)("},
+        {"\\;", "\\(\\\\\\;", "\\\\\\;"},
         {"=", "", "="},
         {"", "\\=", ""},
     };
@@ -187,19 +183,16 @@ TEST_F(CharBuffer, Skipping) {
     ZCharBuffer text("\t a,b  ");
     text.advance(5);
     text.skipSpaces();
-    EXPECT_EQ(rest(text), "a,b");
-    ZCharBuffer blank("  ");
-    blank.skipSpaces();
-    EXPECT_TRUE(blank.ended());
+    EXPECT_EQ(str(text.stringFromPos()), "a,b");
+    EXPECT_EQ(text.end() - text.getPos(), 3);
     ZCharBuffer separated(" ,\t,, \xC3x");
     separated.skipSeparator();
     EXPECT_EQ(separated.peek(), 0xC3);
     ZCharBuffer codes("ab = c=d");
-    EXPECT_TRUE(codes.skipTo('='));
-    EXPECT_EQ(codes.dpos(), 4);
+    EXPECT_FALSE(ZCharBuffer("d").skipTo('d' + 256));
+    EXPECT_TRUE(codes.skipTo('=') && codes.dpos() == 4);
     EXPECT_FALSE(codes.skipTo(' '));
     EXPECT_TRUE(codes.ended());
-    EXPECT_FALSE(codes.skipTo('d' + 256));
 }
 
 TEST_F(CharBuffer, WordsAndFields) {
@@ -233,12 +226,10 @@ TEST_F(CharBuffer, WordsAndFields) {
     }
     ZCharBuffer text("a,b;c");
     bool second = true;
-    EXPECT_EQ(str(text.stringTo(',', ';', second)), "a");
-    EXPECT_FALSE(second);
-    EXPECT_EQ(str(text.stringTo(',', ';', second)), "b");
-    EXPECT_TRUE(second);
-    EXPECT_EQ(str(text.stringTo(',', ';', second)), "c");
-    EXPECT_FALSE(second);
+    for (const char* part : {"a,", "b;", "c."}) {
+        EXPECT_EQ(str(text.stringTo(',', ';', second)), std::string(part, 1));
+        EXPECT_EQ(second, part[1] == ';');
+    }
     ZCharBuffer source("ab;cd"), out;
     EXPECT_TRUE(source.copyTillCode(out, ';'));
     EXPECT_FALSE(source.copyTillCode(out, ';'));
@@ -300,27 +291,21 @@ TEST_F(CharBuffer, CharacterReferences) {
 TEST_F(CharBuffer, ScansNumbers) {
     ZCharBuffer text(" ,12, 0x1f;-3 99999999999 1.5");
     int value = 0;
-    EXPECT_TRUE(text.scanInt(&value, 10));
-    EXPECT_EQ(value, 12);
-    EXPECT_TRUE(text.scanInt(&value, 10));
-    EXPECT_EQ(value, 31);
+    EXPECT_TRUE(text.scanInt(&value, 10) && value == 12);
+    EXPECT_TRUE(text.scanInt(&value, 10) && value == 31);
     EXPECT_FALSE(text.scanInt(&value, 10));
     EXPECT_EQ(text.get(), ';');
     uint unsigneds[4] = {7, 7, 7, 7};
     EXPECT_FALSE(text.scanUnsigned(unsigneds, 4, 10));
-    EXPECT_TRUE(text.scanInt(&value, 10));
-    EXPECT_EQ(value, -3);
-    EXPECT_TRUE(text.scanInt(&value, 10));
-    EXPECT_EQ(value, INT32_MAX);
+    EXPECT_TRUE(text.scanInt(&value, 10) && value == -3);
+    EXPECT_TRUE(text.scanInt(&value, 10) && value == INT32_MAX);
     float single = 0;
     EXPECT_TRUE(text.scanFloat(&single, '.') && single == 1.5f);
     EXPECT_FALSE(text.scanFloat(&single, '.'));
 
     ZCharBuffer list("ff,0 100000000 x");
     EXPECT_TRUE(list.scanUnsigned(unsigneds, 4, 16));
-    EXPECT_EQ(unsigneds[0], 255u);
-    EXPECT_EQ(unsigneds[2], UINT32_MAX);
-    EXPECT_EQ(unsigneds[3], 7u);
+    EXPECT_TRUE(unsigneds[0] == 255 && unsigneds[2] == UINT32_MAX && unsigneds[3] == 7);
     list.rewind();
     EXPECT_TRUE(list.scanUnsigned(unsigneds, 1, 16));
     EXPECT_EQ(str(list.stringFromPos()), ",0 100000000 x");
@@ -328,13 +313,10 @@ TEST_F(CharBuffer, ScansNumbers) {
     EXPECT_EQ(ZCharBuffer("1 -2,0b11 z 4").scanInt(10).count(), 3u);
     ZArrayT<real> reals = ZCharBuffer("0.5 1e999 -1e999 1e-999 nan").scanReal('.');
     ASSERT_EQ(reals.count(), 5u);
-    EXPECT_EQ(reals[1], HUGE_VAL);
-    EXPECT_EQ(reals[2], -HUGE_VAL);
-    EXPECT_EQ(reals[3], 0.0);
+    EXPECT_TRUE(reals[1] == HUGE_VAL && reals[2] == -HUGE_VAL && reals[3] == 0);
     ZArrayT<float> floats = ZCharBuffer("0,5 1e39 2").scanFloat(',');
     ASSERT_EQ(floats.count(), 3u);
-    EXPECT_EQ(floats[0], 0.5f);
-    EXPECT_EQ(floats[1], HUGE_VALF);
+    EXPECT_TRUE(floats[0] == 0.5f && floats[1] == HUGE_VALF);
 }
 
 TEST_F(CharBuffer, HexadecimalInPlace) {
@@ -345,14 +327,12 @@ TEST_F(CharBuffer, HexadecimalInPlace) {
         ZCharBuffer text(row.text);
         EXPECT_EQ(text.scanBlock(), int(strlen(row.bytes)));
         EXPECT_EQ(str(text.string()), row.bytes);
-        EXPECT_EQ(text.dpos(), int(strlen(row.bytes)));
     }
     ZCharBuffer zero("head:0041");
     zero.skipTo(':');
     EXPECT_EQ(zero.scanBlock(), 2);
     zero.rewind();
-    EXPECT_EQ(zero.get(), 0);
-    EXPECT_EQ(zero.get(), 'A');
+    EXPECT_TRUE(zero.get() == 0 && zero.get() == 'A');
 }
 
 TEST_F(CharBuffer, TextAsAValue) {
@@ -397,9 +377,8 @@ TEST_F(CharBuffer, EveryAllocationFails) {
     });
     failEachAllocation([&](AllocProbe& probe) {
         ZCharBuffer text(longText.c_str());
-        EXPECT_EQ(zresetfail(), probe.failed());
-        EXPECT_EQ(text.getSize(), probe.failed() ? 0 : 1000);
         ZString copy = text.parseXMLCharacters();
+        EXPECT_EQ(zresetfail(), probe.failed());
         EXPECT_EQ(copy.length(), probe.failed() ? 0 : 1000);
         zrecover();
     });
