@@ -38,13 +38,28 @@ bool completeWith(ZFileName& name, char separator) {
     return !units.length() || units.separatorAt(units.length() - 1) || name.append(&separator, 1);
 }
 
-/// Joins on what doesn't begin with a separator.
+/// Bytes that are no text stay as they are: for them the whole name goes over to bytes.
+bool appendBytes(ZFileName& name, const TextView& more) {
+    bool raw = more.width == orv::detail::charText && name.type() != ZString::Char &&
+               !orv::detail::wellFormed(static_cast<const char*>(more.text), size_t(more.length));
+    return (!raw || name.setType(ZString::Char)) && name.append(more);
+}
+
 bool joinName(ZFileName& folder, const TextView& name, char separator) {
-    return completeWith(folder, separator) && folder.append(name);
+    return completeWith(folder, separator) && appendBytes(folder, name);
 }
 
 char separatorOf(const ZString& path, const ZString& name) {
     return PathUnits(path.view()).separator(PathUnits(name.view()).separator('/'));
+}
+
+/// Whether the name ends in that extension, which may have dots in it itself.
+bool hasExtension(const ZFileName& name, const ZString& text) {
+    if (name.checkExt(text)) return true;
+    PathUnits units(name.view()), wanted(text.view());
+    int dot = units.length();
+    for (int at = wanted.length(); at >= 0 && dot >= 0; at = wanted.last('.', at)) dot = units.last('.', dot);
+    return dot > units.nameStart() && orv::detail::compareTextFolded(tailFrom(name, dot + 1), text.view()) == 0;
 }
 
 } // namespace
@@ -62,7 +77,7 @@ ZFileName ZFileName::path() const {
 
 ZFileName ZFileName::path(int depth) const {
     ZFileName folder(*this);
-    for (; depth > 0 && !folder.ZString::isEmpty(); --depth) {
+    for (; depth > 0 && !folder.isEmpty(); --depth) {
         ZFileName above = folder.path();
         if (above.length() == folder.length()) break;
         folder = std::move(above);
@@ -160,7 +175,10 @@ bool ZFileName::isValid() const {
     return true;
 }
 
-bool ZFileName::checkExt(const ZString& text) const { return extension().icompare(text) == 0; }
+bool ZFileName::checkExt(const ZString& text) const {
+    TextView own = tailFrom(*this, PathUnits(view()).extensionDot(false) + 1);
+    return orv::detail::compareTextFolded(own, text.view()) == 0;
+}
 
 // Editing
 
@@ -180,7 +198,7 @@ bool ZFileName::selectName(const ZString& path, const ZString& name) {
     if (!folder.isDir() && !cutToFolder(folder)) return false;
     // Above the top ".." leads back to the top, however long the name gets.
     toolkit::FileStatus status, below;
-    do {
+    for (;;) {
         ZFileName candidate(folder);
         if (!candidate.addFileName(name)) return false;
         if (candidate.exists()) {
@@ -193,8 +211,11 @@ bool ZFileName::selectName(const ZString& path, const ZString& name) {
             orv::detail::existingName(folder.view(), path) == 0 && toolkit::fileStatus(path.text(), status) == 0;
         if (!known) status = {};
         if (known && status.device == below.device && status.inode == below.inode) return false;
-    } while (folder.stepUp() == Step::Done);
-    return false;
+        int before = folder.length();
+        if (folder.stepUp() != Step::Done) return false;
+        // Each further ".." behind what isn't there leads nowhere, and there is always one more.
+        if (!known && folder.length() > before) return false;
+    }
 }
 
 bool ZFileName::addFileName(const ZString& name) {
@@ -206,7 +227,7 @@ bool ZFileName::addFileName(const ZString& name) {
 
 bool ZFileName::addExtension(const ZString& text) {
     ZFileName longer(*this);
-    if (!longer.append(".", 1) || !longer.append(text)) return false;
+    if (!longer.append(".", 1) || !appendBytes(longer, text.view())) return false;
     swap(longer);
     return true;
 }
@@ -267,8 +288,7 @@ bool ZFileName::relativeName(const ZString& base, bool all) {
     ZFileName relative;
     for (int i = 0; i < steps; ++i)
         if (!relative.append("../", 3)) return false;
-    if (!relative.append(tailFrom(*this, taken)) || (relative.ZString::isEmpty() && !relative.append(".", 1)))
-        return false;
+    if (!relative.append(tailFrom(*this, taken)) || (relative.isEmpty() && !relative.append(".", 1))) return false;
     swap(relative);
     return true;
 }
@@ -277,7 +297,7 @@ bool ZFileName::toRelative(const ZString& folder, const ZString& prefix) {
     int taken = folder.isEmpty() ? -1 : orv::detail::matchFolder(view(), folder.view(), true);
     if (taken < 0) return false;
     ZFileName relative(prefix);
-    if (!relative.append(tailFrom(*this, taken))) return false;
+    if (!appendBytes(relative, tailFrom(*this, taken))) return false;
     swap(relative);
     return true;
 }
@@ -286,13 +306,13 @@ bool ZFileName::toRelative(const ZString& folder, const ZString& prefix) {
 
 ZFileName ZFileName::appendExtension(const ZString& name, const ZString& text) {
     ZFileName result(name);
-    return result.checkExt(text) || result.addExtension(text) ? result : ZFileName();
+    return text.isEmpty() || hasExtension(result, text) || result.addExtension(text) ? result : ZFileName();
 }
 
 ZFileName ZFileName::appendExtension(const ZString& name, const ZArrayT<ZString>& extensions) {
     ZFileName result(name);
     for (const ZString& text : extensions)
-        if (result.checkExt(text)) return result;
+        if (hasExtension(result, text)) return result;
     for (const ZString& text : extensions)
         if (!text.isEmpty()) return result.addExtension(text) ? result : ZFileName();
     return result;

@@ -143,7 +143,7 @@ public:
 
     // Names
 
-    /// Adds the extension unless the name has it.
+    /// Adds the extension unless the name ends in it, ignoring case. It may have dots in it itself, as in "tar.gz".
     static ZFileName appendExtension(const ZString& name, const ZString& text);
     /// Adds the first of the extensions that isn't empty, unless the name has one of them; an empty one is that of
     /// names without.
@@ -223,8 +223,8 @@ public:
     bool checkExt(const ZString& text) const;
 
     // Scans: of the folder of this name, of another, or of several. Each adds what it found to `found`, as the name of
-    // the start with what follows, in no set order, and answers false without memory or if a start can't be read; what
-    // is below it and can't be read is passed over. Files have one of the extensions, ignoring case, if there are any.
+    // the start with what follows, in no set order, and answers false without memory or if no start can be read; what
+    // else can't be read is passed over. Files have one of the extensions, ignoring case, if there are any.
     // Links are followed, each folder is read once. What is neither file nor folder isn't found.
 
     /// Decides what a scan keeps; it doesn't keep a scan out of a folder. `keep` may be null. It may be made of

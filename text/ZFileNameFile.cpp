@@ -99,12 +99,9 @@ bool ZFileName::allowWriting() const {
 ZFileName::Flags ZFileName::getFlags() const {
     PathText path;
     FileStatus status;
-    if (orv::detail::existingName(view(), path) || toolkit::fileStatus(path.text(), status)) return None;
-    uint access = toolkit::fileAccess(path.text());
-    uint flags = (access & toolkit::mayRead ? Read : 0) | (access & toolkit::mayWrite ? Write : 0) |
-                 (access & toolkit::mayExecute ? Exec : 0) | (status.kind == FileKind::Folder ? Dir : 0) |
-                 (status.kind == FileKind::Other ? System : 0);
-    return Flags(flags);
+    uint flags;
+    bool known = orv::detail::existingName(view(), path) == 0 && !orv::detail::fileFacts(path.text(), status, flags);
+    return known ? Flags(flags) : None;
 }
 
 large ZFileName::getSize() const {

@@ -89,7 +89,7 @@ bool ZFileName::toAbsolute(uint flags) {
 }
 
 bool ZFileName::toRelative() {
-    if (!isAbsolute()) return !ZString::isEmpty();
+    if (!isAbsolute()) return !isEmpty();
     struct {
         int (*place)(PathText&);
         const char* prefix;
@@ -128,7 +128,7 @@ ZFileName ZFileName::completeFileName(const ZString& folder, const ZString& name
 ZFileName ZFileName::completeFileName(const ZArrayT<ZString>& folders, const ZString& name) {
     for (const ZString& folder : folders) {
         ZFileName found = completeFileName(ZFileName(folder).absolute(), name);
-        if (!found.ZString::isEmpty()) return found;
+        if (!found.isEmpty()) return found;
     }
     return {};
 }
@@ -192,7 +192,7 @@ ZFileName ZFileName::userPath(const ZSelector& folder) {
 
 ZFileName ZFileName::userFile(const ZSelector& folder, const ZString& name) {
     ZFileName path("~/");
-    if (userPath(folder).ZString::isEmpty() || !path.append(folder.string(), folder.length())) return {};
+    if (userPath(folder).isEmpty() || !path.append(folder.string(), folder.length())) return {};
     return path.setName(path, name) && path.toAbsolute() ? path : ZFileName();
 }
 
@@ -202,7 +202,7 @@ ZFileName ZFileName::tempPath() { return pathFrom(toolkit::tempFolder); }
 
 ZFileName ZFileName::hulePath() {
     ZFileName path = mainPath();
-    return !path.ZString::isEmpty() && path.addFileName("hule") ? path : ZFileName();
+    return !path.isEmpty() && path.addFileName("hule") ? path : ZFileName();
 }
 
 ZFileName ZFileName::temporary() { return temporary(ZString()); }

@@ -9,10 +9,17 @@
 using toolkit::FileKind;
 using toolkit::PathText;
 
-ZFileInfo::ZFileInfo(const ZFileName& file, int level)
-    : name(file), bytes(file.getSize()), kind(file.getFlags()), written(file.writeTime()), depth(level) {}
-
 namespace {
+
+/// What is known of the file at a path; false if there is none.
+bool infoOf(const ZString& name, const char* path, int level, ZFileInfo& info) {
+    toolkit::FileStatus status;
+    uint flags;
+    if (orv::detail::fileFacts(path, status, flags)) return false;
+    info = ZFileInfo(name, status.kind == FileKind::File ? large(status.size) : 0, ZFileName::Flags(flags),
+                     ZTime(status.writeTime + orv::detail::unixEpoch), level);
+    return true;
+}
 
 using orv::detail::TextIn;
 using Names = ZFileName::Names;
@@ -70,16 +77,9 @@ bool Scan::accepts(const toolkit::WalkEntry& entry) const {
 
 bool Scan::add(const ZString& name, const toolkit::WalkEntry& entry) {
     if (names) return names->append(name);
-    toolkit::FileStatus status;
+    ZFileInfo info;
     // What has gone meanwhile isn't found.
-    if (toolkit::fileStatus(entry.path, status)) return true;
-    uint access = toolkit::fileAccess(entry.path);
-    bool isFolder = entry.kind == FileKind::Folder;
-    uint flags = (access & toolkit::mayRead ? ZFileName::Read : 0) |
-                 (access & toolkit::mayWrite ? ZFileName::Write : 0) |
-                 (access & toolkit::mayExecute ? ZFileName::Exec : 0) | (isFolder ? ZFileName::Dir : 0);
-    return infos->append(ZFileInfo(name, isFolder ? 0 : large(status.size), ZFileName::Flags(flags),
-                                   ZTime(status.writeTime + orv::detail::unixEpoch), int(entry.depth)));
+    return !infoOf(name, entry.path, int(entry.depth), info) || infos->append(info);
 }
 
 int Scan::run(const ZString& start) {
@@ -91,20 +91,22 @@ int Scan::run(const ZString& start) {
     if (error) return error;
     further = true;
 
-    // A logical start stays in front of what is found; another is told as it was found.
+    // A logical start stays in front of what is found; another is told as it was found. What is called "~" in the
+    // working folder must not be taken for a logical name.
     bool logical = given.length && given.text[0] == '~' && native.text()[0] != '~';
     size_t prefix = native.length();
     while (prefix && native.text()[prefix - 1] == '/') --prefix;
     size_t shownLength = size_t(given.length);
     while (shownLength && given.text[shownLength - 1] == '/') --shownLength;
-    if (logical && !shown.assign(given.text, shownLength)) return ENOMEM;
+    if (!(given.length ? shown.assign(given.text, shownLength) : shown.assign("./"))) return ENOMEM;
+    shownLength = shown.length();
 
     toolkit::WalkEntry entry;
     while (walk.next(entry)) {
         if (!accepts(entry)) continue;
         const char* path = entry.path;
         size_t length = entry.length;
-        if (logical) {
+        if (logical || (path[0] == '~' && (!path[1] || path[1] == '/'))) {
             shown.truncate(shownLength);
             if (!shown.append(path + prefix, length - prefix)) return ENOMEM;
             path = shown.text();
@@ -159,3 +161,8 @@ ORV_SCANS(scanFiles, Names, false)
 ORV_SCANS(scanInfo, Infos, folders, , bool folders)
 ORV_SCANS(scanFileInfo, Infos, false)
 #undef ORV_SCANS
+
+ZFileInfo::ZFileInfo(const ZFileName& file, int level) : name(file), depth(level) {
+    PathText path;
+    if (orv::detail::existingName(file.view(), path) == 0) infoOf(file, path.text(), level, *this);
+}

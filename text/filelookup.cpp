@@ -1,5 +1,6 @@
 #include "text/filelookup.h"
 
+#include "text/ZFileName.h"
 #include "toolkit/folders.h"
 #include "toolkit/places.h"
 #include "toolkit/text.h"
@@ -106,6 +107,8 @@ int findStepwise(const char* name, size_t fixed, PathText& found) {
         }
         at += length;
     }
+    // A separator at the end asks for a folder.
+    if (at > name + fixed && at[-1] == '/' && !found.join("", 0)) return ENOMEM;
     return exists(found.text()) ? 0 : ENOENT;
 }
 
@@ -126,6 +129,15 @@ int existingName(const TextView& name, PathText& path) {
         if (missing) return missing == ENOMEM ? ENOMEM : error;
     }
     return path.assign(other.text(), other.length()) ? 0 : ENOMEM;
+}
+
+int fileFacts(const char* path, toolkit::FileStatus& status, uint& flags) {
+    static_assert(ZFileName::Read == toolkit::mayRead && ZFileName::Write == toolkit::mayWrite &&
+                  ZFileName::Exec == toolkit::mayExecute);
+    if (int error = toolkit::fileStatus(path, status)) return error;
+    flags = toolkit::fileAccess(path) | (status.kind == toolkit::FileKind::Folder ? ZFileName::Dir : 0) |
+            (status.kind == toolkit::FileKind::Other ? ZFileName::System : 0);
+    return 0;
 }
 
 } // namespace orv::detail

@@ -21,4 +21,7 @@ ORV_API int nativeName(const TextView& name, toolkit::PathText& path, size_t& fi
 /// the order of bytes that differs in case only. ENOENT, with `path` as `nativeName` gives it, if nothing has it.
 ORV_API int existingName(const TextView& name, toolkit::PathText& path);
 
+/// What is known of a file: its status, and the `ZFileName::Flags` of it. An error number of the system.
+ORV_API int fileFacts(const char* path, toolkit::FileStatus& status, uint& flags);
+
 } // namespace orv::detail

@@ -60,6 +60,17 @@ int openHooked(const char* path, int flags, mode_t mode = 0) {
     return number;
 }
 
+ssize_t readSome(int file, void* bytes, size_t size) {
+    if (int error = askFileHook(FileCall::Read)) {
+        errno = error;
+        return -1;
+    }
+    ssize_t got;
+    do got = read(file, bytes, size);
+    while (got < 0 && errno == EINTR);
+    return got;
+}
+
 int writeAll(int file, const char* bytes, size_t size) {
     while (size) {
         if (int error = askFileHook(FileCall::Write)) return error;
@@ -101,12 +112,15 @@ int renameFresh(const char* from, const char* to) {
     return rename(from, to) == 0 ? 0 : errno;
 }
 
-/// The file that a chain of links leads to, or the path itself; a broken link stands for itself.
-int finalName(const char* path, PathText& result) {
+/// The place of a file to be written: what a chain of links leads to, or the path itself; a broken link stands for
+/// itself. `old` is the file there, its mode 0 if there is none. Only files are replaced.
+int finalName(const char* path, PathText& place, struct stat& old) {
     char resolved[PATH_MAX];
-    struct stat status;
-    bool link = lstat(path, &status) == 0 && S_ISLNK(status.st_mode);
-    return result.assign(link && realpath(path, resolved) ? resolved : path) ? 0 : ENOMEM;
+    bool link = lstat(path, &old) == 0 && S_ISLNK(old.st_mode);
+    if (!place.assign(link && realpath(path, resolved) ? resolved : path)) return ENOMEM;
+    if (stat(place.text(), &old) != 0) old.st_mode = 0;
+    if (S_ISDIR(old.st_mode)) return EISDIR;
+    return old.st_mode && !S_ISREG(old.st_mode) ? EINVAL : 0;
 }
 
 /// Makes and opens a new file of a name that nothing had; see `createUnique`.
@@ -153,8 +167,10 @@ public:
         if (int error = makeUnique(name, ".tmp", like ? 0600 : 0666, file)) return error;
         made = true;
         if (!like) return 0;
-        [[maybe_unused]] int kept = owner ? fchown(file, like->st_uid, like->st_gid) : 0;
-        return fchmod(file, like->st_mode & (owner ? 07777 : 0777)) == 0 ? 0 : errno;
+        bool owned = owner && fchown(file, like->st_uid, like->st_gid) == 0;
+        // Another's file keeps its group where it can; what runs as its owner must not run as somebody else.
+        [[maybe_unused]] int grouped = owner && !owned ? fchown(file, uid_t(-1), like->st_gid) : 0;
+        return fchmod(file, like->st_mode & (owned ? 07777 : 0777)) == 0 ? 0 : errno;
     }
     int descriptor() const { return file; }
     int put(const char* place, bool replace) {
@@ -331,8 +347,7 @@ void* readFile(const char* path, size_t limit, size_t& size, int& error) {
         if (used == room) {
             // One byte more tells whether the end was met, without a larger block for it.
             char next;
-            ssize_t more;
-            while ((more = read(file.get(), &next, 1)) < 0 && errno == EINTR) {}
+            ssize_t more = readSome(file.get(), &next, 1);
             if (more <= 0) {
                 error = more < 0 ? errno : 0;
                 break;
@@ -350,12 +365,11 @@ void* readFile(const char* path, size_t limit, size_t& size, int& error) {
             bytes = moved;
             bytes[used++] = next;
         }
-        if ((error = askFileHook(FileCall::Read))) break;
-        ssize_t got = read(file.get(), bytes + used, room - used);
-        if (got < 0 && errno != EINTR) error = errno;
-        if (got == 0) break;
-        if (got > 0) used += size_t(got);
-        if (!error && used > limit) error = EFBIG;
+        ssize_t got = readSome(file.get(), bytes + used, room - used);
+        if (got < 0) error = errno;
+        if (got <= 0) break;
+        used += size_t(got);
+        if (used > limit) error = EFBIG;
     }
     if (!error && used < room) {
         if (auto fitted = static_cast<char*>(reallocBlock(bytes, used + 1))) bytes = fitted;
@@ -371,12 +385,10 @@ void* readFile(const char* path, size_t limit, size_t& size, int& error) {
 
 int writeFile(const char* path, const void* bytes, size_t size) {
     PathText place;
-    if (int error = finalName(path, place)) return error;
-    NewFile file;
     struct stat old;
-    bool replaces = stat(place.text(), &old) == 0;
-    if (replaces && !S_ISREG(old.st_mode)) return S_ISDIR(old.st_mode) ? EISDIR : EINVAL;
-    if (int error = file.make(place.text(), replaces ? &old : nullptr, true)) return error;
+    if (int error = finalName(path, place, old)) return error;
+    NewFile file;
+    if (int error = file.make(place.text(), old.st_mode ? &old : nullptr, true)) return error;
     if (int error = writeAll(file.descriptor(), static_cast<const char*>(bytes), size)) return error;
     return file.put(place.text(), true);
 }
@@ -408,8 +420,7 @@ static int copyContents(int from, int to) {
             // Some of the system's own files copy as empty that way; reading tells for sure.
             kernel = false;
         }
-        ssize_t got = read(from, buffer, sizeof buffer);
-        if (got < 0 && errno == EINTR) continue;
+        ssize_t got = readSome(from, buffer, sizeof buffer);
         if (got <= 0) return got < 0 ? errno : 0;
         if (int error = writeAll(to, buffer, size_t(got))) return error;
     }
@@ -422,7 +433,8 @@ int copyFile(const char* from, const char* to, bool replace) {
     if (!S_ISREG(status.st_mode)) return S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
     if (!replace && nameTaken(to)) return EEXIST;
     PathText place;
-    if (int error = finalName(to, place)) return error;
+    struct stat old;
+    if (int error = finalName(to, place, old)) return error;
     NewFile file;
     if (int error = file.make(place.text(), &status, false)) return error;
     if (int error = copyContents(source.get(), file.descriptor())) return error;
@@ -492,7 +504,7 @@ int createFolder(const char* path, bool parents) {
     if (mkdir(path, 0777) == 0) return 0;
     int error = errno;
     if (error == EEXIST) return isFolder(path) ? 0 : EEXIST;
-    if (error != ENOENT || !parents) return error;
+    if (error != ENOENT || !parents || !*path) return error;
     PathText part;
     if (!part.assign(path)) return ENOMEM;
     // From the top, so that no depth of missing folders is too large.

@@ -215,7 +215,8 @@ bool FolderWalk::openNext() {
         stack.truncate(begin);
         // The stack holds the subfolders of the folder above on top, so that is the one held. Links come later.
         int parent = !link && mark.depth <= heldRoom ? held[mark.depth - 1] : -1;
-        const char* name = parent < 0 ? path.text() : std::strrchr(path.text(), '/') + 1;
+        const char* slash = parent < 0 ? nullptr : std::strrchr(path.text(), '/');
+        const char* name = slash ? slash + 1 : path.text();
         int error = !whole ? ENOMEM : mark.depth > deepest ? ELOOP : enter(name, parent, link);
         if (error == ENOMEM || (!error && !path.join(""))) {
             failure = ENOMEM;

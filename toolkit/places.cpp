@@ -128,6 +128,10 @@ bool unregisterTemporary(const char* path) {
     size_t size = std::strlen(at) + 1;
     std::memmove(at, at + size, size_t(temporary.names + temporary.used - at) - size);
     temporary.used -= size;
+    if (!temporary.used) {
+        freeBlock(temporary.names);
+        temporary.names = nullptr;
+    }
     return true;
 }
 
@@ -149,13 +153,6 @@ int cleanTemporary() {
     }
     freeBlock(names);
     return failures;
-}
-
-void forgetTemporary() {
-    TemporaryGuard guard;
-    freeBlock(temporary.names);
-    temporary.names = nullptr;
-    temporary.used = 0;
 }
 
 } // namespace toolkit

@@ -1,23 +1,9 @@
 #include "text/ZFileName.h"
 
 #include "tests/support/AllocProbe.h"
-#include "text/ZTime.h"
-
-#include <gtest/gtest.h>
-#include <string>
+#include "tests/text/textsamples.h"
 
 namespace {
-std::string plain(const ZString& text) {
-    orv::detail::TextIn<char> bytes(text.view());
-    return std::string(bytes.text, size_t(bytes.length));
-}
-/// The text in each of the three widths.
-std::vector<ZString> widths(const char* text) {
-    std::vector<ZString> all(3, ZString(text));
-    all[1].setType(ZString::WChar);
-    all[2].setType(ZString::IChar);
-    return all;
-}
 using Edit = bool (*)(ZFileName&, const ZString&);
 struct EditRow {
     const char *from, *argument, *to; ///< `to` null if it is refused
@@ -25,10 +11,11 @@ struct EditRow {
 /// Runs rows in all combinations of widths; the name has to keep its own.
 template <size_t N> void checkEdits(Edit edit, const EditRow (&rows)[N]) {
     for (auto& row : rows)
-        for (auto& from : widths(row.from))
-            for (auto& argument : widths(row.argument)) {
-                ZFileName name(from);
-                EXPECT_EQ(edit(name, argument), row.to != nullptr) << row.from << ", " << row.argument;
+        for (ZString::Type from : widths)
+            for (ZString::Type argument : widths) {
+                ZFileName name(inForm(row.from, from));
+                EXPECT_EQ(edit(name, inForm(row.argument, argument)), row.to != nullptr)
+                    << row.from << ", " << row.argument;
                 EXPECT_EQ(plain(name), row.to ? row.to : row.from) << row.from << ", " << row.argument;
             }
 }
@@ -121,6 +108,8 @@ TEST(FileName, SetNameGoesUpAndNoFurther) {
     };
     checkEdits([](ZFileName& name, const ZString& argument) { return name.setName(ZString(name), argument); }, rows);
     EXPECT_EQ(plain(ZFileName("/a", "../b")), "/b");
+    // Bytes that are no text survive in a folder of another width.
+    EXPECT_EQ(plain(ZFileName(ZString(u"\u00e4"), "\xff")), "\xc3\xa4/\xff");
 }
 
 TEST(FileName, ExitStopsAtTheTop) {
@@ -140,7 +129,13 @@ TEST(FileName, ExtensionsAndSeparators) {
     checkEdits([](ZFileName& name, const ZString&) { return name.completePath(); }, complete);
     const EditRow external[] = {{"a\\b\\", "", "a/b/"}, {"a/b", "", "a/b"}};
     checkEdits([](ZFileName& name, const ZString&) { return name.toExternal(); }, external);
-    const EditRow append[] = {{"a", "x", "a.x"}, {"a.X", "x", "a.X"}, {"a.y", "x", "a.y.x"}};
+    const EditRow append[] = {{"a", "x", "a.x"},
+                              {"a.X", "x", "a.X"},
+                              {"a.y", "x", "a.y.x"},
+                              {"a.tar.GZ", "tar.gz", "a.tar.GZ"},
+                              {"a.gz", "tar.gz", "a.gz.tar.gz"},
+                              {".tar.gz", "tar.gz", ".tar.gz.tar.gz"},
+                              {"a.y", "", "a.y"}};
     checkEdits(
         [](ZFileName& name, const ZString& argument) {
             name = ZFileName::appendExtension(name, argument);
@@ -149,8 +144,8 @@ TEST(FileName, ExtensionsAndSeparators) {
         append);
 
     ZArrayT<ZString> list;
-    for (const char* text : {"jpg", "png"}) list.append(ZString(text));
-    for (auto [from, to] : {std::pair{"a.PNG", "a.PNG"}, {"a", "a.jpg"}, {"a.txt", "a.txt.jpg"}})
+    for (const char* text : {"jpg", "png", "x.y"}) list.append(ZString(text));
+    for (auto [from, to] : {std::pair{"a.PNG", "a.PNG"}, {"a", "a.jpg"}, {"a.txt", "a.txt.jpg"}, {"a.X.y", "a.X.y"}})
         EXPECT_EQ(plain(ZFileName::appendExtension(ZString(from), list)), to);
     // An empty entry stands for names without an extension, and is never added.
     list.insert(0, ZString());

@@ -16,6 +16,12 @@ inline std::string utf8(const ZString& text) {
     return out;
 }
 
+/// The bytes of a string, well-formed or not.
+inline std::string plain(const ZString& text) {
+    orv::detail::TextIn<char> bytes(text.view());
+    return std::string(bytes.text, size_t(bytes.length));
+}
+
 /// A UTF-8 text in a form.
 inline ZString inForm(const std::string& text, ZString::Type type) {
     ZString made(text.c_str(), int(text.size()));

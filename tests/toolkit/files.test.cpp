@@ -106,6 +106,9 @@ TEST(Files, WritingKeepsPermissionsAndLinks) {
     folder.folder("sub");
     EXPECT_EQ(writeFile(folder.path("sub").c_str(), "x", 1), EISDIR);
     EXPECT_EQ(writeFile(folder.path("none/x").c_str(), "x", 1), ENOENT);
+    ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0600), 0);
+    EXPECT_EQ(writeFile(folder.path("pipe").c_str(), "x", 1), EINVAL);
+    EXPECT_EQ(copyFile(script.c_str(), folder.path("pipe").c_str(), true), EINVAL);
 }
 
 TEST(Files, TryingToWriteChangesNothing) {
@@ -132,7 +135,6 @@ TEST(Files, CopiesAndRenamesDontReplaceUnasked) {
     EXPECT_EQ(folder.read("a"), "(none)");
     EXPECT_EQ(folder.read("c"), "aa");
     EXPECT_EQ(copyFile(folder.path().c_str(), folder.path("d").c_str(), false), EISDIR);
-    EXPECT_EQ(copyFile(folder.path("x").c_str(), folder.path("d").c_str(), false), ENOENT);
     std::string large(3'000'000, 'z');
     folder.file("large", large);
     EXPECT_EQ(copyFile(folder.path("large").c_str(), folder.path("large2").c_str(), false), 0);
@@ -143,6 +145,7 @@ TEST(Files, CopiesAndRenamesDontReplaceUnasked) {
 
 TEST(Files, MakesAndRemovesFolders) {
     TempFolder folder;
+    EXPECT_EQ(createFolder("", true), ENOENT);
     EXPECT_EQ(createFolder(folder.path("a/b/c").c_str(), false), ENOENT);
     EXPECT_EQ(createFolder(folder.path("a//b/c/").c_str(), true), 0);
     EXPECT_EQ(createFolder(folder.path("a/b").c_str(), false), 0);
@@ -162,27 +165,15 @@ TEST(Files, MakesAndRemovesFolders) {
     EXPECT_EQ(folder.read("kept/file"), "x");
 }
 
-TEST(Files, StatusAndVolume) {
+TEST(Files, BrokenLinksAreThereAsLinksOnly) {
     TempFolder folder;
-    folder.file("a", "12345");
     folder.link("nowhere", "broken");
     FileStatus status;
-    ASSERT_EQ(fileStatus(folder.path("a").c_str(), status), 0);
-    EXPECT_EQ(status.kind, FileKind::File);
-    EXPECT_EQ(status.size, 5u);
-    EXPECT_GT(status.writeTime, 1'600'000'000'000);
     EXPECT_EQ(fileStatus(folder.path("broken").c_str(), status), ENOENT);
     EXPECT_EQ(fileStatus(folder.path("broken").c_str(), status, false), 0);
     EXPECT_EQ(status.kind, FileKind::Link);
     EXPECT_TRUE(nameTaken(folder.path("broken").c_str()));
     EXPECT_EQ(fileAccess(folder.path("broken").c_str()), 0u);
-    EXPECT_EQ(fileAccess(folder.path("a").c_str()), mayRead | mayWrite);
-    VolumeStatus volume;
-    ASSERT_EQ(volumeStatus(folder.path().c_str(), volume), 0);
-    EXPECT_GE(volume.size, volume.space);
-    EXPECT_GT(volume.size, 0u);
-    ASSERT_EQ(volumeStatus("/proc", volume), 0);
-    EXPECT_EQ(volume.kind, VolumeKind::Virtual);
 }
 
 TEST(PathText, JoinsCutsAndGrows) {
@@ -260,5 +251,4 @@ TEST(Places, TemporaryFilesGoAtTheEndOfTheirProcess) {
     EXPECT_EQ(folder.read("a"), "(none)");
     EXPECT_FALSE(nameTaken(folder.path("b").c_str()));
     EXPECT_EQ(folder.read("c"), "x");
-    forgetTemporary();
 }

@@ -1,6 +1,5 @@
 #include "toolkit/userstore.h"
 
-#include "tests/support/AllocProbe.h"
 #include "toolkit/memory.h"
 
 #include <cstdlib>
@@ -76,15 +75,4 @@ TEST_F(UserStore, DamagedFilesCountAsNone) {
     EXPECT_FALSE(storeUserText("token", "bad \xC3(", 6));
     EXPECT_TRUE(storeUserText("token", "again", 5));
     EXPECT_EQ(load("token"), "again");
-}
-
-TEST_F(UserStore, AFailedStoreLeavesTheOldText) {
-    ASSERT_TRUE(storeUserText("token", "old", 3));
-    failEachAllocation([](AllocProbe& probe) {
-        bool stored = storeUserText("token", "new", 3);
-        EXPECT_TRUE(stored || probe.failed());
-        probe.failAt(0);
-        EXPECT_EQ(load("token"), stored ? "new" : "old");
-        storeUserText("token", "old", 3);
-    });
 }
