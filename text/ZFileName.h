@@ -156,7 +156,8 @@ public:
     /// The first of "base_1.extension" to "base_65534.extension" that nothing in the folder has; empty if all are
     /// taken.
     static ZFileName createNewFileName(const ZString& folder, const ZString& base, const ZString& extension);
-    /// The name relative to the first of the folders, made absolute, that it lies in; else the name.
+    /// The name relative to the first of the folders, made absolute, that it lies in; else the name, and for one of the
+    /// folders itself.
     static ZFileName shrinkFileName(const ZArrayT<ZString>& folders, const ZString& name);
     /// The name in lines of at most `width` units, broken as by `linePos`, for a message.
     static ZString splitAlertName(const ZString& name, int width);

@@ -150,9 +150,10 @@ ZFileName ZFileName::createNewFileName(const ZString& folder, const ZString& bas
 }
 
 ZFileName ZFileName::shrinkFileName(const ZArrayT<ZString>& folders, const ZString& name) {
-    ZFileName shorter(name);
-    for (const ZString& folder : folders)
-        if (shorter.toRelative(ZFileName(folder).absolute(), ZString())) return shorter;
+    for (const ZString& folder : folders) {
+        ZFileName shorter(name);
+        if (shorter.toRelative(ZFileName(folder).absolute(), ZString()) && !shorter.isEmpty()) return shorter;
+    }
     return name;
 }
 

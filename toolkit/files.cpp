@@ -113,14 +113,16 @@ int renameFresh(const char* from, const char* to) {
 }
 
 /// The place of a file to be written: what a chain of links leads to, or the path itself; a broken link stands for
-/// itself. `old` is the file there, its mode 0 if there is none. Only files are replaced.
+/// itself. `old` is the file there, its mode 0 if there is none. Only files that may be written are replaced: the
+/// folder alone would allow more.
 int finalName(const char* path, PathText& place, struct stat& old) {
     char resolved[PATH_MAX];
     bool link = lstat(path, &old) == 0 && S_ISLNK(old.st_mode);
     if (!place.assign(link && realpath(path, resolved) ? resolved : path)) return ENOMEM;
     if (stat(place.text(), &old) != 0) old.st_mode = 0;
-    if (S_ISDIR(old.st_mode)) return EISDIR;
-    return old.st_mode && !S_ISREG(old.st_mode) ? EINVAL : 0;
+    if (!old.st_mode) return 0;
+    if (!S_ISREG(old.st_mode)) return S_ISDIR(old.st_mode) ? EISDIR : EINVAL;
+    return faccessat(AT_FDCWD, place.text(), W_OK, AT_EACCESS) == 0 ? 0 : errno;
 }
 
 /// Makes and opens a new file of a name that nothing had; see `createUnique`.
@@ -447,8 +449,13 @@ int renameFile(const char* from, const char* to) {
         if (!error) syncFolderOf(to);
         return error;
     }
+    struct stat status;
+    if (lstat(from, &status) != 0) return errno;
+    if (!S_ISREG(status.st_mode)) return EXDEV;
     error = copyFile(from, to, false);
     if (error) return error;
+    timespec times[] = {status.st_atim, status.st_mtim};
+    utimensat(AT_FDCWD, to, times, 0);
     if (unlink(from) == 0) return 0;
     // The source can't go: two files instead of one would be a surprise.
     error = errno;

@@ -76,8 +76,9 @@ ORV_API int volumeStatus(const char* path, VolumeStatus& status);
 ORV_API void* readFile(const char* path, size_t limit, size_t& size, int& error);
 /// Replaces or makes a file whole: readers see the old contents or the new, also after a crash, and a failure leaves
 /// the old file. Permissions of an old file stay, and its owner where this process may set it; a link keeps leading to
-/// the file that is replaced. Only a file is: EISDIR, or EINVAL for a device or pipe. The new contents lie in the same
-/// folder until then, as ".orv-" with letters and ".tmp", which is also what a crash may leave.
+/// the file that is replaced. Only a file that may be written is: else EACCES, EISDIR, or EINVAL for a device or pipe.
+/// The new contents lie in the same folder until then, as ".orv-" with letters and ".tmp", which is also what a crash
+/// may leave.
 ORV_API int writeFile(const char* path, const void* bytes, size_t size);
 /// Opens a file that may be made for writing and closes it again. Nothing is changed: what was made for it goes away.
 ORV_API int tryWriting(const char* path);
@@ -87,7 +88,8 @@ ORV_API int tryWriting(const char* path);
 /// The copy has the permissions of the source, and appears whole or not at all. EEXIST if `to` is taken, unless
 /// `replace`, which replaces as `writeFile` does.
 ORV_API int copyFile(const char* from, const char* to, bool replace);
-/// Renames a file or a folder; EEXIST if `to` is taken. A file goes to another volume as a copy.
+/// Renames a file or a folder; EEXIST if `to` is taken. A file goes to another volume as a copy with its times; EXDEV
+/// for anything else.
 ORV_API int renameFile(const char* from, const char* to);
 /// Removes a file, a link or an empty folder.
 ORV_API int removeFile(const char* path);

@@ -44,6 +44,7 @@ int userDataFolder(PathText& path) {
         passwd entry, *found = nullptr;
         if (getpwuid_r(getuid(), &entry, record, sizeof record, &found) != 0 || !found) return ENOENT;
         home = found->pw_dir;
+        if (home[0] != '/') return ENOENT;
     }
     return path.assign(home) && path.join(".local/share") && path.join(own) ? 0 : ENOMEM;
 }
@@ -153,6 +154,13 @@ int cleanTemporary() {
     }
     freeBlock(names);
     return failures;
+}
+
+void forgetTemporary() {
+    TemporaryGuard guard;
+    freeBlock(temporary.names);
+    temporary.names = nullptr;
+    temporary.used = 0;
 }
 
 } // namespace toolkit

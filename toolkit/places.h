@@ -28,5 +28,7 @@ ORV_API int registerTemporary(const char* path);
 ORV_API bool unregisterTemporary(const char* path);
 /// Removes all that is noted, and forgets it. The answer is how many couldn't be removed.
 ORV_API int cleanTemporary();
+/// Forgets all that is noted and gives the memory back.
+ORV_API void forgetTemporary();
 
 } // namespace toolkit

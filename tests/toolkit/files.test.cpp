@@ -143,6 +143,28 @@ TEST(Files, CopiesAndRenamesDontReplaceUnasked) {
     EXPECT_NE(folder.read("cmd"), "");
 }
 
+TEST(Files, RenamesToAnotherVolumeCopy) {
+    TempFolder folder;
+    std::string from = folder.file("from", "text"), to = folder.path("to");
+    folder.folder("sub");
+    FileStatus before, after;
+    ASSERT_EQ(fileStatus(from.c_str(), before), 0);
+    usleep(20'000);
+    auto renameApart = [](const std::string& from, const std::string& to) {
+        calls = 0;
+        setFileHook([](FileCall call) { return call == FileCall::Rename && ++calls == 1 ? EXDEV : 0; });
+        int error = renameFile(from.c_str(), to.c_str());
+        setFileHook(nullptr);
+        return error;
+    };
+    EXPECT_EQ(renameApart(from, to), 0);
+    EXPECT_EQ(folder.read("to"), "text");
+    EXPECT_FALSE(nameTaken(from.c_str()));
+    ASSERT_EQ(fileStatus(to.c_str(), after), 0);
+    EXPECT_EQ(after.writeTime, before.writeTime);
+    EXPECT_EQ(renameApart(folder.path("sub"), folder.path("sub2")), EXDEV);
+}
+
 TEST(Files, MakesAndRemovesFolders) {
     TempFolder folder;
     EXPECT_EQ(createFolder("", true), ENOENT);
@@ -251,4 +273,5 @@ TEST(Places, TemporaryFilesGoAtTheEndOfTheirProcess) {
     EXPECT_EQ(folder.read("a"), "(none)");
     EXPECT_FALSE(nameTaken(folder.path("b").c_str()));
     EXPECT_EQ(folder.read("c"), "x");
+    forgetTemporary();
 }
