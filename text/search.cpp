@@ -2,6 +2,7 @@
 
 #include "text/transcode.h"
 #include "toolkit/memory.h"
+#include "toolkit/sanitized.h"
 #include "toolkit/text.h"
 
 #include <algorithm>
@@ -185,7 +186,8 @@ template <class C> const C* findByTable(const C* at, Run<C> text, NeedleTable& t
 template <class C> const C* findExact(Run<C> text, Run<C> needle, const C** matchEnd) {
     size_t size = needle.size();
     if (size > text.size()) return nullptr;
-    if constexpr (sizeof(C) == 1) {
+    // A sanitizer checks all of the text at each call, which makes many searches of one text quadratic.
+    if constexpr (sizeof(C) == 1 && !toolkit::sanitized) {
         auto place = static_cast<const C*>(memmem(text.begin, text.size(), needle.begin, size));
         if (place) *matchEnd = place + size;
         return place;

@@ -1,5 +1,6 @@
 #include "toolkit/memory.h"
 
+#include "toolkit/sanitized.h"
 #include "toolkit/thread.h"
 
 #include <cstddef>
@@ -18,17 +19,7 @@ const AllocHooks* allocHooks() { return loadAcquire(hooks); }
 
 // Small blocks that a thread has freed wait for its next allocation of that size: no call, no lock. Not under a
 // sanitizer, which has to see every block come and go.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool caching = false;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-constexpr bool caching = false;
-#else
-constexpr bool caching = true;
-#endif
-#else
-constexpr bool caching = true;
-#endif
+constexpr bool caching = !sanitized;
 
 namespace {
 constexpr size_t cachedSize = 256; // largest payload that is kept
