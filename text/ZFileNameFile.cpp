@@ -51,7 +51,7 @@ bool placeFor(const ZFileName& name, bool make, PathText& path) {
     PathText folder;
     if (!folder.assign(path.text(), path.length())) return false;
     folder.cutName();
-    return toolkit::createFolder(folder.text(), true) == 0;
+    return toolkit::createFolder(folder.text(), true, toolkit::usersFolder) == 0;
 }
 
 bool copyTo(const ZFileName& from, const ZFileName& to, bool replace) {

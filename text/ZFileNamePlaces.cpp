@@ -83,7 +83,7 @@ bool ZFileName::toAbsolute(uint flags) {
         PathText folder;
         if (!folder.assign(path.text(), path.length())) return false;
         if (!(flags & DirectoryName)) folder.cutName();
-        if (toolkit::createFolder(folder.text(), true)) return false;
+        if (toolkit::createFolder(folder.text(), true, toolkit::usersFolder)) return false;
     }
     return setPath(*this, path);
 }

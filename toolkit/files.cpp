@@ -507,8 +507,8 @@ static bool isFolder(const char* path) {
     return stat(path, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-int createFolder(const char* path, bool parents) {
-    if (mkdir(path, 0777) == 0) return 0;
+int createFolder(const char* path, bool parents, uint mode) {
+    if (mkdir(path, mode) == 0) return 0;
     int error = errno;
     if (error == EEXIST) return isFolder(path) ? 0 : EEXIST;
     if (error != ENOENT || !parents || !*path) return error;
@@ -518,7 +518,7 @@ int createFolder(const char* path, bool parents) {
     for (size_t end = 1; end <= part.length(); ++end) {
         if (path[end] != '/' && path[end]) continue;
         part.truncate(end);
-        error = mkdir(part.text(), 0777) == 0 ? 0 : errno;
+        error = mkdir(part.text(), mode) == 0 ? 0 : errno;
         if (error && !isFolder(part.text())) return error;
         if (!part.assign(path)) return ENOMEM;
     }

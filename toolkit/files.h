@@ -96,8 +96,10 @@ ORV_API int removeFile(const char* path);
 /// Removes a folder and all that is in it, without following links. What can't be removed stays, and the first such
 /// error is answered; ELOOP where it is deeper than 256 folders.
 ORV_API int removeTree(const char* path);
-/// Makes a folder, with `parents` those above it too. One that is there already is fine.
-ORV_API int createFolder(const char* path, bool parents);
+inline constexpr uint anybodysFolder = 0777, usersFolder = 0700;
+/// Makes a folder, with `parents` those above it too. One that is there already is fine. `mode`: the permissions of all
+/// that is made, less the mask of the process.
+ORV_API int createFolder(const char* path, bool parents, uint mode = anybodysFolder);
 /// Makes a new empty file of a name that nothing had: `path`, a few letters and digits, `ending`. The name goes to
 /// `path`.
 ORV_API int createUnique(PathText& path, const char* ending);

@@ -10,7 +10,8 @@ namespace toolkit {
 ORV_API int appFolder(PathText& path);
 /// The root folder of the installation, see `rootFolder`.
 ORV_API int mainFolder(PathText& path);
-/// The folder that user data of this library lies in, by the XDG base directories; it need not be there yet.
+/// The folder that user data of this library lies in, by the XDG base directories; it need not be there yet. It is
+/// made for the user alone.
 ORV_API int userDataFolder(PathText& path);
 /// The folder for temporary files.
 ORV_API int tempFolder(PathText& path);

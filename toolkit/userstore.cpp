@@ -82,7 +82,7 @@ bool storeUserText(const char* name, const char* text, size_t length) {
     PathText folder;
     if (!folder.assign(path.text())) return false;
     folder.cutName();
-    if (createFolder(folder.text(), true) != 0) return false;
+    if (createFolder(folder.text(), true, usersFolder) != 0) return false;
     auto line = static_cast<char*>(allocBlock(length + 1));
     if (!line) return false;
     std::memcpy(line, text, length);

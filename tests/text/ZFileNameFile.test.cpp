@@ -97,6 +97,7 @@ TEST_F(FileNames, FileWork) {
 
     EXPECT_TRUE(named("~/sub/file").write("user", 4));
     EXPECT_EQ(folder.read("data/orvcore/sub/file"), "user");
+    EXPECT_EQ(std::filesystem::status(folder.path("data/orvcore")).permissions(), std::filesystem::perms::owner_all);
     EXPECT_EQ(contents("~/SUB/file"), "user");
     EXPECT_TRUE(ZFileName::removeUserData());
     EXPECT_FALSE(std::filesystem::exists(folder.path("data/orvcore")));
