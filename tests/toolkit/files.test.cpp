@@ -249,13 +249,9 @@ TEST(Places, UserDataLiesUnderXdgAndCantBeLeft) {
 
 TEST(Places, TemporaryFilesGoAtTheEndOfTheirProcess) {
     TempFolder folder;
-    std::string a = folder.file("a"), b = folder.file("b/inner"), c = folder.file("c");
+    std::string a = folder.file("a"), b = folder.file("b/inner");
     EXPECT_EQ(registerTemporary(a.c_str()), 0);
-    EXPECT_EQ(registerTemporary(a.c_str()), EEXIST);
     EXPECT_EQ(registerTemporary(folder.path("b").c_str()), 0);
-    EXPECT_EQ(registerTemporary(c.c_str()), 0);
-    EXPECT_TRUE(unregisterTemporary(c.c_str()));
-    EXPECT_FALSE(unregisterTemporary(c.c_str()));
 
     // A child that ends takes its own, not those of its parent.
     pid_t child = fork();
@@ -272,6 +268,4 @@ TEST(Places, TemporaryFilesGoAtTheEndOfTheirProcess) {
     EXPECT_EQ(cleanTemporary(), 0);
     EXPECT_EQ(folder.read("a"), "(none)");
     EXPECT_FALSE(nameTaken(folder.path("b").c_str()));
-    EXPECT_EQ(folder.read("c"), "x");
-    forgetTemporary();
 }
