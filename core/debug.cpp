@@ -63,10 +63,13 @@ void logstack(const char* label, const void* p, int depth) {
     if (!toolkit::load(orv::coreState.coreLoaded) || !currentSink()) return;
     zdebug("%s: %p", label, p);
     constexpr int most = 64;
-    void* frames[most + 1];
-    // The first frame is this function's own.
-    int count = backtrace(frames, 1 + (depth > 0 && depth < most ? depth : most));
-    for (int i = 1; i < count; ++i) {
+    void* frames[most + 2];
+    int count = backtrace(frames, most + 2), first = 1;
+    // In front of the caller stands this function's own frame, under a sanitizer also that of its `backtrace`.
+    while (first < count && frames[first - 1] != __builtin_return_address(0)) ++first;
+    first = first < count ? first - 1 : 1;
+    int last = depth > 0 && depth < count - first ? first + depth : count;
+    for (int i = first; i < last; ++i) {
         Dl_info place{};
         dladdr(frames[i], &place);
         const char* name = place.dli_sname ? place.dli_sname : place.dli_fname ? place.dli_fname : "?";
