@@ -4,6 +4,8 @@
 #include "text/transcode.h"
 #include "toolkit/text.h"
 
+#include <type_traits>
+
 /// One code point, 0 when nothing was put in. Every question stands twice: of the character, and of a code as a static
 /// function. Values that are no code points have no properties and map to themselves.
 class ORV_API ZChar {
@@ -155,6 +157,10 @@ public:
 
     constexpr ZChar() = default;
     constexpr ZChar(ichar code) : code(code) {}
+    /// U+0000 to U+00FF, whether a char has a sign or not.
+    template <class C>
+    requires std::is_same_v<C, char>
+    constexpr ZChar(C code) : code(static_cast<unsigned char>(code)) {}
     /// What stands at a place in a string.
     ZChar(const ZCharRef& place);
     /// The first character of UTF-8 text; 0 for null and for a length below 1.

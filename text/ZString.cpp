@@ -191,9 +191,9 @@ bool ZString::detachString() { return own(0); }
 bool ZString::isDetached() const { return record ? shared() : index && strtable::refcount(index) > 0; }
 
 void* ZString::data(Type& type) {
-    if (!detachString()) return nullptr;
+    bool detached = detachString();
     type = this->type();
-    return record ? record->text() : nullptr;
+    return detached && record ? record->text() : nullptr;
 }
 const void* ZString::data(Type& type) const {
     TextView text = view();

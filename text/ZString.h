@@ -160,7 +160,8 @@ public:
     bool set(int pos, const ZString& text, int n = -1);
     /// As often as it fits into the length; blanks fill the rest.
     bool fill(const ZChar& character);
-    bool fill(int code) { return fill(ZChar(ichar(code))); }
+    /// A negative code is that of a char with a sign.
+    bool fill(int code) { return fill(code < 0 ? ZChar(char(code)) : ZChar(ichar(code))); }
     bool lower();
     bool upper();
     /// Replaces every code point, and answers how many; -1 without memory. 0 as the other code takes it out.
@@ -197,7 +198,7 @@ public:
     /// The last occurrence.
     int rpos(const ZString& text) const { return find(text.view(), 0, true, false); }
     int rposi(const ZString& text) const { return find(text.view(), 0, true, true); }
-    /// A code point. The code 0 is nowhere.
+    /// A code point. The code 0 and what is no code point are nowhere.
     int codePos(ichar code) const { return findCode(code, 0, false, false); }
     int codePos(int from, ichar code) const { return findCode(code, from, false, false); }
     int codePosI(ichar code) const { return findCode(code, 0, false, true); }
@@ -346,7 +347,8 @@ public:
     ZString removeSuffix(uint a, uint b) const;
     /// Without the prefix, if the text starts with it.
     ZString removePrefix(const ZString& prefix) const;
-    /// Without the dashes, bullets and blanks of a list; what has nothing else is empty.
+    /// Without the mark of a list item: dashes and blanks at both ends, then bullets and blanks at the start. A text of
+    /// dashes and blanks alone is empty.
     ZString adjustListName() const;
     /// In the text of a number that has a decimal character: removes `fill` at the end down to it, and it as well if
     /// nothing is left behind it. Then does what `clipDecimal` does.
@@ -369,6 +371,9 @@ public:
 
     /// The selector of the UTF-8 text.
     ZSelector toSelector() const;
+    /// The bytes of the text, read in the encoding `from`, as text of the encoding `to`. The one pair is "shiftjis" to
+    /// "unicode": `WChar` text with U+FFFD for each malformed part. Any other gives the empty string.
+    ZString convert(const ZSelector& to, const ZSelector& from) const;
     /// The text of a file: UTF-8 with or without a mark at its start, UTF-16 or UTF-32 with one. A relative path is
     /// logical (see `ZFileName`). Empty for an empty file, and with `loaded` false where it can't be read.
     static ZString load(const ZString& path, bool* loaded = nullptr);

@@ -323,7 +323,9 @@ int ZString::replace(const ZString& needle, const ZString& other) {
 
 int ZString::replace(uint code, uint other) {
     int width = view().width;
-    return code == other ? 0 : replace(View(CodeText(code, width)), View(CodeText(other, width)));
+    return code == other || !detail::validCode(code)
+               ? 0
+               : replace(View(CodeText(code, width)), View(CodeText(other, width)));
 }
 
 // Parts
@@ -390,4 +392,22 @@ bool ZString::append(const ZSelector& selector) { return append(selectorText(sel
 ZSelector ZString::toSelector() const {
     TextIn<char> text(view());
     return text.length ? ZSelector(text.text, text.length) : ZSelector();
+}
+
+static bool isNamed(const ZSelector& selector, const char* name) {
+    TextView text = selectorText(selector);
+    return detail::compareText(text, TextView(name, int(std::strlen(name)))) == 0;
+}
+
+ZString ZString::convert(const ZSelector& to, const ZSelector& from) const {
+    if (isEmpty() || !isNamed(to, "unicode") || !isNamed(from, "shiftjis")) return ZString();
+    TextIn<char> bytes(view());
+    size_t need = toolkit::fromShiftJis(nullptr, 0, bytes.text, size_t(bytes.length));
+    ZString made;
+    if (need) made.record = newRecord(WChar, large(need), int(need));
+    if (!made.record || !toolkit::fromShiftJis(made.record->units<wchar>(), need, bytes.text, size_t(bytes.length))) {
+        ZError::fail();
+        return ZString();
+    }
+    return made;
 }

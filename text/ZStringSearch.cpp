@@ -36,7 +36,7 @@ int ZString::find(const View& text, int from, bool last, bool ignoreCase) const 
 }
 
 int ZString::findCode(ichar code, int from, bool last, bool ignoreCase) const {
-    return code ? find(CodeText(code, view().width), from, last, ignoreCase) : -1;
+    return code && detail::validCode(code) ? find(CodeText(code, view().width), from, last, ignoreCase) : -1;
 }
 
 bool ZString::startsWith(const View& text, bool ignoreCase) const {

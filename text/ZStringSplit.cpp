@@ -208,7 +208,6 @@ ZArrayT<ZString> ZString::split(const ZString& separators, bool keepEmpty) const
         return {};
     }
     CodeSet set;
-    ZString others;
     for (int i = 0; i < codes.length; ++i)
         if (codes.text[i] < 128)
             set.ascii[codes.text[i] >> 6] |= uint64_t(1) << (codes.text[i] & 63);

@@ -50,6 +50,14 @@ template <Case which, class C> inline ichar readBefore(const C*& at, const C* be
     return malformedValue(at, next);
 }
 
+/// Passes what searches compare: a unit, so that malformed texts are found as they are, or a folded code point.
+template <class C> inline ichar step(const C*& at, const C* end, Case which) {
+    return which == Case::Exact ? unitValue(*at++) : read<Case::Ignored>(at, end);
+}
+template <class C> inline ichar stepBack(const C*& at, const C* begin, Case which) {
+    return which == Case::Exact ? unitValue(*--at) : readBefore<Case::Ignored>(at, begin);
+}
+
 /// Where a needle ends that begins at `at`, ignoring case; null if it isn't there. Adds the steps taken.
 template <class C> const C* foldedMatch(const C* at, const C* end, Run<C> needle, size_t& steps) {
     for (const C* part = needle.begin; part < needle.end; ++steps) {
@@ -130,8 +138,8 @@ const C* scanAnchors(const C* at, const C* end, const Anchor<C>& first, const An
     return nullptr;
 }
 
-/// The codes of a needle in the order of reading, and for each the length of the longest border of what stands before
-/// it.
+/// The units or codes of a needle in the order of reading, and for each the length of the longest border of what stands
+/// before it.
 class NeedleTable {
 public:
     ~NeedleTable() { toolkit::freeBlock(block); }
@@ -144,7 +152,7 @@ public:
         borders = codes + (block ? needle.size() : localRoom);
         const C* at = backwards ? needle.end : needle.begin;
         while (at != (backwards ? needle.begin : needle.end))
-            codes[count++] = backwards ? readCodeBefore(at, needle.begin, which) : readCode(at, needle.end, which);
+            codes[count++] = backwards ? stepBack(at, needle.begin, which) : step(at, needle.end, which);
         borders[0] = 0;
         for (size_t i = 1, border = 0; i < count; ++i) {
             while (border && codes[i] != codes[border]) border = borders[border - 1];
@@ -175,9 +183,9 @@ inline bool wasteful(size_t steps, size_t scanned) { return steps > 4096 + 8 * s
 
 template <class C> const C* findByTable(const C* at, Run<C> text, NeedleTable& table, Case which, const C** matchEnd) {
     while (at < text.end) {
-        if (!table.take(readCode(at, text.end, which))) continue;
+        if (!table.take(step(at, text.end, which))) continue;
         *matchEnd = at;
-        for (size_t i = table.size(); i > 0; --i) readCodeBefore(at, text.begin, which);
+        for (size_t i = table.size(); i > 0; --i) stepBack(at, text.begin, which);
         return at;
     }
     return nullptr;
@@ -262,12 +270,11 @@ template <class C> const C* findFolded(Run<C> text, Run<C> needle, const C** mat
 
 /// The last place without a table, for want of memory.
 template <class C> const C* findLastSlowly(Run<C> text, Run<C> needle, Case which, const C** matchEnd) {
-    for (const C* end = text.end; end > text.begin; readCodeBefore(end, text.begin, which)) {
+    for (const C* end = text.end; end > text.begin; stepBack(end, text.begin, which)) {
         const C *at = end, *part = needle.end;
         bool same = true;
         while (same && part > needle.begin)
-            same =
-                at > text.begin && readCodeBefore(at, text.begin, which) == readCodeBefore(part, needle.begin, which);
+            same = at > text.begin && stepBack(at, text.begin, which) == stepBack(part, needle.begin, which);
         if (!same) continue;
         *matchEnd = end;
         return at;
@@ -381,9 +388,9 @@ template <class C> const C* findLast(Run<C> text, Run<C> needle, Case which, con
     NeedleTable table;
     if (!table.build(needle, which, true)) return findLastSlowly(text, needle, which, matchEnd);
     for (const C* at = text.end; at > text.begin;) {
-        if (!table.take(readCodeBefore(at, text.begin, which))) continue;
+        if (!table.take(stepBack(at, text.begin, which))) continue;
         *matchEnd = at;
-        for (size_t i = table.size(); i > 0; --i) readCode(*matchEnd, text.end, which);
+        for (size_t i = table.size(); i > 0; --i) step(*matchEnd, text.end, which);
         return at;
     }
     return nullptr;

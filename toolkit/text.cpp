@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstring>
 #include <unicode/uchar.h>
+#include <unicode/ucnv.h>
+#include <unicode/ucnv_cb.h>
 #include <unicode/ucol.h>
 #include <unicode/unorm2.h>
 #include <unicode/ustring.h>
@@ -213,6 +215,26 @@ size_t mapCase(TextCase kind, wchar* out, size_t room, const wchar* text, size_t
         needed = u_strFoldCase(out, size, text, n, U_FOLD_CASE_DEFAULT, &error);
         break;
     }
+    return U_FAILURE(error) && error != U_BUFFER_OVERFLOW_ERROR ? 0 : size_t(needed);
+}
+
+/// Writes U+FFFD for a malformed part: by default the converter writes a control character for single bytes.
+static void replaceMalformed(const void*, UConverterToUnicodeArgs* arguments, const char*, int32_t,
+                             UConverterCallbackReason reason, UErrorCode* error) {
+    if (reason > UCNV_IRREGULAR) return;
+    *error = U_ZERO_ERROR;
+    const UChar replacement = 0xFFFD;
+    ucnv_cbToUWriteUChars(arguments, &replacement, 1, 0, error);
+}
+
+size_t fromShiftJis(wchar* out, size_t room, const char* text, size_t length) {
+    if (!length || length > size_t(1) << 30) return 0;
+    UErrorCode error = U_ZERO_ERROR;
+    UConverter* converter = ucnv_open("Shift_JIS", &error);
+    ucnv_setToUCallBack(converter, replaceMalformed, nullptr, nullptr, nullptr, &error);
+    int size = out ? int(std::min(room, size_t(INT32_MAX))) : 0;
+    int needed = ucnv_toUChars(converter, out, size, text, int(length), &error);
+    ucnv_close(converter);
     return U_FAILURE(error) && error != U_BUFFER_OVERFLOW_ERROR ? 0 : size_t(needed);
 }
 

@@ -59,6 +59,10 @@ enum class TextCase { Lower, Upper, Title, Fold };
 /// takes; with a null `out` it only measures. 0 also when there is no memory or the text is above 2^30 units.
 ORV_API size_t mapCase(TextCase kind, wchar* out, size_t room, const wchar* text, size_t length);
 
+/// Shift JIS as UTF-16, each malformed part U+FFFD. Writes at most `room` units, no terminator, and answers the units
+/// that the text takes; with a null `out` it only measures. 0 also without memory, and for a text above 2^30 bytes.
+ORV_API size_t fromShiftJis(wchar* out, size_t room, const char* text, size_t length);
+
 /// The order of two texts as a reader expects it, by the root collation: negative, 0 or positive. Texts that differ can
 /// be equal in it. Only the first 2^28 units count. Without the collation data or memory: the order of the units.
 ORV_API int collate(const char* a, size_t lengthA, const char* b, size_t lengthB);

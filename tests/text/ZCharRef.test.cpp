@@ -44,7 +44,7 @@ TEST_F(StringChars, NarrowestFormOfACharacter) {
 TEST_F(StringChars, CharactersAreEncodedForTheWidth) {
     for (ZString::Type type : widths) {
         ZString s = inForm("ab", type);
-        EXPECT_TRUE(s.insert(1, ZChar(0x1F600)) && s.append(ZChar(0xE9)) && s.append(ZChar()));
+        EXPECT_TRUE(s.insert(1, ZChar(0x1F600)) && s.append('\xE9') && s.append(ZChar()));
         EXPECT_EQ(utf8(s), "a\xF0\x9F\x98\x80"
                            "b\xC3\xA9");
         EXPECT_TRUE(s.set("1234567") && s.setType(type) && s.fill(ZChar(0x3042)));
@@ -103,6 +103,13 @@ TEST_F(StringChars, Selectors) {
         EXPECT_EQ(s.toSelector().key(), name.key());
         EXPECT_TRUE(s.setSelector(ZSelector()) && s.isEmpty());
         EXPECT_TRUE(s.toSelector().isEmpty());
+        // An ideograph, a half-width letter, a yen sign's place, an odd byte and a cut pair.
+        ZString japanese("\x93\xFA\xB1\\\xFF\x81"), read = japanese.convert("unicode", "shiftjis");
+        EXPECT_EQ(read.type(), ZString::WChar);
+        EXPECT_TRUE(read == ZString(u"\u65E5\uFF71\\\uFFFD\uFFFD"));
+        EXPECT_TRUE(japanese.convert("shiftjis", "unicode").isEmpty() &&
+                    ZString().convert("unicode", "shiftjis").isEmpty());
+        EXPECT_EQ(zfailcount(), 0);
     }
     ZSelector::close();
 }

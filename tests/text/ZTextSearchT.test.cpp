@@ -263,6 +263,9 @@ TEST(TextSearchBytes, MalformedBytesDiffer) {
                             "b",
                             "a??b"));
     const char* text = "x\xE3\x81y\xE3";
+    const char* kana = "\xE3\x81\x82";
+    EXPECT_EQ(Text::strstr(kana, "\x81"), kana + 1);
+    EXPECT_EQ(Text::strrstr(kana, "\x81"), kana + 1);
     EXPECT_EQ(Text::strirstr(text, "\xE3"), text + 4);
     EXPECT_EQ(Text::stristr(text, "\x81Y"), text + 2);
 }
