@@ -40,10 +40,10 @@ void writeLog(const char* event, TLockId id, const char* label, int index) {
 
 } // namespace
 
-ZLock::ZLock() : ZLock(lockingOn()) {}
+ZLock::ZLock() : ZLock(true) {}
 
 ZLock::ZLock(bool wanted) {
-    if (wanted && !create(true, true)) ZError::fail();
+    if (wanted && lockingOn() && !create(true, true)) ZError::fail();
 }
 
 ZLock::ZLock(TLockId wanted) { setId(wanted); }
@@ -80,9 +80,7 @@ void ZLock::setId(TLockId wanted) {
 
 bool ZLock::lock(bool tryOnly) const {
     if (!id) return true;
-    if (tryOnly) return toolkit::tryLockAlone(id);
-    toolkit::lockAlone(id);
-    return true;
+    return tryOnly ? toolkit::tryLockAlone(id) : toolkit::lockAlone(id);
 }
 
 int ZLock::lockCount() const { return toolkit::lockHolds(id); }

@@ -96,7 +96,7 @@ public:
     // Making from parts: of a list the items with their separator between them, of a template name and items, of a
     // function result, name and items. One item alone in a list of words, a path or a colon list is that item, its kind
     // worked out anew; so is the kind of words joined for `Detect`. The parts are read from the text later: they are
-    // what it says, whatever kinds the items had. Types without parts give an empty selector.
+    // what it says, whatever kinds the items had. Empty items are left out. Types without parts give an empty selector.
 
     ZSelector(const ZSelector& name, const ZSelector& result, const ZSelector* params, int count, Type type);
     ZSelector(const ZSelector& name, const ZSelector& result, Type type);

@@ -130,11 +130,16 @@ struct TextSink {
     void put(const ZSelector& sel) { put(sel.string(), size_t(sel.length())); }
 };
 
-void putItems(TextSink& sink, const ZSelector* items, int count, const char* separator) {
+/// Empty items are left out, as they are when a text is taken apart. Answers the last one; null for none.
+const ZSelector* putItems(TextSink& sink, const ZSelector* items, int count, const char* separator) {
+    const ZSelector* last = nullptr;
     for (int i = 0; i < count; ++i) {
-        if (i) sink.put(separator);
-        sink.put(items[i]);
+        if (items[i].isEmpty()) continue;
+        if (last) sink.put(separator);
+        last = items + i;
+        sink.put(*last);
     }
+    return last;
 }
 
 /// False for a type that isn't made of parts.
@@ -154,12 +159,13 @@ bool putText(TextSink& sink, const ZSelector& name, const ZSelector& result, con
     case ZSelector::Types:
         putItems(sink, items, count, "::");
         return true;
-    case ZSelector::Template:
+    case ZSelector::Template: {
         sink.put(name);
         sink.put("<");
-        putItems(sink, items, count, ", ");
-        sink.put(count > 0 && items[count - 1].at(items[count - 1].length() - 1) == '>' ? " >" : ">");
+        const ZSelector* last = putItems(sink, items, count, ", ");
+        sink.put(last && last->at(last->length() - 1) == '>' ? " >" : ">");
         return true;
+    }
     case ZSelector::Method:
         if (!result.isEmpty()) {
             sink.put(result);
@@ -187,7 +193,8 @@ char* ZSelectorData::composeText(const ZSelector& name, const ZSelector& result,
     if (!sink.out) return nullptr;
     putText(sink, name, result, items, count, type);
     sink.out[length] = 0;
-    bool single = count == 1 && type >= ZSelector::Names && type <= ZSelector::Colon;
+    bool single = std::count(items, items + count, ZSelector()) == count - 1 && type >= ZSelector::Names &&
+                  type <= ZSelector::Colon;
     if (type == ZSelector::Detect || single) type = orv::detail::selectorType(sink.out, length);
     return sink.out;
 }

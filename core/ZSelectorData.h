@@ -25,6 +25,10 @@ public:
         VariableName = 0x400 ///< names a variable; set for every dotted path
     };
 
+    /// Up to so many parts of a list are compared in turn, which is faster than to look in a sorted copy.
+    static constexpr uint mostFewWords = 32;
+    static constexpr ularge wordBit(uint key) { return 1ull << key % 64; }
+
     ZSelectorData() = default;
     /// An entry for a lookup; it borrows the text.
     ZSelectorData(const char* text, size_t length, ZSelector::Type type, ularge textHash);
@@ -73,6 +77,8 @@ public:
     uint paramCount = 0;
     ZSelector nameSel;   ///< of a function or template
     ZSelector resultSel; ///< of a function
+    /// Of a list in the space with few parts: a bit for each, so that most others needn't be compared. Else 0. Atomic.
+    ularge wordMask = 0;
     ZSelector* params = nullptr;
     ZSelector* sortedParams = nullptr; ///< uncounted copies; atomic; guarded by the space's second lock
     uint xmlName = 0, xmlSpace = 0;    ///< handles in the XML name table; 0 for none

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-using orv::detail::resolved;
+using orv::detail::isList;
 using orv::detail::SelectorBuilder;
 using orv::detail::SelectorList;
 
@@ -78,12 +78,6 @@ private:
     Row* rows = nullptr;
 };
 
-constexpr bool isList(ZSelector::Type type) {
-    constexpr uint lists =
-        1u << ZSelector::Names | 1u << ZSelector::UID | 1u << ZSelector::Colon | 1u << ZSelector::Types;
-    return lists >> type & 1;
-}
-
 bool both(bool inFirst, bool inSecond) { return inFirst && inSecond; }
 bool either(bool, bool) { return true; }
 bool firstOnly(bool inFirst, bool inSecond) { return inFirst && !inSecond; }
@@ -123,46 +117,53 @@ bool ZSelector::intersects(const ZSelector& sel, Type type) const {
 }
 
 namespace {
-constexpr uint fewWords = 32;
-
-/// Whether a value is among few: four at a time, which is faster than to look in a sorted copy.
-bool amongFew(const ZSelector* items, uint count, uint key) {
+/// Whether a value is among some, of which four are compared at a time.
+inline bool amongFew(const ZSelector* items, uint count, uint key) {
     using Four = uint __attribute__((vector_size(16)));
-    Four wanted{key, key, key, key}, hits{};
-    uint at = 0;
-    for (; at + 4 <= count; at += 4) {
-        Four four;
-        __builtin_memcpy(&four, items + at, sizeof four);
-        hits |= Four(four == wanted);
-    }
     using Two = ularge __attribute__((vector_size(16)));
+    if (ORV_UNLIKELY(count < 4)) {
+        bool found = false;
+        for (uint at = 0; at < count; ++at) found |= items[at].key() == key;
+        return found;
+    }
+    auto hitsAt = [wanted = Four{key, key, key, key}](const ZSelector* at) {
+        Four four;
+        __builtin_memcpy(&four, at, sizeof four);
+        return Four(four == wanted);
+    };
+    const ZSelector* last = items + count - 4; // overlaps the others where four don't go into the count
+    Four hits = hitsAt(last);
+    for (; items < last; items += 4) hits |= hitsAt(items);
     Two halves = Two(hits);
-    bool found = (halves[0] | halves[1]) != 0;
-    for (; at < count; ++at) found |= items[at].key() == key;
-    return found;
+    return (halves[0] | halves[1]) != 0;
 }
-inline bool hasPart(ZSelectorData& entry, const ZSelector& sel) {
-    return entry.paramCount <= fewWords ? amongFew(entry.params, entry.paramCount, sel.key())
-                                        : entry.containsSorted(sel);
-}
-/// Apart from the question for one word, which is asked most and stays short.
-[[gnu::noinline]] bool hasParts(ZSelectorData& entry, const ZSelector& list) {
-    SelectorList items(list, ZSelector::Detect);
-    return !items.failed && std::all_of(items.begin(), items.end(), [&](auto& item) { return hasPart(entry, item); });
+
+/// All but the question for one word in a short list, which is asked most and stays short.
+[[gnu::noinline]] bool hasWords(ZSelectorData& entry, const ZSelector& sel) {
+    if (!isList(entry.type) || !orv::detail::selectorSpace.resolve(entry.self)) return false;
+    if (sel.isEmpty()) return entry.type == ZSelector::Names;
+    auto has = [&entry](const ZSelector& word) {
+        return entry.wordMask ? amongFew(entry.params, entry.paramCount, word.key()) : entry.containsSorted(word);
+    };
+    if (has(sel)) return true;
+    if (sel.type() != entry.type) return false;
+    SelectorList words(sel, ZSelector::Detect);
+    return !words.failed && std::all_of(words.begin(), words.end(), has);
 }
 } // namespace
 
 bool ZSelector::contains(const ZSelector& sel) const {
-    if (id == sel.id) return true;
+    uint wanted = sel.id;
+    if (id == wanted) return true;
     ZSelectorSpace& space = orv::detail::selectorSpace;
     ZSelectorData* entry = space.get(id);
-    if (!entry || !isList(entry->type)) return false;
-    if (!(toolkit::loadAcquire(entry->flags) & ZSelectorData::Parts) && !space.resolve(id)) return false;
-    if (sel.isEmpty()) return entry->type == Names;
-    if (hasPart(*entry, sel)) return true;
-    const ZSelectorData* other = space.get(sel.id);
-    if (!other || other->type != entry->type) return false;
-    return hasParts(*entry, sel);
+    if (!entry) return false;
+    ularge mask = toolkit::loadAcquire(entry->wordMask);
+    if (ORV_UNLIKELY(!mask)) return hasWords(*entry, sel);
+    if (mask & ZSelectorData::wordBit(wanted) && amongFew(entry->params, entry->paramCount, wanted)) return true;
+    const ZSelectorData* other = space.get(wanted);
+    if (ORV_LIKELY(other && other->type != entry->type)) return false;
+    return hasWords(*entry, sel);
 }
 
 bool ZSelector::contains(const ZSelector& sel, Type type) const {

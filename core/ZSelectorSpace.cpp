@@ -255,7 +255,8 @@ uint ZSelectorSpace::retain(uint id, bool lock) {
     if (!entry) return 0;
     if (load(entry->marks) & SelectorEntry::uncounted) return id;
     Hold held(*this, lock);
-    return toolkit::incNonZero(entry->refCount) > 0 ? id : 0;
+    // The entry may have gone before the lock was there.
+    return get(id) == entry && toolkit::incNonZero(entry->refCount) > 0 ? id : 0;
 }
 
 int ZSelectorSpace::refcount(uint id) {
@@ -274,6 +275,7 @@ void ZSelectorSpace::giveUp(uint id, ZSelectorData*& dead, bool lock) {
     Hold held(*this, lock);
     if (load(entry->refCount) < 1 || toolkit::decrement(entry->refCount) > 0) return;
     map->unlink(id);
+    enterDirectory(id, nullptr);
     entry->next = dead;
     dead = entry;
 }
@@ -303,7 +305,6 @@ void ZSelectorSpace::bury(ZSelectorData* dead, bool lock) {
         entry->refCount = 0;
         Hold held(*this, lock);
         if (isOpen()) {
-            enterDirectory(self, nullptr);
             map->remove(self);
             --unindexed;
         }
@@ -363,6 +364,10 @@ ZSelectorData* ZSelectorSpace::resolve(uint id) {
             dropSelf(entry, entry->nameSel);
             dropSelf(entry, entry->resultSel);
             for (int i = 0; i < count; ++i) dropSelf(entry, entry->params[i]);
+            ularge mask = 0;
+            bool few = orv::detail::isList(entry->type) && uint(count) <= ZSelectorData::mostFewWords;
+            for (int i = 0; few && i < count; ++i) mask |= ZSelectorData::wordBit(entry->params[i].key());
+            storeRelease(entry->wordMask, mask);
             storeRelease(entry->flags, entry->flags | ZSelectorData::Parts);
         }
     }

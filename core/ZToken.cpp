@@ -2,7 +2,10 @@
 
 #include "core/ZSelector.h"
 #include "text/ZString.h"
+#include "text/transcode.h"
+#include "toolkit/text.h"
 
+#include <climits>
 #include <cstring>
 
 ZToken::ZToken(ZTokenSpace* space, const char* text) : owner(space), id(space ? space->create(text) : 0) {}
@@ -82,20 +85,22 @@ ZToken ZToken::number(real value) const {
     return sibling(text);
 }
 
-ZToken ZToken::capitalize() const {
-    ZString text(string(), length());
-    int first = 1;
-    while ((byte(at(first)) & 0xC0) == 0x80) ++first;
-    ZString head = text.start(first);
-    head.upper();
-    return sibling(head + text.end(first));
+namespace {
+/// The text with `map` applied to its first `codes` code points, one for one, as selectors do.
+ZString mapped(const ZToken& token, int codes, ichar (*map)(ichar)) {
+    const char *at = token.string(), *end = at + token.length();
+    ZString text;
+    for (; at < end && codes; --codes) {
+        char units[orv::detail::longestCode<char>];
+        int count = orv::detail::encodeCode(units, map(orv::detail::decodeCode(at, end)));
+        if (!text.append(units, count)) return ZString();
+    }
+    return at < end && !text.append(at, int(end - at)) ? ZString() : text;
 }
+} // namespace
 
-ZToken ZToken::lowerCase() const {
-    ZString text(string(), length());
-    text.lower();
-    return sibling(text);
-}
+ZToken ZToken::capitalize() const { return sibling(mapped(*this, 1, toolkit::codeUpper)); }
+ZToken ZToken::lowerCase() const { return sibling(mapped(*this, INT_MAX, toolkit::codeLower)); }
 
 ZToken ZToken::removeSpaces() const {
     ZString text(string(), length());

@@ -80,7 +80,7 @@ uint ZTokenUser::hash(const ZRedBlackMap*, const void* key, uint size) { return 
 bool ZTokenSpace::open() {
     if (!map.init(sizeof(ZTokenData), hashSize, uint(slotLength > 0 ? slotLength : 1))) return false;
     map.setUser(&tokenUser.user);
-    name_id.clear();
+    if (!closed) name_id.clear();
     closed = false;
     return true;
 }

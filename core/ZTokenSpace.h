@@ -47,7 +47,8 @@ class ORV_API ZTokenSpace {
 public:
     ZTokenSpace() = default;
 
-    /// Makes the space ready, without tokens. False when there is no memory.
+    /// Makes the space ready, without tokens. Rows that were made while it was closed stay. False when there is no
+    /// memory.
     bool open();
     /// Frees everything. Tokens that are left over may be destroyed.
     void close();

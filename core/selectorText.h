@@ -12,6 +12,13 @@ struct SelectorPart {
     size_t length = 0;
 };
 
+/// Whether a kind is that of texts which are lists of items and nothing else.
+constexpr bool isList(ZSelector::Type type) {
+    constexpr uint lists =
+        1u << ZSelector::Names | 1u << ZSelector::UID | 1u << ZSelector::Colon | 1u << ZSelector::Types;
+    return lists >> type & 1;
+}
+
 /// The kind of a text as it stands.
 ORV_API ZSelector::Type selectorType(const char* text, size_t length);
 

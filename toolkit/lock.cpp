@@ -120,8 +120,8 @@ bool spinFor(LockRecord& record, TLockId id) {
 /// What a thread that holds the lock alone does to take it once more.
 bool nestHold(LockRecord& record, bool alone, bool wait) {
     if (alone && !(load(record.traits) & traitRecursive)) {
-        if (wait) lockMisuse("a lock that doesn't recurse is taken again by its holder");
         if (!wait) return false;
+        lockMisuse("a lock that doesn't recurse is taken again by its holder");
     }
     store(record.depth, record.depth + 1);
     return true;

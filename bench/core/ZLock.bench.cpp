@@ -15,7 +15,8 @@ void startThread() {
 
 void oursAlone(benchmark::State& state) {
     startThread();
-    ZLock lock(true);
+    ZLock lock(false);
+    lock.init(true);
     long count = 0;
     for (auto _ : state) {
         lock.lock();
@@ -38,7 +39,8 @@ BenchPair alone("`ZLock` uncontended", "std::recursive_mutex", 1.1, oursAlone, p
 
 void oursRead(benchmark::State& state) {
     startThread();
-    ZLock lock(true);
+    ZLock lock(false);
+    lock.init(true);
     long count = 0;
     for (auto _ : state) {
         lock.readLock();

@@ -66,6 +66,11 @@ TEST(SelectorParts, ComposedTexts) {
     EXPECT_EQ(text(ZSelector(ZSelector("f"), a, inner, 2, ZSelector::Method)), "a f(a, A<b>)");
     EXPECT_EQ(text(ZSelector(ZSelector("f"), ZSelector(), ZSelector::Method)), "f()");
     EXPECT_TRUE(ZSelector(items, 2, ZSelector::Name).isEmpty());
+    ZSelector gaps[] = {ZSelector(), a, ZSelector(), b, ZSelector()};
+    EXPECT_EQ(ZSelector(gaps, 5, ZSelector::Names), ZSelector("a b"));
+    EXPECT_EQ(ZSelector(gaps, 3, ZSelector::UID), a);
+    EXPECT_EQ(text(ZSelector(list, ZSelector(), gaps, 5, ZSelector::Method)), "A<b>(a, b)");
+    EXPECT_TRUE(ZSelector(gaps, 1, ZSelector::Names).isEmpty());
     EXPECT_TRUE(ZSelector(items, 0, ZSelector::Names).isEmpty());
     EXPECT_TRUE(ZSelector(items, -1, ZSelector::Names).isEmpty());
     ZArrayT<ZSelector> array(items, 2);
@@ -166,6 +171,21 @@ TEST(SelectorParts, Sets) {
     EXPECT_FALSE(path.matchId(ZSelector("a.b")));
     ZArrayT<ZSelector> array(path.extract());
     EXPECT_EQ(ZSelector("c x a").countItems(array), 2);
+}
+
+TEST(SelectorParts, ListsOfEveryLengthContainTheirItemsOnly) {
+    SelectorScope scope;
+    std::vector<ZSelector> all;
+    for (int i = 0; i < 200; ++i) all.push_back(ZSelector(("item" + std::to_string(i)).c_str()));
+    for (auto type : {ZSelector::Names, ZSelector::UID})
+        for (int count = 2; count < 40; ++count) {
+            ZSelector list(all.data() + count, count, type);
+            for (int i = 0; i < 200; ++i)
+                ASSERT_EQ(list.contains(all[size_t(i)]), i >= count && i < 2 * count) << count << ", " << i;
+            EXPECT_TRUE(list.contains(list.suffix()));
+            EXPECT_FALSE(list.contains(ZSelector(all.data() + count - 1, 3, type)));
+            EXPECT_EQ(list.contains(ZSelector()), type == ZSelector::Names);
+        }
 }
 
 TEST(SelectorParts, LargeSetsTakeNoQuadraticTime) {

@@ -66,8 +66,10 @@ TEST(ZTokenSpace, CountsFromTheReferenceStartOn) {
 }
 
 TEST(ZTokenSpace, NameTokensAndTheirRows) {
-    Space space;
-    ASSERT_TRUE(space.setNameCount(4));
+    ZTokenSpace space;
+    ASSERT_TRUE(space.setNameCount(4)); // as any setting, before or after it opens
+    ASSERT_TRUE(space.open());
+    space.setReferenceStart(0);
     uint size = space.createName(2, "size", someCallback), far = space.createName(9, "far", nullptr);
     EXPECT_EQ(space.tokenName(2), size);
     EXPECT_STREQ(space.tokenStr(2), "size");
@@ -89,6 +91,8 @@ TEST(ZTokenSpace, NameTokensAndTheirRows) {
     space.remove(size);
     EXPECT_EQ(space.tokenName(2), 0u) << "no row names an id that is gone";
     EXPECT_FALSE(space.setNameCount(-1));
+    EXPECT_TRUE(space.open());
+    EXPECT_EQ(space.tokenName(1), 0u) << "opened anew";
 }
 
 TEST(ZTokenSpace, ClosedSpacesAnswerNothing) {
@@ -167,6 +171,7 @@ TEST(ZToken, TextForms) {
     } rows[] = {
         {"width", [](const ZToken& t) { return t.capitalize(); }, "Width"},
         {"\xC3\xA4hre N", [](const ZToken& t) { return t.capitalize(); }, "\xC3\x84hre N"},
+        {"\xC3\x9Fx", [](const ZToken& t) { return t.capitalize(); }, "\xC3\x9Fx"}, // one for one
         {"Width \xC3\x84", [](const ZToken& t) { return t.lowerCase(); }, "width \xC3\xA4"},
         {" a b  c ", [](const ZToken& t) { return t.removeSpaces(); }, "abc"},
         {"   ", [](const ZToken& t) { return t.removeSpaces(); }, ""},

@@ -131,9 +131,7 @@ TEST(SelectorText, KindOfATextAsItStands) {
         const char* text;
         int type;
     };
-    const Row rows[] = {{"", 0},       {"@", 1},     {" ", 1},       {"ab", 1},      {"const A::B", 6},
-                        {"A::B c", 2}, {"int *", 2}, {"A<B<c>>", 7}, {"A<b>::c", 6}, {"f(const A::B&)", 8},
-                        {"a.b", 3},    {"[x]", 5}};
+    const Row rows[] = {{"", 0}, {"@", 1}, {"const A::B", 6}, {"A::B c", 2}, {"f(const A::B&)", 8}};
     for (const Row& row : rows) EXPECT_EQ(selectorType(row.text, std::strlen(row.text)), row.type) << row.text;
     EXPECT_EQ(selectorType(nullptr, 3), ZSelector::Any);
 }
