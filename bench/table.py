@@ -36,7 +36,7 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("programs", nargs="+")
     parser.add_argument("--filter", default="")
-    parser.add_argument("--repetitions", type=int, default=3)
+    parser.add_argument("--repetitions", type=int, default=5)
     parser.add_argument("--time", default="0.1")
     parser.add_argument("--markdown", action="store_true")
     options = parser.parse_args()

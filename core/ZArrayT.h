@@ -243,7 +243,10 @@ private:
 
     /// Builds the next item; there is room. The count rises with a whole item only.
     template <class V> bool addAtEnd(V&& value) {
-        T* place = items() + head->count;
+        // One load of each field: what is stored to the items might be these, for all the compiler knows.
+        Head* const block = head;
+        const uint count = block->count;
+        T* place = reinterpret_cast<T*>(reinterpret_cast<char*>(block) + offset) + count;
         // What is noexcept raises no failure either.
         if constexpr (std::is_nothrow_constructible_v<T, V&&>)
             ::new (place) T(std::forward<V>(value));
@@ -257,8 +260,8 @@ private:
                 return false;
             }
         }
-        ++head->count;
-        head->sorted = 0;
+        block->count = count + 1;
+        if (block->sorted) block->sorted = 0;
         return true;
     }
     [[gnu::noinline]] bool appendGrowing(const T& value) {
@@ -270,6 +273,7 @@ private:
         return false;
     }
     bool addEmpty(uint wanted) {
+        if (!head) __builtin_unreachable();
         uint had = count();
         std::memset(static_cast<void*>(items() + had), 0, size_t(wanted - had) * sizeof(T));
         if constexpr (!std::is_trivially_default_constructible_v<T>) {

@@ -9,9 +9,10 @@
 namespace toolkit {
 
 void spinLockSlow(int& cell) {
-    for (int tries = 0; tries < 64; ++tries) {
+    // Longer and longer pauses: a look takes the cell's line away from whoever holds the lock.
+    for (int pauses = 4; pauses <= 64; pauses *= 2) {
+        for (int i = 0; i < pauses; ++i) cpuPause();
         if (load(cell) == 0 && spinTryLock(cell)) return;
-        cpuPause();
     }
     // From here on the cell is marked, so that whoever frees it wakes somebody.
     while (__atomic_exchange_n(&cell, 2, __ATOMIC_ACQUIRE) != 0) futexWait(cell, 2, -1);

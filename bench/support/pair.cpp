@@ -1,5 +1,6 @@
 #include "bench/support/pair.h"
 
+#include <malloc.h>
 #include <string>
 
 BenchPair::BenchPair(const char* workload, const char* peer, double limit, Run ours, Run theirs, int threads,
@@ -18,4 +19,11 @@ BenchPair::BenchPair(const char* workload, double nanos, Run ours) {
     benchmark::RegisterBenchmark((row + "ours").c_str(), ours)->UseRealTime();
 }
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+    // Pages that the heap has once stay there: otherwise what ran before decides how many fresh ones a row pays for.
+    mallopt(M_MMAP_THRESHOLD, 1 << 30);
+    mallopt(M_TRIM_THRESHOLD, 1 << 30);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    benchmark::RunSpecifiedBenchmarks();
+}
