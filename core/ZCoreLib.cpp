@@ -1,6 +1,7 @@
 #include "core/ZCoreLib.h"
 
 #include "core/ZCoreLibSteps.h"
+#include "core/debug.h"
 #include "toolkit/atomic.h"
 #include "toolkit/binding.h"
 #include "toolkit/clock.h"
@@ -8,6 +9,7 @@
 #include "toolkit/packs.h"
 #include "toolkit/plugindir.h"
 #include "toolkit/system.h"
+#include "toolkit/thread.h"
 
 #include <cstring>
 
@@ -85,6 +87,7 @@ void ZCoreLib::start(const char* plugins, const char* client, bool toolkitOption
     int others = orv::coreState.instances;
     toolkit::store(orv::coreState.instances, others + 1);
     if (others > 0) return;
+    toolkit::store(orv::coreState.mainThread, toolkit::threadNumber());
     toolkit::store(orv::coreState.bound, toolkit::bind(clientName, toolkitOption) != toolkit::startFailed);
     if (loadNow) load(plugins, true, restrictedLoad);
 }
@@ -99,6 +102,7 @@ ZCoreLib::~ZCoreLib() {
     if (last) {
         toolkit::unbind();
         toolkit::store(orv::coreState.bound, false);
+        toolkit::store(orv::coreState.mainThread, 0u);
     }
     ZCoreLib** at = &current;
     while (*at && *at != this) at = &(*at)->older;
@@ -108,6 +112,7 @@ ZCoreLib::~ZCoreLib() {
 }
 
 void ZCoreLib::load(const char* plugins, bool full, bool restrictedLoad) {
+    ORV_DEBUG_ASSERT(isMainThread());
     if (!valid() || opened.full) return;
     orv::LoadOrder order = orv::loadOrder();
     orv::LoadRun run{this, plugins, restrictedLoad};
@@ -125,6 +130,7 @@ void ZCoreLib::load(const char* plugins, bool full, bool restrictedLoad) {
 
 void ZCoreLib::unload() {
     if (!opened.core) return;
+    ORV_DEBUG_ASSERT(isMainThread());
     orv::LoadOrder order = orv::unloadOrder();
     orv::LoadRun run{this, nullptr, false};
     runSteps(order, 0, order.count, run);
@@ -138,6 +144,10 @@ void ZCoreLib::loadCore(const char* plugins) {
 
 ZCoreLib* ZCoreLib::coreLib() { return current; }
 bool ZCoreLib::valid() { return toolkit::rootTable() && toolkit::rootTable()->system; }
+bool ZCoreLib::isMainThread() {
+    uint main = toolkit::load(orv::coreState.mainThread);
+    return main && main == toolkit::threadNumber();
+}
 const void* ZCoreLib::main() { return toolkit::rootTable(); }
 
 // Load steps

@@ -47,6 +47,8 @@ public:
     static ZCoreLib* coreLib();
     /// Whether the layer below could be bound. False means that no subsystem is open and only this class may be used.
     static bool valid();
+    /// Whether the running thread is the main thread: the one that made the first of the instances that are alive.
+    static bool isMainThread();
     /// The table of service tables; null while not bound.
     static const void* main();
 

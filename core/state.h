@@ -7,6 +7,7 @@ namespace orv {
 
 struct CoreState {
     int instances = 0;                ///< counted `ZCoreLib` objects
+    uint mainThread = 0;              ///< the number of the thread that made the first of these, 0 while there is none
     bool bound = false;               ///< the layer below is up
     bool allowLocking = true;         ///< of the current core library
     bool coreLoaded = false;          ///< a full load has ended

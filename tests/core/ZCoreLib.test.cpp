@@ -12,6 +12,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <memory>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -131,6 +132,8 @@ TEST(CoreLib, ASecondInstanceOnlyCounts) {
     EXPECT_TRUE(steps.empty());
     ZCoreLib::setCachedIcons(true);
     EXPECT_TRUE(ZCoreLib::cachedIcons());
+    EXPECT_TRUE(ZCoreLib::isMainThread());
+    std::thread([] { EXPECT_FALSE(ZCoreLib::isMainThread()); }).join();
     second.reset();
     EXPECT_TRUE(ran("ZLock::close"));
     EXPECT_EQ(ZCoreLib::coreLib(), nullptr);
