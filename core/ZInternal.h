@@ -35,6 +35,6 @@ private:
     int room = 0;
     bool isDirect;
     byte* next = nullptr;
-    void* reserved = nullptr;
+    [[maybe_unused]] void* reserved = nullptr;
 };
 static_assert(sizeof(ZInternal) == 32);

@@ -5,7 +5,7 @@
 
 /// A store of entries that are found by several keys: the same as `ZRedBlackMap` over a number of maps at once, which
 /// all index the same entries. The map takes no lock by itself.
-class ORV_API ZRBMultiMap : public orv::detail::PackMap {
+class ORV_API ZRBMultiMap final : public orv::detail::PackMap {
 public:
     /// The behaviour of the entries, not owned; see `ZRedBlackMap::MapUser`. `i` is a map's number, from 0.
     class ORV_API MapUser {

@@ -5,7 +5,7 @@
 
 /// A store of entries of one size, named by ids from 1 and found by key in a hash table of red-black trees. What the
 /// entries mean is told by a user. A copy shares the store until one side writes. The map takes no lock by itself.
-class ORV_API ZRedBlackMap : public orv::detail::PackMap {
+class ORV_API ZRedBlackMap final : public orv::detail::PackMap {
 public:
     /// The behaviour of the entries. Entries and keys come as plain memory of the map's entry size. The map doesn't own
     /// its user, which has to outlive all maps that share the store.

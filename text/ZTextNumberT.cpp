@@ -154,7 +154,11 @@ template <class C> bool ZTextNumberT<C>::strtoreal(const C* text, int length, do
 template <class C>
 int ZTextNumberT<C>::strradix(const C* text, int length, int* radix, bool sign,
                               bool* negative) requires(sizeof(C) == 1) {
-    return orv::strradix(text, limited(text, length), radix, sign, negative);
+    // clang 14 instantiates this in every width, whatever is required.
+    if constexpr (sizeof(C) == 1)
+        return orv::strradix(text, limited(text, length), radix, sign, negative);
+    else
+        return 0;
 }
 
 template <class C> int ZTextNumberT<C>::printf(C* out, int size, const C* format, ...) {
