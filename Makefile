@@ -54,7 +54,7 @@ install: deps ## installs the library, its headers, orv and the CMake and pkg-co
 
 check: deps ## clang-tidy over the library
 	@$(call CONFIGURE,dev)
-	run-clang-tidy -quiet -p build/dev '$(CURDIR)/(toolkit|core|text|tools)/.*\.cpp'
+	run-clang-tidy -quiet -p build/dev '$(CURDIR)/(toolkit|core|text|object|value|module|tools)/.*\.cpp'
 
 format: ## clang-format over all sources
 	git ls-files '*.h' '*.cpp' | xargs clang-format -i

@@ -19,8 +19,12 @@ if(ORV_SANITIZE)
   endif()
 endif()
 
-# One folder of the library: an object library with its sources listed.
+# One folder of the library: an object library with its sources listed; a folder of headers alone builds nothing.
 function(orv_folder name)
+  if(NOT ARGN)
+    add_library(orv_${name} INTERFACE)
+    return()
+  endif()
   add_library(orv_${name} OBJECT ${ARGN})
   target_include_directories(orv_${name} PRIVATE ${CMAKE_SOURCE_DIR})
   target_compile_options(orv_${name} PRIVATE -fno-exceptions)

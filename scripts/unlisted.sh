@@ -12,7 +12,7 @@ while read -r file; do
         folder=$(dirname "$folder")
         listing=$folder/CMakeLists.txt
     done
-    grep -qE "(^|[ (/])${name//./\\.}([ )]|$)" "$listing" || grep -qE "\\b$(basename "$file" .cpp)\\b" "$listing" ||
+    grep -qE "(^|[ (/])${name//./\\.}([ )]|$)" "$listing" || grep -qE "(^|[ (])$(basename "$file" .cpp)([ )]|$)" "$listing" ||
         { echo "$file: not listed in $listing"; found=1; }
 done < <(git ls-files -co --exclude-standard '*.cpp')
 exit $found

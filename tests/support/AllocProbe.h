@@ -2,11 +2,13 @@
 
 #include "toolkit/memory.h"
 
+#include <atomic>
 #include <map>
 #include <string>
 
 /// Watches the blocks allocated during its life: it can make the n-th allocation fail, and tells by type what was left
-/// behind. One at a time; allocations of all threads count.
+/// behind. Allocations of all threads count. Probes may be nested: the inner one decides what fails, and what is made
+/// during its life counts for the outer one too. Made and destroyed while no other thread allocates.
 class AllocProbe {
 public:
     AllocProbe();
@@ -17,12 +19,21 @@ public:
     void failAt(long n, bool onwards = false);
     /// Whether a failure was handed out since `failAt`.
     bool failed() const;
-    /// Allocations since the start, or since `failAt`.
+    /// Allocations since the start, or since `failAt`, without those of inner probes.
     long allocations() const;
     /// Blocks made since the start and still there.
     long live() const;
-    /// A line for each type with blocks still there: "3 x Name"; empty if there are none.
+    /// The same by type label: what was constructed, or the place that a debug label gave, or "block of SIZE".
+    std::map<std::string, long> liveBlocks() const;
+    /// A line for each of these: "3 x Name"; empty if there are none.
     std::string leaks() const;
+
+private:
+    AllocProbe* outer;
+    long first; ///< number of the first block that counts
+    std::atomic<long> failing{0}, seen{0};
+    std::atomic<bool> onwards{false}, refused{false};
+    friend struct AllocWatch;
 };
 
 /// Runs `operation` with its first, second, third … allocation failing until none fails, and checks after each run that

@@ -1,0 +1,6 @@
+#pragma once
+
+#include "object/forward.h"
+
+class ZModule;
+class ZPackage;
