@@ -2,6 +2,7 @@
 
 #include "core/ZCompactRBItem.h"
 #include "core/ZSpinLock.h"
+#include "core/forward.h"
 #include "core/memory.h"
 
 /// An array of items of one size, in which a hash table of red-black trees is threaded by index: the items keep the
@@ -250,6 +251,7 @@ protected:
     }
 
 private:
+    friend struct orv::detail::DebugLayout;
     struct Links;
     struct Storage;
     struct Check;

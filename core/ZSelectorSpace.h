@@ -97,6 +97,7 @@ public:
 
 private:
     friend class ZSelector;
+    friend struct orv::detail::DebugLayout;
     struct Hold;
     struct Request;
     static constexpr uint directoryBits = 16, directoryPart = 1u << directoryBits;

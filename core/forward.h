@@ -51,3 +51,7 @@ template <class K, class T> class ZTreeItemT;
 template <class K, class T> class ZTreeT;
 template <class T> class ZVectorT;
 template <class T> class ZWrapPtrT;
+
+namespace orv::detail {
+struct DebugLayout;
+}

@@ -1,10 +1,12 @@
 #include "text/ZString.h"
 
 #include "core/ZError.h"
+#include "core/debugLayout.h"
 #include "text/strtable.h"
 #include "toolkit/hash.h"
 #include "toolkit/text.h"
 
+#include <cstddef>
 #include <cstring>
 
 using namespace orv;
@@ -383,3 +385,17 @@ uint ZString::stringHash() const {
     size_t bytes = size_t(record->length) * size_t(detail::unitBytes(record->type));
     return toolkit::hashData(0, record->text(), bytes, 0xFFFFFFFFu);
 }
+
+namespace {
+struct Layout : ZString {
+    using ZString::Record;
+};
+} // namespace
+
+const orv::detail::DebugRow orv_debug_text[] = {
+    {"string.type", nullptr, offsetof(Layout::Record, type)},
+    {"string.length", nullptr, offsetof(Layout::Record, length)},
+    {"string.capacity", nullptr, offsetof(Layout::Record, capacity)},
+    {"string.text", nullptr, sizeof(Layout::Record)},
+    {},
+};

@@ -1,8 +1,10 @@
 #include "text/strtable.h"
 
 #include "core/ZSpinLock.h"
+#include "core/debugLayout.h"
 #include "toolkit/hash.h"
 
+#include <cstddef>
 #include <cstring>
 
 namespace orv::strtable {
@@ -243,3 +245,17 @@ int texts() {
 }
 
 } // namespace orv::strtable
+
+using namespace orv::strtable;
+
+const orv::detail::DebugRow orv_debug_strings[] = {
+    {"strings.chunks", table.chunks, chunkCount},
+    {"strings.firstChunk", nullptr, firstChunk},
+    {"strings.slotBytes", nullptr, sizeof(Slot)},
+    {"strings.slotCount", nullptr, offsetof(Slot, count)},
+    {"strings.slotEntry", nullptr, offsetof(Slot, entry)},
+    {"strings.width", nullptr, offsetof(Entry, width)},
+    {"strings.length", nullptr, offsetof(Entry, length)},
+    {"strings.text", nullptr, sizeof(Entry)},
+    {},
+};
