@@ -8,6 +8,7 @@
 #include "text/strtable.h"
 #include "toolkit/atomic.h"
 #include "toolkit/environment.h"
+#include "toolkit/epoch.h"
 #include "toolkit/memory.h"
 #include "toolkit/packs.h"
 #include "toolkit/system.h"
@@ -38,10 +39,16 @@ void openModule(orv::LoadRun&) {
         if (!moduleHandles[i]) moduleHandles[i] = toolkit::loadPack(modulePacks[i]);
 }
 void closeModule(orv::LoadRun&) {
+    // What reclaims a retired object may lie in the code that goes now.
+    toolkit::epochDrain();
     for (size_t i = 0; i < std::size(modulePacks); ++i) {
         toolkit::unloadPack(moduleHandles[i]);
         moduleHandles[i] = nullptr;
     }
+}
+void finalDrain(orv::LoadRun&) {
+    toolkit::epochDrain();
+    toolkit::drain();
 }
 void splash(const char* text) { ZCoreLib::splashText(text); }
 
@@ -84,7 +91,7 @@ constexpr orv::LoadStep unloadSteps[] = {
     {"ZSelector::close", When::Always, [](Run&) { ZSelector::close(); }},
     {"internal strings", When::Always, [](Run&) { orv::strtable::close(); }},
     {"collation", When::Always, [](Run&) { toolkit::closeText(); }},
-    {"final drain", When::Always, [](Run&) { toolkit::drain(); }},
+    {"final drain", When::Always, finalDrain},
     {"packs", When::Always, unloadFirstPacks},
 };
 

@@ -1,6 +1,7 @@
 #include "toolkit/thread.h"
 
 #include "toolkit/atomic.h"
+#include "toolkit/epoch.h"
 #include "toolkit/lock.h"
 
 #include <pthread.h>
@@ -44,6 +45,7 @@ void threadEnds(void*) {
     for (int i = hookRoom; i > 0; --i)
         if (const ThreadHooks* hooks = loadAcquire(hookTable[i - 1]); hooks && hooks->ends) hooks->ends(hooks->context);
     ThreadState& state = threadState;
+    epochThreadEnds(state);
     // A thread that ends while it reads keeps its number: the entries of its list can't be given up by another.
     if (state.heldReads == 0) giveNumberBack(state.number);
     state.number = 0;

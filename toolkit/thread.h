@@ -5,6 +5,8 @@
 /// What the library keeps for each thread, in one record without construction or destruction.
 namespace toolkit {
 
+struct EpochSlot;
+
 /// A read lock that the running thread holds.
 struct HeldRead {
     TLockId lock;
@@ -25,6 +27,8 @@ struct ThreadState {
     unsigned number = 0;             ///< a number of this thread, from 1; 0 until it is asked for
     bool registered = false;         ///< the end callbacks of this thread are set up
     const char* typeLabel = nullptr; ///< name of the type under construction, for leak reports
+    EpochSlot* epochSlot = nullptr;  ///< where the thread announces its epoch guards; null until its first
+    int epochDepth = 0;              ///< epoch guards open now
 };
 
 /// Initial-exec and constant-initialised: an access is one load relative to the thread pointer.
