@@ -4,3 +4,4 @@
 
 class ZModule;
 class ZPackage;
+struct ZPackageLink;

@@ -2,9 +2,12 @@
 
 #include "object/forward.h"
 
+class ZArgument;
 class ZTypedPtr;
+class ZUnknownData;
+class ZVariant;
+class ZVariantDelegate;
 class ZVArray;
 class ZVHashSet;
 class ZVKeyMap;
 class ZVSelectMap;
-class ZVariant;
