@@ -1,0 +1,142 @@
+#pragma once
+
+#include "core/ZArrayT.h"
+#include "core/ZSelector.h"
+#include "core/ZSpinLock.h"
+#include "module/forward.h"
+#include "object/ZMethod.h"
+
+/// A record by which compiled code refers to a method: names that are looked up at the first use, and the entry after
+/// that, until types change. Records are static, embedded in a type, or on the stack of who needs one for a while. Any
+/// thread may call through a record; the setters are for who has it alone.
+class ORV_API ZInlineMethod {
+public:
+    enum Flags : uint { TypeMethod = 1, BaseMethod = 2, MultiMethod = 4 };
+
+    constexpr ZInlineMethod() = default;
+    ZInlineMethod(const ZInlineMethod& other);
+    ZInlineMethod& operator=(const ZInlineMethod& other) {
+        assign(other);
+        return *this;
+    }
+    ~ZInlineMethod() { clear(); }
+
+    // What it stands for. Each setter forgets what was looked up.
+
+    /// The method `name` of `type`; with `multi` the overload is chosen by the arguments.
+    void init(const ZMetaType* type, const ZSelector& name, bool multi = false, bool isBase = false);
+    /// A signature; with the name of its type; with a package, or a qualifier, as well. The type is looked up by its
+    /// name.
+    void setSelector(const ZSelector& signature, const ZSelector& qualifier);
+    void setSelector(const ZSelector& typeName, const ZSelector& signature, const ZSelector& qualifier);
+    void setSelector(const ZSelector& package, const ZSelector& typeName, const ZSelector& signature,
+                     const ZSelector& qualifier);
+    /// Looks a method up now; false if there is none that the record may call.
+    bool setMethod(const ZMetaType* type, const ZSelector& signature, const ZSelector& qualifier);
+    bool setMethod(const ZObject* object, const ZSelector& signature, const ZSelector& qualifier);
+    /// The overload for these argument types, entry 0 being the result's.
+    bool setMethod(const ZMetaType* type, const ZSelector& name, const ZArrayT<ZMetaType*>& types,
+                   const ZSelector& qualifier);
+    void setMode(uint flags);
+    void setBaseMethod(bool on);
+    void setMultiMethod(bool on);
+    void setTypeMethod(bool on);
+    void setPackage(const ZSelector& name);
+    void setQualifier(const ZSelector& words);
+
+    // What it stands for and what it found. Looked up if need be; null or the default entry if there is none.
+
+    /// Borrowed.
+    ZMethod* getMethod() const;
+    ZMethod::Func getFunc() const;
+    ZSelector getName() const { return name; }
+    ZSelector getPackage() const { return package; }
+    ZMetaType* getParamType(int index) const;
+    ZSelector getQualifier() const { return qualifier; }
+    ZSelector getSelector() const { return signature; }
+    ZSelector getTypeName() const { return typeName; }
+    bool isBaseMethod() const { return isBase; }
+    bool isMultiMethod() const { return isMulti; }
+    bool isTypeMethod() const { return isType; }
+    /// Whether the method was looked up on an object.
+    bool isZObject() const { return ownerObject != nullptr; }
+    bool isValid() const { return toolkit::loadAcquire(sequence) & 1; }
+
+    // Calling. What isn't found does nothing and answers 0.
+
+    /// The fast entry of a method without arguments: the answer is its word.
+    void* call(const void* instance) const {
+        const uint seen = toolkit::loadAcquire(sequence);
+        auto entry = toolkit::loadAcquire(func);
+        auto record = toolkit::loadAcquire(method);
+        const auto part = toolkit::loadAcquire(offset);
+        if (ORV_LIKELY((seen & 1) && toolkit::load(sequence) == seen))
+            return entry(static_cast<const char*>(instance) + part, record);
+        return callSlow(instance);
+    }
+    /// With arguments that are converted.
+    ZVariant invoke(const void* instance, const ZVariant* args, int count) const;
+
+    // Registration with the owner, so that a change of its methods resets the record
+
+    void link() const;
+    void unlink() const;
+    /// Forgets what was looked up.
+    void reset() const;
+    /// Forgets everything.
+    void clear();
+    void assign(const ZInlineMethod& other);
+    /// Resets the multi-method records whose argument types have to do with a type, or package, that goes.
+    static void clearMultiMethods(const ZMetaType* type);
+    static void clearMultiMethods(const ZPackage* package);
+
+    /// Keeps the call target of a record over a call: calls in between may aim the record elsewhere.
+    class ORV_API Stack {
+    public:
+        explicit Stack(ZInlineMethod& record);
+        ~Stack();
+        Stack(const Stack&) = delete;
+        Stack& operator=(const Stack&) = delete;
+
+        ZInlineMethod& record() const { return kept; }
+        Stack* outer() const { return below; }
+        ZMethod* method() const { return target; }
+
+    private:
+        ZInlineMethod& kept;
+        Stack* below;
+        ZMethod* target;
+        ZArrayT<ZMetaType*> types;
+        ZMetaType* owner;
+        const ZObject* object;
+    };
+    /// The innermost call of the running thread that a `Stack` keeps; null for none.
+    static Stack* stack();
+
+private:
+    friend class Stack;
+    friend struct InlineLinks;
+
+    bool resolve() const;
+    void publish(ZMethod* found, int part) const;
+    void retract() const;
+    void* callSlow(const void* instance) const;
+
+    // The target, read without a lock. `sequence` is odd while it holds, and changes with each target.
+    mutable uint sequence = 0;
+    mutable int offset = 0;
+    mutable ZMethod::Func func = nullptr;
+    mutable ZMethod* method = nullptr;
+
+    mutable ZInlineMethod* next = nullptr;
+    mutable ZInlineMethod* prev = nullptr;
+    mutable ZMetaType* linkedTo = nullptr;
+    mutable bool listed = false;
+    mutable ZSpinLock guard;
+    bool isBase = false, isMulti = false, isType = false;
+    mutable ZMetaType* ownerType = nullptr;
+    const ZObject* ownerObject = nullptr;
+    ZMetaType* givenType = nullptr;
+    ZSelector package, typeName, signature, name, qualifier;
+    mutable ZArrayT<ZMetaType*> paramTypes;
+};
