@@ -46,7 +46,7 @@ ORV_THREAD_LOCAL bool reclaiming = false;
 
 /// A slot that nobody has, under the guard; null when there is no memory.
 EpochSlot* takeSlot() {
-    for (EpochSlot* slot = slots; slot; slot = slot->next) {
+    for (EpochSlot* slot = load(slots); slot; slot = slot->next) {
         if (loadAcquire(slot->taken)) continue;
         store(slot->taken, 1);
         return slot;
