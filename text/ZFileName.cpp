@@ -2,6 +2,7 @@
 
 #include "text/filelookup.h"
 #include "text/filetext.h"
+#include "toolkit/utf8.h"
 
 #include <utility>
 
@@ -41,7 +42,7 @@ bool completeWith(ZFileName& name, char separator) {
 /// Bytes that are no text stay as they are: for them the whole name goes over to bytes.
 bool appendBytes(ZFileName& name, const TextView& more) {
     bool raw = more.width == orv::detail::charText && name.type() != ZString::Char &&
-               !orv::detail::wellFormed(static_cast<const char*>(more.text), size_t(more.length));
+               !toolkit::utf8Valid(static_cast<const char*>(more.text), size_t(more.length));
     return (!raw || name.setType(ZString::Char)) && name.append(more);
 }
 

@@ -1,5 +1,7 @@
 #include "text/transcode.h"
 
+#include "toolkit/utf8.h"
+
 #include <algorithm>
 #include <cstring>
 #ifdef __SSE2__
@@ -169,37 +171,21 @@ template <class To, class From> size_t measure(const From* at, const From* end) 
 } // namespace
 
 ichar decodeBytes(const char*& at, const char* end) {
-    auto p = reinterpret_cast<const unsigned char*>(at);
-    size_t left = size_t(end - at);
-    unsigned lead = p[0];
-    ++at;
-    if (lead < 0xC2 || lead > 0xF4) return lead < 0x80 ? lead : replacementCode;
-    // The second byte alone decides about overlong forms, surrogates and what lies beyond the last code point.
-    unsigned low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
-    unsigned high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-    if (left < 2 || p[1] < low || p[1] > high) return replacementCode;
-    ++at;
-    if (lead < 0xE0) return (lead & 31) << 6 | (p[1] & 63);
-    if (left < 3 || (p[2] & 0xC0) != 0x80) return replacementCode;
-    ++at;
-    ichar code = (lead & 15) << 12 | (p[1] & 63u) << 6 | (p[2] & 63u);
-    if (lead < 0xF0) return code;
-    if (left < 4 || (p[3] & 0xC0) != 0x80) return replacementCode;
-    ++at;
-    return (lead & 7) << 18 | (p[1] & 63u) << 12 | (p[2] & 63u) << 6 | (p[3] & 63u);
-}
-
-bool wellFormed(const char* text, size_t length) {
-    for (const char *at = text, *end = text + length; at < end;) {
-        at += asciiPrefix(at, size_t(end - at));
-        while (at < end && !isAscii(*at)) {
-            const char* start = at;
-            if (decodeBytes(at, end) == replacementCode &&
-                (at - start != 3 || std::memcmp(start, "\xEF\xBF\xBD", 3) != 0))
-                return false;
-        }
+    auto p = reinterpret_cast<const byte*>(at);
+    int size = toolkit::utf8Sequence(p, size_t(end - at));
+    at += size < 0 ? -size : size;
+    switch (size) {
+    case 1:
+        return p[0];
+    case 2:
+        return (p[0] & 31u) << 6 | (p[1] & 63u);
+    case 3:
+        return (p[0] & 15u) << 12 | (p[1] & 63u) << 6 | (p[2] & 63u);
+    case 4:
+        return (p[0] & 7u) << 18 | (p[1] & 63u) << 12 | (p[2] & 63u) << 6 | (p[3] & 63u);
+    default:
+        return replacementCode;
     }
-    return true;
 }
 
 template <class C> ichar decodeBefore(const C*& at, const C* begin) {

@@ -102,9 +102,6 @@ template <class C> size_t countCodes(const C* text, size_t length);
 /// How many units at the start are ASCII.
 template <class C> size_t asciiPrefix(const C* text, size_t length);
 
-/// Whether UTF-8 text holds no malformed sequence. A U+FFFD that the text itself has is fine.
-ORV_API bool wellFormed(const char* text, size_t length);
-
 #define ORV_TRANSCODE_FROM(From)                                                                                       \
     extern template ORV_API ichar decodeBefore(const From*&, const From*);                                             \
     extern template ORV_API size_t transcode(char*, size_t, const From*, size_t);                                      \

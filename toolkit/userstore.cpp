@@ -4,6 +4,7 @@
 #include "toolkit/files.h"
 #include "toolkit/memory.h"
 #include "toolkit/places.h"
+#include "toolkit/utf8.h"
 
 #include <cerrno>
 #include <cstring>
@@ -27,28 +28,11 @@ bool userFile(const char* name, PathText& path) {
     return true;
 }
 
-/// The length of the UTF-8 sequence at `at` (Unicode, table 3-7); 0 if there is none.
-size_t sequence(const byte* at, size_t left) {
-    byte first = at[0];
-    size_t size = first < 0x80 ? 1 : first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : first < 0xF5 ? 4 : 0;
-    if (size == 0 || size > left) return 0;
-    for (size_t i = 1; i < size; ++i)
-        if ((at[i] & 0xC0) != 0x80) return 0;
-    bool odd = (first == 0xE0 && at[1] < 0xA0) || (first == 0xED && at[1] > 0x9F) || (first == 0xF0 && at[1] < 0x90) ||
-               (first == 0xF4 && at[1] > 0x8F);
-    return odd ? 0 : size;
-}
-
 bool storable(const char* text, size_t length) {
     if (length == 0 || length > userTextLimit) return false;
-    auto at = reinterpret_cast<const byte*>(text);
-    for (size_t left = length; left > 0;) {
-        size_t size = *at < 32 && *at != '\t' && *at != '\n' ? 0 : sequence(at, left);
-        if (size == 0) return false;
-        at += size;
-        left -= size;
-    }
-    return true;
+    for (size_t i = 0; i < length; ++i)
+        if (byte c = byte(text[i]); c < 32 && c != '\t' && c != '\n') return false;
+    return utf8Valid(text, length);
 }
 
 } // namespace

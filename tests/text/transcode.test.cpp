@@ -1,5 +1,7 @@
 #include "text/transcode.h"
 
+#include "toolkit/utf8.h"
+
 #include <gtest/gtest.h>
 #include <string>
 
@@ -57,8 +59,12 @@ TEST(Transcode, BytesToCodePoints) {
         EXPECT_EQ(convert<ichar>(convert<wchar>(row.bytes)), row.codes) << row.what;
         EXPECT_EQ(convert<char>(row.bytes), convert<char>(row.codes)) << row.what;
         // Repairing leaves exactly the well-formed texts as they are.
-        EXPECT_EQ(wellFormed(row.bytes.data(), row.bytes.size()), convert<char>(row.codes) == row.bytes) << row.what;
-        EXPECT_TRUE(wellFormed(convert<char>(row.codes).data(), convert<char>(row.codes).size())) << row.what;
+        for (size_t before = 0; before < 9; ++before) {
+            std::string bytes = std::string(before, 'x') + row.bytes;
+            EXPECT_EQ(toolkit::utf8Valid(bytes.data(), bytes.size()), convert<char>(row.codes) == row.bytes)
+                << row.what << ", " << before;
+        }
+        EXPECT_TRUE(toolkit::utf8Valid(convert<char>(row.codes).data(), convert<char>(row.codes).size())) << row.what;
     }
 }
 

@@ -11,6 +11,7 @@
 #include "toolkit/files.h"
 #include "toolkit/system.h"
 #include "toolkit/text.h"
+#include "toolkit/utf8.h"
 #include "tools/orv/command.h"
 #include "tools/orv/json.h"
 
@@ -129,7 +130,7 @@ Kind countFile(Tally& tally, const ZFileName& file, const Separators& separates)
     }
     if (begins(data, size, "\xEF\xBB\xBF")) data += 3, size -= 3;
     if (std::memchr(data, 0, std::min(size, size_t(8000)))) return Kind::Binary;
-    if (!detail::wellFormed(data, size)) return Kind::Undecodable;
+    if (!toolkit::utf8Valid(data, size)) return Kind::Undecodable;
     tally.outOfMemory |= !countText(tally, data, data + size, separates);
     return Kind::Text;
 }
