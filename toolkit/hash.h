@@ -65,4 +65,11 @@ inline unsigned hashData(unsigned method, const void* data, size_t length, unsig
     return limitHash(hash64(data, length, method), limit);
 }
 
+/// 32 well mixed bits of a byte range, of a word and of an address: for tables in memory. None of them is seeded.
+inline unsigned hashBytes(const void* data, size_t length) { return limitHash(hash64(data, length), 0xFFFFFFFFu); }
+inline unsigned hashWord(uint64_t word) {
+    return limitHash(detail::fold(word ^ detail::key0, detail::key1), 0xFFFFFFFFu);
+}
+inline unsigned hashPointer(const void* address) { return hashWord(reinterpret_cast<uintptr_t>(address)); }
+
 } // namespace toolkit

@@ -91,7 +91,23 @@ TEST(Hash, EveryByteAndTheLengthCount) {
         other[at] = 'y';
         EXPECT_TRUE(seen.insert(toolkit::hash64(other.data(), other.size())).second) << at;
     }
+    EXPECT_NE(toolkit::hashBytes("abc", 3), toolkit::hashBytes("abd", 3));
+    EXPECT_EQ(toolkit::hashBytes("abc", 3), toolkit::hashData(0, "abc", 3, 0xFFFFFFFF));
     EXPECT_LT(toolkit::hashData(0, "abc", 3, 7), 7u);
     EXPECT_EQ(toolkit::hashData(0, "abc", 3, 0), 0u);
     EXPECT_NE(toolkit::hashData(0, "abc", 3, 0xFFFFFFFF), toolkit::hashData(1, "abc", 3, 0xFFFFFFFF));
+}
+
+TEST(Hash, WordsAndAddressesSpreadOverTheHighAndTheLowBits) {
+    constexpr unsigned bits = 12, keys = 1u << bits;
+    for (uint64_t step : {1, 16, 64, 4096, 1 << 20})
+        for (unsigned shift : {0u, 32 - bits}) {
+            std::set<unsigned> buckets;
+            for (uint64_t i = 0; i < keys; ++i)
+                buckets.insert(toolkit::hashWord(0x7F0000001000 + i * step) >> shift & (keys - 1));
+            // Numbers drawn at random would hit 63% of the buckets.
+            EXPECT_GT(buckets.size(), keys * 6 / 10) << step << ", " << shift;
+        }
+    int here = 0;
+    EXPECT_EQ(toolkit::hashPointer(&here), toolkit::hashWord(reinterpret_cast<uintptr_t>(&here)));
 }
