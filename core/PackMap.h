@@ -93,4 +93,71 @@ private:
     static void release(toolkit::DataPack* store, const PackMap* by);
 };
 
+/// The behaviour of the entries of a `Map`, as far as the keys don't enter. Entries come as plain memory of the map's
+/// entry size. A map doesn't own its user, which has to outlive all maps that share the store.
+template <class Map> class ORV_API PackMapUser {
+public:
+    virtual ~PackMapUser() = default;
+    /// Tells which map this user serves; null when it serves none any more.
+    virtual void assign(Map* map) { served = map; }
+    /// Builds a copy in zeroed memory; false when that can't be done, with nothing to be destroyed. Copies the bytes.
+    virtual bool copy(const Map* map, void* to, const void* from) {
+        __builtin_memcpy(to, from, map->entrySize());
+        return true;
+    }
+    /// Destroys the contents of an entry. Does nothing.
+    virtual void destruct(const Map*, void*) {}
+    Map* map() const { return served; }
+
+private:
+    Map* served = nullptr;
+};
+
+/// What the pack maps with a user have in common. `Map` is the class derived from this; its destructor begins with
+/// `leave`, and its `MapUser` is a `PackMapUser<Map>`.
+template <class Map> class ORV_API UserPackMap : public PackMap {
+public:
+    /// Shares the other's store and user.
+    void assign(const Map& other) {
+        if (&other == this) return;
+        share(other);
+        const UserPackMap& from = other;
+        if (behaviour != from.behaviour) dismiss();
+        behaviour = from.behaviour;
+    }
+
+protected:
+    UserPackMap() = default;
+    UserPackMap(const UserPackMap& other) : PackMap(), behaviour(other.behaviour) { share(other); }
+    ~UserPackMap() = default;
+
+    void leave() {
+        drop();
+        dismiss();
+    }
+    void selectUser(PackMapUser<Map>* user) {
+        if (behaviour != user) dismiss();
+        behaviour = user;
+        if (user) user->assign(self());
+    }
+    bool copyEntry(void* to, const void* from) const override {
+        if (behaviour) return behaviour->copy(self(), to, from);
+        __builtin_memcpy(to, from, entrySize());
+        return true;
+    }
+    void destructEntry(void* contents) const override {
+        if (behaviour) behaviour->destruct(self(), contents);
+    }
+
+    PackMapUser<Map>* behaviour = nullptr;
+
+private:
+    Map* self() { return static_cast<Map*>(this); }
+    const Map* self() const { return static_cast<const Map*>(this); }
+    /// The user serves this map no longer, if it's the one that it serves.
+    void dismiss() {
+        if (behaviour && behaviour->map() == self()) behaviour->assign(nullptr);
+    }
+};
+
 } // namespace orv::detail

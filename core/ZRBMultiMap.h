@@ -5,21 +5,13 @@
 
 /// A store of entries that are found by several keys: the same as `ZRedBlackMap` over a number of maps at once, which
 /// all index the same entries. The map takes no lock by itself.
-class ORV_API ZRBMultiMap final : public orv::detail::PackMap {
+class ORV_API ZRBMultiMap final : public orv::detail::UserPackMap<ZRBMultiMap> {
 public:
-    /// The behaviour of the entries, not owned; see `ZRedBlackMap::MapUser`. `i` is a map's number, from 0.
-    class ORV_API MapUser {
+    /// The behaviour of the entries, as `ZRedBlackMap::MapUser`. `i` is a map's number, from 0.
+    class ORV_API MapUser : public orv::detail::PackMapUser<ZRBMultiMap> {
     public:
-        virtual ~MapUser() = default;
-        virtual void assign(ZRBMultiMap* map) { served = map; }
-        virtual bool copy(const ZRBMultiMap* map, void* to, const void* from);
-        virtual void destruct(const ZRBMultiMap* map, void* entry);
         virtual int comp(const ZRBMultiMap* map, uint i, const void* a, const void* b);
         virtual uint hash(const ZRBMultiMap* map, uint i, const void* key, uint size);
-        ZRBMultiMap* map() const { return served; }
-
-    private:
-        ZRBMultiMap* served = nullptr;
     };
     /// Flags of one map.
     enum MapFlags : uint {
@@ -29,9 +21,12 @@ public:
     ZRBMultiMap() = default;
     /// Raises a failure, and stays unset, when there is no memory.
     ZRBMultiMap(uint maps, uint entrySize, uint hash, uint growth);
-    ZRBMultiMap(const ZRBMultiMap& other);
-    ~ZRBMultiMap();
-    ZRBMultiMap& operator=(const ZRBMultiMap& other);
+    ZRBMultiMap(const ZRBMultiMap& other) = default;
+    ~ZRBMultiMap() { leave(); }
+    ZRBMultiMap& operator=(const ZRBMultiMap& other) {
+        assign(other);
+        return *this;
+    }
 
     /// Sets up an empty store with `maps` maps (1 to 256) of `hash` buckets each. False, with the old store kept, when
     /// there is no memory.
@@ -40,9 +35,8 @@ public:
     bool initmap(uint i, uint hash, uint flags);
     bool initmaps(uint hash, uint flags);
     uint maps() const { return pack ? pack->trees() : 0; }
-    void assign(const ZRBMultiMap& other);
-    void setUser(MapUser* user);
-    MapUser* user() const { return behaviour; }
+    void setUser(MapUser* user) { selectUser(user); }
+    MapUser* user() const { return static_cast<MapUser*>(behaviour); }
 
     /// The id of an entry that compares equal in map `mapIndex`; 0 if there is none.
     uint find(uint mapIndex, const void* key) const { return findIn(mapIndex, key); }
@@ -51,8 +45,4 @@ public:
 private:
     toolkit::PackCompare comparator(const Order& order) const override;
     uint hashOf(uint tree, const void* key, uint size) const override;
-    bool copyEntry(void* to, const void* from) const override;
-    void destructEntry(void* contents) const override;
-
-    MapUser* behaviour = nullptr;
 };
