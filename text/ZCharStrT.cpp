@@ -434,9 +434,7 @@ template <class C> bool ZCharStrT<C>::mapCase(bool toUpper) {
     if (asciiPrefix(block, size_t(n)) == size_t(n)) {
         if (!n) return true;
         if (!detach()) return false;
-        std::transform(block, block + n, block, [toUpper](C unit) {
-            return C(toUpper ? toolkit::codeUpper(ichar(unit)) : toolkit::codeLower(ichar(unit)));
-        });
+        mapAsciiCase(block, n, toUpper);
         setKnown(n);
         return true;
     }

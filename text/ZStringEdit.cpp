@@ -182,9 +182,7 @@ bool ZString::mapCase(bool upper) {
         if (!own(0)) return false;
         return withText(view(), [&](auto* units, int length) {
             using C = std::remove_cv_t<std::remove_pointer_t<decltype(units)>>;
-            C* out = record->units<C>();
-            for (int i = 0; i < length; ++i)
-                if (unsigned(out[i] - (upper ? 'a' : 'A')) < 26) out[i] = C(out[i] ^ 0x20);
+            detail::mapAsciiCase(record->units<C>(), length, upper);
             return true;
         });
     }

@@ -56,6 +56,12 @@ ORV_API uint hashText(const TextView& view);
 /// Code points of a text.
 ORV_API int countText(const TextView& view);
 
+/// The case of a text that is all ASCII, in place.
+template <class C> inline void mapAsciiCase(C* text, int length, bool upper) {
+    for (int i = 0; i < length; ++i)
+        if (unsigned(text[i] - (upper ? 'a' : 'A')) < 26) text[i] = C(text[i] ^ 0x20);
+}
+
 /// A code point as text of a width; 0 has no units, and what is no code point is U+FFFD.
 class CodeText {
 public:
