@@ -105,7 +105,7 @@ TEST_F(Epoch, NestedGuardsHoldUntilTheOutermostCloses) {
 TEST_F(Epoch, ReadersOfASwappedTableNeverSeeAReclaimedOne) {
     constexpr int readers = 3, enough = 3000;
     EpochPtr<Table> published(new Table(2));
-    int stop = 0, wrong = 0, swaps = 0;
+    int stop = 0, wrong = 0, reads = 0, swaps = 0;
     std::vector<std::thread> threads;
     for (int i = 0; i < readers; ++i)
         threads.emplace_back([&] {
@@ -114,12 +114,13 @@ TEST_F(Epoch, ReadersOfASwappedTableNeverSeeAReclaimedOne) {
                 const Table* table = published.load();
                 EpochGuard nested;
                 if (table->first + table->second != 0 || table->first < 2) toolkit::increment(wrong);
+                toolkit::increment(reads);
             }
         });
     std::vector<std::thread> writers;
     for (int i = 0; i < 2; ++i)
         writers.emplace_back([&] {
-            while (toolkit::loadAcquire(reclaimed) < enough) {
+            while (toolkit::loadAcquire(reclaimed) < enough || toolkit::load(reads) < enough) {
                 retire(published.publish(new Table(toolkit::increment(swaps) + 2)));
                 // On few processors readers are mostly interrupted inside their guards.
                 if (toolkit::load(swaps) % 64 == 0) std::this_thread::yield();
