@@ -43,7 +43,7 @@ void nested(benchmark::State& state) {
     toolkit::EpochGuard outer;
     guarded(state);
 }
-BenchPair inner("nested epoch guard around a read", 2, nested);
+BenchPair inner("nested epoch guard around a read", 3, nested);
 
 /// Several readers of one table; one iteration is all of their rounds.
 constexpr int rounds = 200'000;
