@@ -24,6 +24,7 @@ test: deps ## builds and runs all tests, and checks that every source and test i
 bench: deps bench-deps ## measures against the peer libraries and prints one table
 	@$(call CONFIGURE,release)
 	$(call BUILD,release)
+	bench/object/declare.py
 	bench/table.py build/release/bench/*/bench_*
 
 asan: deps ## runs the tests under the address and undefined-behaviour sanitizers

@@ -6,6 +6,8 @@ if(ORV_CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${ORV_CCACHE})
 endif()
 
+# Rows of declarations are full of addresses; packed, their relocations take next to no room.
+add_link_options(LINKER:-z,pack-relative-relocs)
 add_compile_options(-Wall -Wextra -Wno-missing-field-initializers)
 # g++ otherwise deletes the zeroing that an allocation does ahead of a constructor.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
@@ -28,6 +30,15 @@ function(orv_folder name)
   add_library(orv_${name} OBJECT ${ARGN})
   target_include_directories(orv_${name} PRIVATE ${CMAKE_SOURCE_DIR})
   target_compile_options(orv_${name} PRIVATE -fno-exceptions)
+  # Declarations share most of what they include, so they are compiled in bundles; nothing else is.
+  set_target_properties(orv_${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 20)
+  foreach(source IN LISTS ARGN)
+    if(source MATCHES "\\.glue\\.cpp$")
+      set_source_files_properties(${source} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
+    else()
+      set_source_files_properties(${source} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+    endif()
+  endforeach()
 endfunction()
 
 # The tests of one folder: one executable, its CTest label the folder's name.

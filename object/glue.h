@@ -1,10 +1,15 @@
 #pragma once
 
 #include "object/glueLife.h"
-#include "object/optionWords.h"
+#include "object/methodWords.h"
+
+// Only the places of fields of classes without virtual bases are asked, which all compilers know.
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
 
 /// The declaration layer, for `<Class>.glue.cpp` files. docs/declaring-types.md shows a row of each kind.
 namespace orv::glue {
+
+template <class T, size_t N> constexpr int countOf(const T (&)[N]) { return int(N); }
 
 // What a wrong row calls; the compiler's message names it.
 
@@ -13,12 +18,13 @@ void baseIsVirtual();
 void fixedRowsAreNotInTheOrderOfTheirIndexes();
 
 constexpr MethodRow methodRow(const char* text, uint flags, const char* words) {
+    MethodWordSum sum = methodWordSum(words);
     return {.text = text,
             .fast = {},
             .stacked = nullptr,
-            .options = hasOptionProper(methodWords, words, false) ? words : nullptr,
-            .flags = flags | optionFlags(methodWords, words),
-            .sandBox = int16(optionNumber(words, "sb")),
+            .options = sum.options ? words : nullptr,
+            .flags = flags | sum.flags,
+            .sandBox = int16(sum.sandBoxLevel),
             .fastWords = -1,
             .open = -1,
             .isConst = false,
@@ -79,10 +85,10 @@ template <class T> struct Property : PropertyRow {
                       .index = nullptr,
                       .options = *words ? words : nullptr,
                       .value = nullptr,
-                      .flags = flags | optionFlags(propertyWords, words),
+                      .flags = flags | propertyWordSum(words).flags,
                       .offset = -1,
-                      .version = int16(optionNumber(words, "v")),
-                      .sandBox = int16(optionNumber(words, "sb"))} {}
+                      .version = int16(propertyWordSum(words).version),
+                      .sandBox = int16(propertyWordSum(words).sandBoxLevel)} {}
     /// The type of the items of a container.
     template <class Item> constexpr Property items() const {
         Property made = *this;
@@ -238,7 +244,7 @@ template <class T> constexpr ClassRow makeRow() {
     ::orv::glue::EnumItemRow { #name, int(Self::Enum::name) }
 /// The enum whose items stand in `items`, an array of `ORV_ITEM`s.
 #define ORV_ENUM(Enum, items)                                                                                          \
-    ::orv::glue::EnumRow { #Enum, items, int(std::size(items)), int(sizeof(Self::Enum)) }
+    ::orv::glue::EnumRow { #Enum, items, ::orv::glue::countOf(items), int(sizeof(Self::Enum)) }
 /// A method that code calls by `index`, an enumerator of the class.
 #define ORV_FIXED(index, result, name, params, quals)                                                                  \
     ::orv::glue::FixedRow {                                                                                            \
@@ -247,7 +253,7 @@ template <class T> constexpr ClassRow makeRow() {
     }
 /// A selector group from an array of pairs of texts.
 #define ORV_GROUP(name, pairs)                                                                                         \
-    ::orv::glue::GroupRow { name, pairs, int(std::size(pairs)) }
+    ::orv::glue::GroupRow { name, pairs, ::orv::glue::countOf(pairs) }
 
 /// Behind the table of a class, at file scope: makes its row.
 #define ORV_DECLARE(...)                                                                                               \

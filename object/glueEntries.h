@@ -3,7 +3,6 @@
 #include "object/glueRows.h"
 #include "object/glueText.h"
 
-#include <cstring>
 #include <new>
 #include <type_traits>
 #include <utility>
@@ -22,7 +21,7 @@ template <class T> inline void* toWord(T value) {
         return const_cast<void*>(static_cast<const volatile void*>(value));
     } else {
         void* word = nullptr;
-        std::memcpy(&word, &value, sizeof value);
+        __builtin_memcpy(&word, &value, sizeof value);
         return word;
     }
 }
@@ -33,7 +32,7 @@ template <class T> inline T fromWord(const void* word) {
         return static_cast<T>(const_cast<void*>(word));
     } else {
         std::remove_const_t<T> value;
-        std::memcpy(&value, &word, sizeof value);
+        __builtin_memcpy(&value, &word, sizeof value);
         return value;
     }
 }
@@ -49,16 +48,16 @@ template <class T> constexpr int slotBytes() {
 template <class T> inline T fromSlot(const char* at) {
     if constexpr (std::is_reference_v<T>) {
         std::remove_reference_t<T>* address;
-        std::memcpy(&address, at, sizeof address);
+        __builtin_memcpy(&address, at, sizeof address);
         return *address;
     } else if constexpr (std::is_same_v<T, float>) {
         double value;
-        std::memcpy(&value, at, sizeof value);
+        __builtin_memcpy(&value, at, sizeof value);
         return float(value);
     } else {
         static_assert(sizeof(T) <= 8 && std::is_trivially_copyable_v<T>, "pass class values by const reference");
         std::remove_const_t<T> value;
-        std::memcpy(&value, at, sizeof value);
+        __builtin_memcpy(&value, at, sizeof value);
         return value;
     }
 }
@@ -125,10 +124,10 @@ private:
             Call::run(instance, fromSlot<A>(block + in.at[I])...);
         } else if constexpr (std::is_reference_v<R>) {
             const void* address = &static_cast<R>(Call::run(instance, fromSlot<A>(block + in.at[I])...));
-            std::memcpy(block, &address, sizeof address);
+            __builtin_memcpy(block, &address, sizeof address);
         } else {
             void* result;
-            std::memcpy(&result, block, sizeof result);
+            __builtin_memcpy(&result, block, sizeof result);
             ::new (result) std::remove_const_t<R>(Call::run(instance, fromSlot<A>(block + in.at[I])...));
         }
     }

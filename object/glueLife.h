@@ -116,7 +116,7 @@ private:
     template <size_t... I> static void run(void* instance, char* block, std::index_sequence<I...>) {
         static constexpr Layout<A...> in;
         const __ZPassMetaType* tag;
-        std::memcpy(&tag, block, sizeof tag);
+        __builtin_memcpy(&tag, block, sizeof tag);
         Life<T>::template build<A...>(instance, tag, fromSlot<A>(block + in.at[I])...);
     }
 };

@@ -22,6 +22,6 @@ TEST(Names, AreLinkedWhileTheirModuleIsOpen) {
         ZSelector kept = inFunction();
         orv::closeNames(orv::moduleNames());
         EXPECT_TRUE(inFunction().isEmpty());
-        EXPECT_STREQ(kept.text(), "names test width");
+        EXPECT_STREQ(kept.string(), "names test width");
     }
 }
