@@ -43,7 +43,9 @@ template <class C, class F, How how, class Get> constexpr MethodRow callRow(cons
     return row;
 }
 template <class F>
-inline constexpr How howOf = Shape<F>::isStatic ? How::function : Shape<F>::isConst ? How::constMember : How::member;
+inline constexpr How howOf = Shape<F>::isStatic  ? How::function
+                             : Shape<F>::isConst ? How::constMember
+                                                 : How::member;
 
 /// A row whose text was written.
 template <class C, class F, class Get>
@@ -124,7 +126,10 @@ template <class T, class B> const void* upcast(const void* instance) {
     return static_cast<const B*>(static_cast<const T*>(instance));
 }
 /// Only a base at a fixed place can be cast down from.
-template <class T, class B> concept FixedBase = requires(B* base) { static_cast<T*>(base); };
+template <class T, class B>
+concept FixedBase = requires(B* base) {
+    static_cast<T*>(base);
+};
 /// The bases of a class, in their order.
 template <class... B> struct Bases {
     template <class T> struct Of {
@@ -178,9 +183,9 @@ template <class T> constexpr ClassRow makeRow() {
 
 /// A method of the class or of its bases: `ORV_METHOD(bool, set, (int, const ZString&), , "bind")`.
 #define ORV_METHOD(result, name, params, quals, ...)                                                                   \
-    ::orv::glue::writtenRow<Self, result(Self::*) params quals>(                                                       \
-        #result " " #name #params, #name, "" __VA_ARGS__,                                                              \
-        [] { return static_cast<::orv::glue::Shape<result(Self::*) params quals>::Member>(&Self::name); })
+    ::orv::glue::writtenRow<Self, result(Self::*) params quals>(#result " " #name #params, #name, "" __VA_ARGS__, [] { \
+        return static_cast<::orv::glue::Shape<result(Self::*) params quals>::Member>(&Self::name);                     \
+    })
 /// The same with a text made from the types: in templates, and where a type stands under an alias because it has a
 /// comma.
 #define ORV_TYPED_METHOD(result, name, params, quals, ...)                                                             \
@@ -229,11 +234,12 @@ template <class T> constexpr ClassRow makeRow() {
 
 // Properties
 
-/// A property with a getter of its name: `ORV_PROPERTY(int, width, "store .changed v3")`, and behind it what else it has:
+/// A property with a getter of its name: `ORV_PROPERTY(int, width, "store .changed v3")`, and behind it what else it
+/// has:
 /// `.items<ZString>()`, `.indexed<ZSelector>()`, `.initially(constant)`, `.at(offsetof(Self, field))`.
 #define ORV_PROPERTY(type, name, words)                                                                                \
     ::orv::glue::propertyRow<type, std::remove_cvref_t<decltype(std::declval<const Self&>().name())>>(#type, #name,    \
-                                                                                                       words, 0)
+                                                                                                      words, 0)
 /// A property that is held as a value and not in the class.
 #define ORV_DYNAMIC_PROPERTY(type, name, words) ::orv::glue::propertyRow<type, type>(#type, #name, words, 0x20)
 
@@ -257,5 +263,5 @@ template <class T> constexpr ClassRow makeRow() {
 
 /// Behind the table of a class, at file scope: makes its row.
 #define ORV_DECLARE(...)                                                                                               \
-    template <> constinit const ::orv::glue::ClassRow orv::glue::Row<__VA_ARGS__>::row =                               \
-        ::orv::glue::makeRow<__VA_ARGS__>()
+    template <>                                                                                                        \
+    constinit const ::orv::glue::ClassRow orv::glue::Row<__VA_ARGS__>::row = ::orv::glue::makeRow<__VA_ARGS__>()

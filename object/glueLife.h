@@ -77,19 +77,22 @@ template <class T> struct Life {
         made.initialize = info.initialize;
         if constexpr (std::is_class_v<T>) {
             if constexpr (builds<>) made.construct = construct;
-            if constexpr (!std::is_trivially_destructible_v<T> && requires(T& a) { a.~T(); }) made.destruct = destruct;
+            if constexpr (!std::is_trivially_destructible_v<T> && requires(T & a) { a.~T(); }) made.destruct = destruct;
             if constexpr (copiesByPointer || (!isType && builds<const T&>)) made.copy = copy;
             if constexpr (isType) {
                 if constexpr (requires(const T& a) { a.copy(); }) made.copyNew = copyNew;
             } else {
-                if constexpr (requires(T& a) { bool(a.detach()); }) made.detach = detach;
+                if constexpr (requires(T & a) { bool(a.detach()); }) made.detach = detach;
                 if constexpr (requires(const T& a) { bool(a.isDetached()); }) made.isDetached = isDetached;
                 if constexpr (zcomparable<T>) made.compare = compare;
-                if constexpr (requires(T& a, const ZString& text) { bool(a.fromString(text)); })
+                if constexpr (requires(T & a, const ZString& text) { bool(a.fromString(text)); })
                     made.fromString = fromString;
                 if constexpr (requires(const T& a) { requires std::is_same_v<decltype(a.toString()), ZString>; })
                     made.toString = toString<ZString>;
-                if constexpr (requires(T& a) { a.retain(); a.release(); }) {
+                if constexpr (requires(T & a) {
+                                  a.retain();
+                                  a.release();
+                              }) {
                     made.release = release;
                     made.retain = retain;
                 }
@@ -120,6 +123,8 @@ private:
         Life<T>::template build<A...>(instance, tag, fromSlot<A>(block + in.at[I])...);
     }
 };
-template <class T> void destructEntry(const void* instance, ZMethod*, void*) { Life<T>::destruct(const_cast<void*>(instance)); }
+template <class T> void destructEntry(const void* instance, ZMethod*, void*) {
+    Life<T>::destruct(const_cast<void*>(instance));
+}
 
 } // namespace orv::glue

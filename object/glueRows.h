@@ -13,8 +13,9 @@ class __ZPassMetaType;
 namespace orv::glue {
 
 /// The fast entry of a method. Arguments and result are words; a word holds a pointer, the address of what a reference
-/// refers to, or in its first bytes a trivially copyable value of at most 8. Which member is set follows from the number
-/// of parameters, `MethodRow::fastWords`; a call goes through that member, so no function is called as another type.
+/// refers to, or in its first bytes a trivially copyable value of at most 8. Which member is set follows from the
+/// number of parameters, `MethodRow::fastWords`; a call goes through that member, so no function is called as another
+/// type.
 union FastEntry {
     using Of0 = void* (*)(const void* instance, ZMethod* method);
     using Of1 = void* (*)(const void*, ZMethod*, const void*);
@@ -40,7 +41,8 @@ union FastEntry {
 ///
 /// - Word 0, 8 bytes. With a value as result: the address of raw memory for it, where the entry constructs the result;
 ///   the caller destroys it, and only if the entry ran. With a reference as result: the entry replaces the word by the
-///   address of what it refers to. Of a constructor: the tag, a `const __ZPassMetaType*`, null for the class's own type.
+///   address of what it refers to. Of a constructor: the tag, a `const __ZPassMetaType*`, null for the class's own
+///   type.
 /// - Then each argument, in slots of whole 4 bytes without padding between them: pointers, and addresses for
 ///   references, in 8; a float as a double in 8; another trivially copyable value of at most 8 bytes in its size,
 ///   rounded up. Other class values can't be parameters: they are passed by const reference.
@@ -57,11 +59,11 @@ struct MethodRow {
     StackedEntry stacked;
     const char* options; ///< words with an option proper among them; else null
     uint flags;
-    int16 sandBox;    ///< -1 for none
-    int8 fastWords;   ///< parameters of the fast entry; -1 without one
-    int8 open;        ///< the index of the open argument; -1 for none
-    bool isConst;     ///< the qualifier is "const", else empty
-    bool isLife;      ///< a constructor or the destructor
+    int16 sandBox;  ///< -1 for none
+    int8 fastWords; ///< parameters of the fast entry; -1 without one
+    int8 open;      ///< the index of the open argument; -1 for none
+    bool isConst;   ///< the qualifier is "const", else empty
+    bool isLife;    ///< a constructor or the destructor
 };
 
 struct PropertyRow {

@@ -94,9 +94,7 @@ template <class... A> constexpr void writeTypes(TextSink& out) {
     ((first ? void() : out.put(", "), first = false, writeType<A>(out)), ...);
 }
 
-template <class T> struct Instance {
-    static constexpr bool ofTemplate = false;
-};
+template <class T> struct Instance { static constexpr bool ofTemplate = false; };
 template <template <class...> class X, class... A> struct Instance<X<A...>> {
     static constexpr bool ofTemplate = true;
     static constexpr void write(TextSink& out) { writeTypes<A...>(out); }
@@ -229,13 +227,15 @@ inline constexpr auto signatureText = makeText([](TextSink& out) {
     if (Open) out.put(sizeof...(A) ? ", ..." : "...");
     out.put(')');
 });
-template <class T, class... A> inline constexpr auto constructorText = makeText([](TextSink& out) {
+template <class T, class... A>
+inline constexpr auto constructorText = makeText([](TextSink& out) {
     writeType<T>(out);
     out.put('(');
     writeTypes<A...>(out);
     out.put(')');
 });
-template <class T> inline constexpr auto destructorText = makeText([](TextSink& out) {
+template <class T>
+inline constexpr auto destructorText = makeText([](TextSink& out) {
     out.put('~');
     writeType<T>(out);
     out.put("()");

@@ -63,8 +63,8 @@ template <glue::FixedText Text> struct [[gnu::visibility("hidden")]] SelectorPla
 
 // The compiler knows the place of both symbols relative to the row, so rows need no relocation.
 #define ORV_NAME_ROW(table, record, text)                                                                              \
-    asm(".pushsection " table ",\"a\",@progbits\n\t.balign 4\n\t.long %c0 - .\n\t.long %c1 - .\n\t.popsection" ::"i"( \
-            &record),                                                                                                  \
+    asm(".pushsection " table                                                                                          \
+        ",\"a\",@progbits\n\t.balign 4\n\t.long %c0 - .\n\t.long %c1 - .\n\t.popsection" ::"i"(&record),               \
         "i"(&text))
 
 /// The selector of a text in normal form, which any module may name any number of times: `zsel<"width">()`. Empty while

@@ -296,7 +296,8 @@ TEST(Glue, FastEntries) {
     int twelve = 12;
     word = method(gauge, "bool setWidth(const int&)")->fast.f1(&g, nullptr, &twelve);
     EXPECT_TRUE(fromWord<bool>(word));
-    EXPECT_EQ(fromWord<GlueGauge::Mode>(method(gauge, "GlueGauge::Mode mode()")->fast.f0(&g, nullptr)), GlueGauge::Busy);
+    EXPECT_EQ(fromWord<GlueGauge::Mode>(method(gauge, "GlueGauge::Mode mode()")->fast.f0(&g, nullptr)),
+              GlueGauge::Busy);
     EXPECT_EQ(method(gauge, "ZString& label()")->fast.f0(&g, nullptr), &g.label());
     word = method(gauge, "int compare(const GlueGauge&)")->fast.f1(&g, nullptr, &other);
     EXPECT_EQ(fromWord<int>(word), 9);
