@@ -13,6 +13,7 @@ template <class T> class ZSlotT {
         int nextFree;
         byte used;
     };
+    struct Block;
 
 public:
     using ZRelocatable = void;
@@ -51,11 +52,11 @@ public:
 
     private:
         friend ZSlotT;
-        iterator(typename ZSlotT::Block* block, uint at) : block(block), at(at) { skipFree(); }
+        iterator(Block* block, uint at) : block(block), at(at) { skipFree(); }
         void skipFree() {
             while (block && at < block->count && !block->items()[at].used) ++at;
         }
-        typename ZSlotT::Block* block;
+        Block* block;
         uint at;
     };
     iterator begin() const { return iterator(block, 0); }
