@@ -12,7 +12,7 @@ class ZRange;
 class ZStringPair;
 struct ZStringArg;
 class ZTime;
-template <class C> class ZCharStrT;
+template <class C> class ORV_API ZCharStrT;
 using ZCharStr = ZCharStrT<char>;
 using ZWCharStr = ZCharStrT<wchar>;
 using ZICharStr = ZCharStrT<ichar>;
