@@ -1,8 +1,8 @@
 #include "core/ZCompactRBMap.h"
 
 #include "core/construct.h"
-#include "core/debug.h"
 #include "tests/support/AllocProbe.h"
+#include "tests/support/CaptureDebug.h"
 
 #include <algorithm>
 #include <cstring>
@@ -110,15 +110,6 @@ public:
     uint hashKey(const void* key) const override { return uint(*static_cast<const int*>(key)) * spread; }
     uint hashValue(const void* value) const override { return uint(*static_cast<const int*>(value)) * spread; }
     uint hashItem(const ZCompactRBItem* item) const override { return static_cast<const Item*>(item)->hash; }
-};
-
-std::vector<std::string> debugLines;
-struct CaptureDebug {
-    CaptureDebug() {
-        debugLines.clear();
-        zsetdebugsink([](const char* line) { debugLines.push_back(line); });
-    }
-    ~CaptureDebug() { zsetdebugsink(nullptr); }
 };
 
 } // namespace
@@ -559,13 +550,9 @@ TEST(CompactMap, DamagedLinksEndTheWalkAndAreRepaired) {
     {
         CaptureDebug capture;
         EXPECT_FALSE(map.log_verify("damaged"));
-        auto has = [](const char* text) {
-            return std::any_of(debugLines.begin(), debugLines.end(),
-                               [&](const std::string& line) { return line.rfind(text, 0) == 0; });
-        };
-        EXPECT_TRUE(has("invalid tree: 1, 5000"));
-        EXPECT_TRUE(has("rbtree error: 1"));
-        EXPECT_TRUE(has("damaged: node: 99, "));
+        EXPECT_TRUE(capture.has("invalid tree: 1, 5000"));
+        EXPECT_TRUE(capture.has("rbtree error: 1"));
+        EXPECT_TRUE(capture.has("damaged: node: 99, "));
     }
     int known = 50;
     EXPECT_FALSE(map.verifyKey(&known)) << "it is found";

@@ -2,11 +2,11 @@
 
 #include "core/ZAtomicInt.h"
 #include "core/ZError.h"
-#include "core/debug.h"
 #include "core/memlock.h"
 #include "core/memory.h"
 #include "core/state.h"
 #include "tests/support/AllocProbe.h"
+#include "tests/support/CaptureDebug.h"
 
 #include <gtest/gtest.h>
 #include <set>
@@ -181,9 +181,7 @@ TEST(ZLock, NamedLocksExcludeAndRegionsNest) {
 
 TEST(ZLock, LoggingWritesToTheDebugLog) {
     Bound on;
-    static std::string written;
-    written.clear();
-    zsetdebugsink([](const char* line) { written += std::string(line) + "\n"; });
+    CaptureDebug capture;
     ZLock lock;
     lock.setLabel("cache", 4);
     lock.setLogging(true);
@@ -192,9 +190,8 @@ TEST(ZLock, LoggingWritesToTheDebugLog) {
     lock.setLogging(false);
     lock.lock();
     lock.unlock();
-    zsetdebugsink(nullptr);
     std::string id = std::to_string(lock.getId());
-    EXPECT_EQ(written, "lock " + id + ": cache, 4\nunlock " + id + ": cache, 4\n");
+    EXPECT_EQ(capture.lines, (std::vector<std::string>{"lock " + id + ": cache, 4", "unlock " + id + ": cache, 4"}));
 }
 
 TEST(ZAtomicInt, CountsAndComparesAndLeavesZeroAlone) {

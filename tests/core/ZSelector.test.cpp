@@ -76,6 +76,9 @@ TEST(Selector, NormalFormWithoutTheSpace) {
     EXPECT_EQ(type, ZSelector::Template);
     zfree(normal);
     EXPECT_EQ(ZSelector::stringType("const A::B", 10), ZSelector::Types);
+    EXPECT_EQ(ZSelector::stringType("A::B c", 6), ZSelector::Names);
+    EXPECT_EQ(ZSelector::stringType("@", 1), ZSelector::Name);
+    EXPECT_EQ(ZSelector::stringType("", 0), ZSelector::Any);
     EXPECT_EQ(ZSelector::stringType(nullptr, 10), ZSelector::Any);
 }
 

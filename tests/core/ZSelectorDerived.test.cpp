@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 #include <string>
 
-static std::string text(const ZSelector& sel) { return sel.string() ? sel.string() : ""; }
-
 TEST(SelectorDerived, Names) {
     SelectorScope scope;
     struct Row {

@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 #include <string>
 
-static std::string text(const ZSelector& sel) { return sel.string() ? sel.string() : ""; }
-
 TEST(SelectorForms, OneText) {
     SelectorScope scope;
     struct Row {

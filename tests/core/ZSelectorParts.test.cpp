@@ -11,7 +11,6 @@
 
 namespace {
 
-std::string text(const ZSelector& sel) { return sel.string() ? sel.string() : ""; }
 ZSelector typed(const char* text, ZSelector::Type type) {
     ZSelector made;
     made.set(text, type);

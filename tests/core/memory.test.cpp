@@ -2,10 +2,10 @@
 
 #include "core/ZInternal.h"
 #include "core/construct.h"
-#include "core/debug.h"
 #include "core/hashsize.h"
 #include "core/state.h"
 #include "tests/support/AllocProbe.h"
+#include "tests/support/CaptureDebug.h"
 
 #include <algorithm>
 #include <cstring>
@@ -15,15 +15,6 @@
 #include <vector>
 
 namespace {
-std::string lastLine;
-struct CaptureDebug {
-    CaptureDebug() {
-        lastLine.clear();
-        zsetdebugsink([](const char* line) { lastLine = line; });
-    }
-    ~CaptureDebug() { zsetdebugsink(nullptr); }
-};
-
 int built = 0, destroyed = 0;
 std::vector<int> destructionOrder;
 struct Part {
@@ -53,7 +44,7 @@ TEST(Memory, CountsOfNullAndOfDeadBlocks) {
     {
         CaptureDebug capture;
         EXPECT_EQ(retain(p), nullptr);
-        EXPECT_EQ(lastLine.rfind("retain failed: ", 0), 0u) << lastLine;
+        EXPECT_TRUE(capture.has("retain failed: ")) << capture.last();
     }
     EXPECT_EQ(refcount(p), 0);
     EXPECT_EQ(incmemref(p, true), 1);
@@ -178,7 +169,7 @@ TEST(Memory, LateFinalFreeLeavesTheBlock) {
     int before = orv::coreState.instances;
     orv::coreState.instances = 0;
     zdfree(p);
-    EXPECT_EQ(lastLine.rfind("Too late to free: ", 0), 0u) << lastLine;
+    EXPECT_TRUE(capture.has("Too late to free: ")) << capture.last();
     EXPECT_EQ(probe.live(), 1);
     orv::coreState.instances = 1;
     zdfree(p);
@@ -206,16 +197,14 @@ TEST(Memory, CompareDuplicateAndFill) {
 }
 
 TEST(Memory, StackTraceHasTheCallersAskedFor) {
-    static std::vector<std::string> lines;
-    lines.clear();
-    zsetdebugsink([](const char* line) { lines.push_back(line); });
+    CaptureDebug capture;
+    auto& lines = capture.lines;
     bool before = std::exchange(orv::coreState.coreLoaded, false);
     logstack("early", &lines, 3);
     EXPECT_TRUE(lines.empty());
     orv::coreState.coreLoaded = true;
     logstack("late", nullptr, 3);
     orv::coreState.coreLoaded = before;
-    zsetdebugsink(nullptr);
     ASSERT_EQ(lines.size(), 4u);
     EXPECT_EQ(lines[0].rfind("late: ", 0), 0u) << lines[0];
     EXPECT_NE(lines[1].find(" + "), std::string::npos) << lines[1];

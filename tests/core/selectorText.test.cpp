@@ -126,16 +126,6 @@ TEST(SelectorText, NormalFormAndKind) {
     }
 }
 
-TEST(SelectorText, KindOfATextAsItStands) {
-    struct Row {
-        const char* text;
-        int type;
-    };
-    const Row rows[] = {{"", 0}, {"@", 1}, {"const A::B", 6}, {"A::B c", 2}, {"f(const A::B&)", 8}};
-    for (const Row& row : rows) EXPECT_EQ(selectorType(row.text, std::strlen(row.text)), row.type) << row.text;
-    EXPECT_EQ(selectorType(nullptr, 3), ZSelector::Any);
-}
-
 TEST(SelectorText, Items) {
     struct Row {
         const char* text;

@@ -2,6 +2,8 @@
 
 #include "core/ZSelector.h"
 
+#include <string>
+
 /// The selector space, open for the life of this; it begins empty and leaves nothing.
 struct SelectorScope {
     SelectorScope() {
@@ -11,3 +13,6 @@ struct SelectorScope {
     ~SelectorScope() { ZSelector::close(); }
     SelectorScope(const SelectorScope&) = delete;
 };
+
+/// The text of a selector, "" for an empty one.
+inline std::string text(const ZSelector& sel) { return sel.string() ? sel.string() : ""; }

@@ -1,21 +1,15 @@
 #include "text/ZCharBuffer.h"
 
 #include "tests/support/AllocProbe.h"
+#include "tests/text/textsamples.h"
 #include "text/ZCharStrT.h"
 
 #include <cmath>
 #include <cstring>
-#include <gtest/gtest.h>
-#include <string>
 
 namespace {
 
-std::string str(const ZString& text) {
-    char* bytes = text.astr();
-    std::string copy(bytes ? bytes : "");
-    zfree(bytes);
-    return copy;
-}
+std::string str(const ZString& text) { return utf8(text); }
 std::string str(const ZSelector& text) { return text.isEmpty() ? "" : text.string(); }
 
 class CharBuffer : public testing::Test {

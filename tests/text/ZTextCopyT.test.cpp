@@ -9,13 +9,6 @@ namespace {
 template <class C> class TextCopy : public testing::Test {};
 TYPED_TEST_SUITE(TextCopy, Widths);
 
-/// The text of a new block, which is freed.
-template <class C> std::string taken(C* made) {
-    std::string text = out(static_cast<const C*>(made));
-    zfree(made);
-    return text;
-}
-
 /// Calls `write(out, size)` with every size up to what is needed and checks that the size is kept, that whole
 /// characters of the result are written and that the answer is always the same. Answers the result.
 template <class C, class F> std::string everySize(F&& write) {

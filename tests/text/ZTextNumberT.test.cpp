@@ -13,11 +13,6 @@ namespace {
 template <class C> class TextNumber : public testing::Test {};
 TYPED_TEST_SUITE(TextNumber, Widths);
 
-template <class C> std::string taken(C* made) {
-    std::string text = out(static_cast<const C*>(made));
-    zfree(made);
-    return text;
-}
 template <class C, class F> std::string written(F&& write) {
     C room[80] = {};
     int length = write(room, 80);

@@ -1,12 +1,10 @@
 #include "text/format.h"
 
-#include "text/transcode.h"
+#include "tests/text/widths.h"
 
 #include <climits>
 #include <cmath>
 #include <cstdio>
-#include <gtest/gtest.h>
-#include <string>
 #include <vector>
 
 namespace {
@@ -14,16 +12,13 @@ namespace {
 template <class C> class Format : public testing::Test {
 public:
     using Text = std::basic_string<C>;
-    static Text wide(const std::string& text) {
-        Text out(orv::detail::transcode(static_cast<C*>(nullptr), 0, text.data(), text.size()), 0);
-        orv::detail::transcode(out.data(), out.size(), text.data(), text.size());
-        return out;
-    }
+    static Text wide(const std::string& text) { return in<C>(text); }
+    /// Bytes stay as they are, well-formed or not.
     static std::string narrow(const Text& text) {
-        if constexpr (sizeof(C) == 1) return text;
-        std::string out(orv::detail::transcode(static_cast<char*>(nullptr), 0, text.data(), text.size()), 0);
-        orv::detail::transcode(out.data(), out.size(), text.data(), text.size());
-        return out;
+        if constexpr (sizeof(C) == 1)
+            return text;
+        else
+            return out(text);
     }
     /// The text, after measuring it, writing it whole and cut, and giving it to a sink.
     template <class... A> static std::string text(const char* form, A... args) {
@@ -66,7 +61,6 @@ public:
         EXPECT_EQ(text(form.c_str(), args...), expected) << form;
     }
 };
-using Widths = testing::Types<char, wchar, ichar>;
 TYPED_TEST_SUITE(Format, Widths);
 
 /// Every set of flags with some widths and precisions.

@@ -1,18 +1,16 @@
 #include "text/number.h"
 
+#include "tests/text/widths.h"
+
 #include <cmath>
-#include <gtest/gtest.h>
 #include <limits>
 #include <random>
-#include <string>
 
 namespace {
 
 template <class C> class Number : public testing::Test {
 public:
     using Text = std::basic_string<C>;
-    static Text widen(const std::string& text) { return Text(text.begin(), text.end()); }
-    static std::string narrow(const Text& text) { return std::string(text.begin(), text.end()); }
 
     /// Runs one of the writers and checks its contract: measuring, cutting and the terminator.
     template <class F> static std::string written(F&& write) {
@@ -28,11 +26,11 @@ public:
             EXPECT_EQ(cut.substr(0, size_t(length) - 1), whole.substr(0, size_t(length) - 1));
         }
         EXPECT_EQ(cut[size_t(length)], C('#'));
-        return narrow(whole.substr(0, size_t(length)));
+        return out(whole.substr(0, size_t(length)));
     }
     template <class T> static std::string read(const std::string& text, int radix) {
         T value = 77;
-        Text wide = widen(text);
+        Text wide = in<C>(text);
         if (!orv::strtonumber(wide.data(), int(wide.size()), value, radix)) {
             EXPECT_EQ(value, T(77)) << text;
             return "refused";
@@ -43,7 +41,6 @@ public:
         return std::to_string(value);
     }
 };
-using Widths = testing::Types<char, wchar, ichar>;
 TYPED_TEST_SUITE(Number, Widths);
 
 } // namespace
@@ -169,23 +166,23 @@ TYPED_TEST(Number, TextToReals) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.text);
         double value = 77;
-        auto text = this->widen(row.text);
+        auto text = in<TypeParam>(row.text);
         EXPECT_EQ(orv::strtonumber(text.data(), int(text.size()), value, row.decimal), row.good);
         EXPECT_EQ(value, row.good ? row.value : 77);
     }
     // Long texts are decided by their last digit: just above half-way rounds up.
     for (bool above : {false, true}) {
         double value = 0;
-        auto shifted = this->widen("0." + std::string(2000, '0') + "9007199254740993" + std::string(3000, '0') +
-                                   (above ? "1" : "0") + "e2016");
+        auto shifted = in<TypeParam>("0." + std::string(2000, '0') + "9007199254740993" + std::string(3000, '0') +
+                                     (above ? "1" : "0") + "e2016");
         EXPECT_TRUE(orv::strtonumber(shifted.data(), int(shifted.size()), value, '.'));
         EXPECT_EQ(value, above ? 9007199254740994.0 : 9007199254740992.0);
     }
-    auto zeros = this->widen("1" + std::string(500, '0') + "e-500");
+    auto zeros = in<TypeParam>("1" + std::string(500, '0') + "e-500");
     float single = 0;
     EXPECT_TRUE(orv::strtonumber(zeros.data(), int(zeros.size()), single, '.'));
     EXPECT_EQ(single, 1.0f);
-    auto big = this->widen("3.5e38");
+    auto big = in<TypeParam>("3.5e38");
     EXPECT_FALSE(orv::strtonumber(big.data(), -1, single, '.'));
     EXPECT_EQ(single, 1.0f);
 }

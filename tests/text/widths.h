@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/memory.h"
 #include "text/transcode.h"
 
 #include <gtest/gtest.h>
@@ -25,4 +26,10 @@ template <class C> std::string out(const std::basic_string<C>& text) {
 }
 template <class C> std::string out(const C* text) {
     return out(std::basic_string<C>(text ? text : in<C>("(null)").c_str()));
+}
+/// The text of a new block, which is freed.
+template <class C> std::string taken(C* made) {
+    std::string text = out(static_cast<const C*>(made));
+    zfree(made);
+    return text;
 }
