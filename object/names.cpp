@@ -1,5 +1,7 @@
 #include "object/names.h"
 
+#include "object/ZInlineType.h"
+
 namespace orv {
 
 bool openNames(const ModuleNames& module) {
@@ -8,10 +10,19 @@ bool openNames(const ModuleNames& module) {
         auto cell = static_cast<SelectorCell*>(row->recordAt());
         if (cell->get().isEmpty()) all &= (::new (cell->bytes) ZSelector)->link(row->textAt(), false);
     }
+    for (const NameRow* row = module.types; row != module.typesEnd; ++row) {
+        auto record = static_cast<ZInlineType*>(row->recordAt());
+        if (!record->getSelector().isEmpty()) continue;
+        const ZSelector name(row->textAt());
+        record->setSelector(name);
+        all &= !name.isEmpty();
+    }
     return all;
 }
 
 void closeNames(const ModuleNames& module) {
+    for (const NameRow* row = module.typesEnd; row != module.types;)
+        static_cast<ZInlineType*>((--row)->recordAt())->clear();
     for (const NameRow* row = module.selectorsEnd; row != module.selectors;) {
         ZSelector& name = static_cast<SelectorCell*>((--row)->recordAt())->get();
         if (!name.isEmpty()) name.unlink();

@@ -1,23 +1,13 @@
 #pragma once
 
-#include "core/ZSelector.h"
+#include "object/SelectorCell.h"
 #include "object/glueText.h"
-
-#include <new>
 
 /// Names and types in code at one load per use. The accessors push the address of a hidden record and of its text to a
 /// table of the module that they are compiled into; whoever opens a module links what its tables list, and unlinks it
 /// when the module closes. In between the records are read without a lock.
 
 namespace orv {
-
-/// The memory of a selector that nobody constructs or destroys at start and end of the process. All zero it is empty.
-struct SelectorCell {
-    alignas(ZSelector) byte bytes[sizeof(ZSelector)];
-
-    const ZSelector& get() const { return *std::launder(reinterpret_cast<const ZSelector*>(bytes)); }
-    ZSelector& get() { return *std::launder(reinterpret_cast<ZSelector*>(bytes)); }
-};
 
 /// A row of a module's table: where record and text stand, each counted from its own member.
 struct NameRow {

@@ -1,0 +1,181 @@
+#pragma once
+
+#include "core/ZHashMapT.h"
+#include "core/ZSelectorMap.h"
+#include "module/typeIndex.h"
+#include "object/ZInlineType.h"
+#include "object/ZMetaType.h"
+
+/// Fills a package. First with `finished` false: makes the types and uses other packages. Then with true, when all
+/// bases are resolved.
+using TSetupPackage = bool (*)(ZPackage* package, bool finished);
+using TClosePackage = void (*)(ZPackage* package);
+
+/// One package uses another. It stands in two lists: those that the user uses, and those that use the used one.
+struct ZPackageLink {
+    ZPackage* user = nullptr;
+    ZPackage* used = nullptr;
+    ZPackageLink* usedByPrev = nullptr;
+    ZPackageLink* usedByNext = nullptr;
+    ZPackageLink* usesPrev = nullptr;
+    ZPackageLink* usesNext = nullptr;
+    int count = 0; ///< how many times `use` was called for the pair
+    byte linked = 0;
+    byte active = 0; ///< of an ordering that is under way
+
+    /// Whether both ends take part in an ordering that hasn't reached them.
+    bool activeLink() const;
+    void link();
+    void unlink();
+    void clear();
+    void assign(const ZPackageLink& other);
+};
+
+/// A counted set of types that a module hands out under one name. It owns its types; those of the packages that it uses
+/// it finds too, and, as every package does, those of the root package, the first one made, which uses every public
+/// one. Any thread may look types up, without a lock; packages are filled, used and closed by one thread at a time,
+/// each change under the package's own lock.
+class ORV_API ZPackage : public ZObject {
+public:
+    enum Flags : uint { None = 0, Public = 1, Plugin = 2, Dynamic = 4 };
+    using Types = ZHashMapT<ZSelector, ZRetainPtrT<ZMetaType>>;
+
+    explicit ZPackage(const __ZPassMetaType* type = nullptr, ZInternal* internal = nullptr);
+    ~ZPackage() override;
+
+    /// The first package made; null before it and after its end.
+    static ZPackage* root();
+    /// An open package by its name; null if it isn't open.
+    static ZPackage* findPackage(const ZSelector& name);
+
+    // What it is
+
+    uint getFlags() const { return flags; }
+    void setFlags(uint bits) { flags = bits; }
+    bool isPublic() const { return flags & Public; }
+    const ZSelector& getOptions() const { return options; }
+    void setOptions(const ZSelector& words) { options = words; }
+    bool hasOption(const ZSelector& word) const { return options.contains(word); }
+    int getSandBoxLevel() const { return sandBoxLevel; }
+    void setSandBoxLevel(int level) { sandBoxLevel = level; }
+    ZModule* getModule() const { return module; }
+    void setModule(ZModule* owner) { module = owner; }
+    ZPackage* package() const override { return const_cast<ZPackage*>(this); }
+
+    // Start and stop
+
+    void setSetupFunc(TSetupPackage function) { setupFunc = function; }
+    void setCloseFunc(TClosePackage function) { closeFunc = function; }
+    /// Room for so many types; false without memory.
+    bool setTypeCount(uint count);
+    /// Makes the types, publishes a public package, resolves bases and works out implicit conversions. The answer is
+    /// that of the setup function's second call.
+    bool setup();
+    void setupImplicitMap();
+    /// Resolves the bases that are open by name; types that were made before `ZMetaType` had a type get theirs.
+    void resetBases();
+    /// Calls the close function, once.
+    void closePack();
+    /// Lets everything go: types, links to and from other packages, inline records. Once; later calls do nothing.
+    void releasePackage();
+
+    // Using other packages
+
+    /// Counts one more use; false without memory, though the types are then found all the same. Null: false.
+    bool use(ZPackage* other);
+    /// Opens that package if need be. False if there is none.
+    bool use(const ZSelector& name);
+    /// Gives one use up; false if there is none.
+    bool unuse(ZPackage* other);
+    bool unuse(const ZSelector& name);
+    bool uses(const ZPackage* other) const;
+    /// Lets another package, for null the root, use this one; false for itself and with no root.
+    bool publish(ZPackage* target);
+    /// Users in front of what they use, whatever cycles there are. False without memory, with the order as it was.
+    static bool topologicalOrdering(ZArrayT<ZPackage*>& packages);
+    /// Of those that an ordering hasn't reached, the one with the fewest users; null for none.
+    static ZPackage* findLeastUsed(const ZArrayT<ZPackage*>& packages);
+
+    // Types. What is found is borrowed from its package.
+
+    /// Enters a type under its name, or takes it out.
+    bool linkType(ZMetaType* type);
+    void unlinkType(ZMetaType* type);
+    bool addTypes(const ZArrayT<ZMetaType*>& types);
+    /// By name, here, in used packages, in the root; makes qualified variants and template instances.
+    ZMetaType* findType(const ZSelector& name) const override;
+    /// The same, but makes nothing and opens nothing.
+    ZMetaType* findExisting(const ZSelector& name) const;
+    /// The same without variants and instances.
+    ZMetaType* findMetaType(const ZSelector& name) const;
+    /// Of its own.
+    ZMetaType* findPackageType(const ZSelector& name) const;
+    /// Where an instance of a template belongs: the most dependent of the packages of template and parameters.
+    const ZPackage* findTemplateOwner(const ZSelector& name) const;
+    /// A type by its plugin identifier; for the empty one, the first that is a plugin type and a `ZType`.
+    ZMetaType* pluginType(const ZSelector& id) const;
+    /// A copy, in order of making.
+    Types getTypes() const;
+    ZArrayT<ZMetaType*> getUsedTypes() const;
+    void resetUsedTypes() const;
+    bool addUsedPackageTypes(ZPackage* other);
+
+    // Inline records
+
+    InlineTypeList& inlines() const { return inlineTypes; }
+    void clearInlines();
+    /// Counts the inline methods that point into the package.
+    void changeInlines(bool added);
+
+    // Selector groups
+
+    bool selectorGroupNames(ZArrayT<ZSelector>& names) const;
+    const ZSelectorMap* selectorGroup(const ZSelector& name) const;
+    bool setSelectorGroup(const ZSelector& name, const ZSelectorMap& group);
+    /// The selector that a name stands for; `localOnly`: in this package's groups.
+    ZSelector getNamedSelector(const ZSelector& name, bool localOnly) const;
+
+    // Counting
+
+    int instanceCount() const { return toolkit::load(instances); }
+    void addInstance() { toolkit::increment(instances); }
+    void removeInstance() { toolkit::decrement(instances); }
+
+private:
+    friend struct ZPackageLink;
+
+    ZPackageLink* findLink(const ZPackage* other) const;
+    bool addUsed(const ZPackage* other) const;
+    ZMetaType* findKnown(const ZSelector& name) const;
+    ZMetaType* makeInstance(const ZSelector& name) const;
+    void collectSelectors() const;
+    void releaseTypes();
+
+    ZPackageLink* usedByHead = nullptr;
+    ZPackageLink* usedByTail = nullptr;
+    ZPackageLink* usesHead = nullptr;
+    ZPackageLink* usesTail = nullptr;
+    // Of an ordering that is under way
+    ZPackageLink* scanLink = nullptr;
+    int degree = 0;
+    byte visited = 0;
+
+    ZPackage* nextOpen = nullptr;
+    ZModule* module = nullptr;
+    Types types;
+    orv::TypeIndex typeIndex;         ///< of `types`
+    mutable orv::TypeIndex usedIndex; ///< of the used packages, not retained
+    mutable bool usedTypesDirty = false;
+    bool released = false;
+    mutable bool selectorIndexDirty = true;
+    ZHashMapT<ZSelector, ZKeyValueT<ZSelector, ZSelectorMap>> selectorGroups;
+    mutable ZSelectorMap selectorIndex;
+    mutable InlineTypeList inlineTypes;
+    int inlineMethodCount = 0;
+    ZSelector options;
+    int sandBoxLevel = 0;
+    uint flags = 0;
+    TSetupPackage setupFunc = nullptr;
+    TClosePackage closeFunc = nullptr;
+    int instances = 0;
+};
