@@ -255,7 +255,10 @@ bool ZVariant::initText(ZMetaType* type, const ZString& text) {
             return false;
         }
         typeBits = tagged(type);
-        if (isPlainKind(type->kind()) ? kindFromString(type->kind(), data, text) : type->fromString(data, text))
+        // Enums read the names of their items too.
+        const int kind = type->kind();
+        if ((isPlainKind(kind) && kindFromString(kind, data, text)) ||
+            ((!isPlainKind(kind) || kind == ZMetaType::Enum) && type->fromString(data, text)))
             return true;
         clear();
         return false;
@@ -468,6 +471,12 @@ int ZVariant::cost() const {
 
 void* ZVariant::retain() const {
     return isInline() ? nullptr : const_cast<void*>(retained(detail::pointedType(type()), held()));
+}
+
+/// Before a write into the value: an instance, and the target of a pointer, is shared by all who refer to it; any other
+/// value is this variant's own.
+bool ZVariant::ownValue() {
+    return isInline() || !type() || type()->kind() == ZMetaType::Pointer || referenceCount() < 2 || detach();
 }
 
 void* ZVariant::copyValue() const {

@@ -3,7 +3,7 @@
 #include "core/ZPtrKey.h"
 #include "core/ZSelector.h"
 #include "module/forward.h"
-#include "object/forward.h"
+#include "object/ZType.h"
 #include "object/ztype.h"
 #include "text/ZString.h"
 #include "value/forward.h"
@@ -14,14 +14,14 @@
 
 /// A value of any type together with its type, in 24 bytes: what properties, arguments and containers of the reflective
 /// world are made of. Values below 17 bytes live in the variant itself, unless they are aligned above 8; these, larger
-/// values, pointers and all instances of `ZType` classes are held by a counted reference to their block. An instance of a
-/// `ZType` class is always held under the pointer type of its class, so that equal things have equal types. A value that
-/// lives in the variant moves with it by its bytes.
+/// values, pointers and all instances of `ZType` classes are held by a counted reference to their block. An instance of
+/// a `ZType` class is always held under the pointer type of its class, so that equal things have equal types. A value
+/// that lives in the variant moves with it by its bytes.
 ///
-/// A plain value: one variant is one thread's; what it holds is shared as far as its type allows. Operations that answer
-/// a bool answer false, and leave the variant as it was, when there is no memory or the value has no such operation. A
-/// constructor without memory raises `ZError::fail` and leaves the null variant. Before the library's packages are open
-/// there are no types: what is made from a plain value then is the null variant.
+/// A plain value: one variant is one thread's; what it holds is shared as far as its type allows. Operations that
+/// answer a bool answer false, and leave the variant as it was, when there is no memory or the value has no such
+/// operation. A constructor without memory raises `ZError::fail` and leaves the null variant. Before the library's
+/// packages are open there are no types: what is made from a plain value then is the null variant.
 class ORV_API ZVariant {
 public:
     using ZRelocatable = void;
@@ -29,8 +29,8 @@ public:
     /// Bytes of a value that the variant itself can hold.
     static constexpr int maxsize() { return 16; }
 
-    // Lifetime. A copy shares what is held by reference; a held instance that is dead already (its count is 0) is copied
-    // as no instance.
+    // Lifetime. A copy shares what is held by reference; a held instance that is dead already (its count is 0) is
+    // copied as no instance.
 
     constexpr ZVariant() = default;
     constexpr ZVariant(std::nullptr_t) {}
@@ -89,12 +89,13 @@ public:
     /// instance is retained. Null for the address gives the type alone, null for the type the counted block that the
     /// pointer there points to.
     ZVariant(ZMetaType* type, const void* value);
-    /// What another variant holds, as a value of the type: a number or text is converted (0 or empty where it can't be),
-    /// other values as by `convert`, where one that can't be gives the type alone.
+    /// What another variant holds, as a value of the type: a number or text is converted (0 or empty where it can't
+    /// be), other values as by `convert`, where one that can't be gives the type alone.
     ZVariant(ZMetaType* type, const ZVariant& value);
     /// The value that a text stands for; the type alone where it stands for none.
     ZVariant(ZMetaType* type, const ZString& text);
-    /// The same with the type of that name in a package, or in all packages for null. The null variant without the type.
+    /// The same with the type of that name in a package, or in all packages for null. The null variant without the
+    /// type.
     ZVariant(const ZPackage* package, const ZSelector& typeName, const ZString& text);
     /// See `blendFrom`.
     ZVariant(const ZVariant* a, const ZVariant* b, const ZBlendPos& pos);
@@ -245,7 +246,9 @@ public:
     bool numberType() const;
     bool isDetached() const;
     /// Whether both refer to the same instance or block.
-    bool samePtr(const ZVariant& other) const { return !isInline() && !other.isInline() && held() && held() == other.held(); }
+    bool samePtr(const ZVariant& other) const {
+        return !isInline() && !other.isInline() && held() && held() == other.held();
+    }
     /// Of the held block; 0 for values in the variant.
     int referenceCount() const { return isInline() ? 0 : refcount(held()); }
     /// Bytes that the value takes, for caches.
@@ -253,8 +256,8 @@ public:
 
     // Comparison
 
-    /// -1, 0 or 1. Values of different types are ordered by their types' addresses and never equal. Reals that differ by
-    /// less than 1e-8 are equal: that is no order to sort by, see `order`.
+    /// -1, 0 or 1. Values of different types are ordered by their types' addresses and never equal. Reals that differ
+    /// by less than 1e-8 are equal: that is no order to sort by, see `order`.
     int compare(const ZVariant& other) const;
     /// A total order for sorting and keys, the same as `compare` but for reals: -0 equals 0, not-a-number comes last.
     int order(const ZVariant& other) const;
@@ -263,8 +266,8 @@ public:
     bool operator==(const ZVariant& other) const { return compare(other) == 0; }
     /// Equality in which reals may differ by `tolerance`, also in containers and stored properties.
     bool matchValue(const ZVariant& other, real tolerance) const;
-    /// Applies a comparison or test by name ("==", "less", "contains", "in" …), with "not." in front of it the contrary;
-    /// any other name is that of a method, see `checkWithMethod`.
+    /// Applies a comparison or test by name ("==", "less", "contains", "in" …), with "not." in front of it the
+    /// contrary; any other name is that of a method, see `checkWithMethod`.
     bool checkOperation(const ZSelector& operation, const ZVariant& other) const;
     /// Calls the method of that name with `other`; false if there is none.
     bool checkWithMethod(const ZSelector& method, const ZVariant& other) const;
@@ -287,6 +290,243 @@ public:
     bool convertType(const ZSelector& typeName);
     /// What lies between `a` and `b`, of which one or both may be null.
     bool blendFrom(const ZVariant* a, const ZVariant* b, const ZBlendPos& pos);
+
+    // Items of a container, see `ZTypedPtr`. A container that other variants share is copied before it is changed.
+
+    uint itemCount() const;
+    ZVariant itemByIndex(int index) const;
+    ZVariant itemByKey(const ZSelector& key) const;
+    ZVariant itemByKey(const ZVariant& key) const;
+    ZVariant keyByIndex(int index) const;
+    bool setItem(int index, const ZVariant& value);
+    bool setItem(const ZSelector& key, const ZVariant& value);
+    bool setItem(const ZVariant& key, const ZVariant& value);
+    bool appendItem(const ZVariant& value);
+    bool insertItem(const ZVariant& key, const ZVariant& value);
+    bool removeItem(int index);
+    bool removeItem(const ZSelector& key);
+    bool removeItem(const ZVariant& key);
+    bool removeValue(const ZVariant& value);
+    bool clearItems();
+    /// Whether an array or set has the item, a map the key, a list of words the words, a text the text.
+    bool contains(const ZVariant& item) const;
+    bool containsValue(const ZVariant& value) const;
+    bool hasKey(const ZSelector& key) const;
+    bool hasKey(const ZVariant& key) const;
+    int indexOfKey(const ZSelector& key) const;
+    int indexOfKey(const ZVariant& key) const;
+    int indexOfValue(const ZVariant& value) const;
+    ZVariant keyOfValue(const ZVariant& value) const;
+    ZSelector selectorOfValue(const ZVariant& value) const;
+
+    // Methods of the value. `ZMethod*` is borrowed, see `ZType`.
+
+    ZMethod* method(ZTypedPtr* typed, const ZSelector& selector, const ZSelector& qualifier) const;
+    ZMethod* method(const ZSelector& selector, const ZSelector& qualifier) const;
+    ZMethod* baseMethod(ZTypedPtr* typed, const ZSelector& selector, const ZSelector& qualifier) const;
+    ZMethod* multimethod(int* distance, ZTypedPtr* typed, const ZSelector& name, const ZArrayT<ZMetaType*>& types,
+                         bool implicit, bool skipResult, bool exact, const ZSelector& qualifier) const;
+    ZMethod* multimethod(const ZSelector& name, const ZArrayT<ZMetaType*>& types) const;
+    ZMethod* baseMultimethod(int* distance, ZTypedPtr* typed, const ZSelector& name, const ZArrayT<ZMetaType*>& types,
+                             bool implicit, bool skipResult, bool exact, const ZSelector& qualifier) const;
+    bool implements(const ZSelector& selector, const ZSelector& qualifier) const;
+    bool definesName(const ZSelector& name) const;
+    /// Calls the overload that fits best, on the value in place: a method that isn't const may change it.
+    ZVariant invoke(const ZSelector& name, const ZArrayT<ZVariant>& arguments) const;
+    ZVariant invoke(const ZSelector& name, const ZVArray& arguments) const;
+    bool callV(const ZSelector& name) const;
+    bool callV(const ZSelector& name, const ZSelector& qualifier) const;
+    /// The nearest object of that name: the held one, its parent and so on. Null if there is none.
+    ZObject* ancestor(const ZSelector& name) const;
+    /// The first object of that name below the held one.
+    ZObject* descendant(const ZSelector& name) const;
+
+    // Enums of the type
+
+    bool enumValue(const ZSelector& path, int& value) const;
+    ZSelector enumName(const ZSelector& enumType, int value) const;
+    ZEnumType* findEnum(const ZSelector& name) const;
+    int scanEnum(const ZSelector& enumType, const ZSelector& words) const;
+    ZSelector outputEnum(const ZSelector& enumType, int flags) const;
+    /// The item name of an enum value with its type in front, "Type::Name"; empty for other values.
+    ZSelector qualify() const;
+
+    // Properties of the value: the operations of `ZType`, see there, on any value. A value that other variants share is
+    // copied before it is changed; instances and targets of pointers are changed for all.
+
+    // Property catalogue
+
+    ZProperty* getMetaProperty(const ZSelector& name) const;
+    ZSelector replacePropertyName(const ZSelector& name) const;
+    uint propertyCount() const;
+    bool dynamicPropertyNames(ZArrayT<ZSelector>& names) const;
+    bool enumerateProperties(orv::PropertyVisit visit, void* context) const;
+    bool updateProperties(ZTypedPtr* typed, orv::PropertyVisit filter, orv::PropertyVisit update, void* context,
+                          bool recursive, bool detached);
+    bool updateProperties(orv::PropertyVisit filter, orv::PropertyVisit update, void* context);
+    bool getProperties(ZVSelectMap& values) const;
+    bool propertiesWithOptions(const ZSelector& words, ZArrayT<ZSelector>& names) const;
+    bool propertiesWithOptions(const ZSelector& words, ZVSelectMap& values) const;
+    bool copyPropertiesFrom(const ZType* source);
+    bool retainedObjectNames(ZArrayT<ZSelector>& names) const;
+    bool collectPropertyNames(ZHashSetT<ZSelector>& names) const;
+
+    // Property lookup. A `typed` gets the instance that owns what was found; null is fine.
+
+    ZProperty* dynamicProperty(const ZSelector& name) const;
+    bool dynamicProperty(const ZSelector& name, ZProperty& found) const;
+    bool property(ZTypedPtr* typed, const ZSelector& name, ZProperty& found, bool resolve) const;
+    bool property(const ZSelector& name, ZProperty& found, bool resolve) const;
+    bool property(const ZSelector& name, ZProperty& found) const;
+    bool propertyNames(ZArrayT<ZSelector>& names) const;
+    bool storedPropertyNames(ZArrayT<ZSelector>& names) const;
+    bool delegatePropertyNames(ZArrayT<ZSelector>& names) const;
+    ZProperty* findPropertyRoot(ZTypedPtr* typed, const ZSelector& name) const;
+    ZProperty* findPropertyPath(ZTypedPtr* typed, const ZSelector& path, ZSelector& rest) const;
+    ZProperty* findProperty(ZTypedPtr* typed, const ZSelector& name, bool localOnly) const;
+    void delegatePropertyChanged(const ZSelector& name);
+    int propertyVersion(const ZSelector& name) const;
+    uint propertyFlags(const ZSelector& name) const;
+    ZSelector propertyOptions(const ZSelector& name) const;
+    bool hasPropertyOption(const ZSelector& name, const ZSelector& word) const;
+    bool setPropertyOptions(const ZSelector& name, const ZSelector& words);
+    bool containsVariableName(const ZSelector& name) const;
+    bool containsVariableProperty() const;
+    bool containsVariableProperty(const ZSelector& name) const;
+    bool isDynamicProperty(const ZSelector& name) const;
+    bool isResolvedProperty(const ZSelector& name) const;
+    bool isDynamicResolved(const ZSelector& name) const;
+    bool isCollectionProperty(const ZSelector& name) const;
+    bool setPropertyFlags(const ZSelector& name, uint flags);
+    bool hasProperty(ZTypedPtr* typed, const ZSelector& name) const;
+    bool hasProperty(const ZSelector& name) const;
+    bool hasDynamicProperty(const ZSelector& name) const;
+    bool hasDefinedProperty(const ZSelector& name) const;
+    ZMetaType* propertyDefinitionType(const ZSelector& name) const;
+    ZMetaType* getPropertyType(const ZSelector& name) const;
+
+    // Property reading. What isn't there reads as the null variant, 0, -1 or false.
+
+    ZVariant resolveValue(const ZVariant& value) const;
+    bool resolveProperty(const ZSelector& name, ZVariant& value) const;
+    ZVariant getDynamicProperty(const ZSelector& name) const;
+    ZVariant mappedProperty(const ZSelector& name, const ZSelector& key) const;
+    bool setMappedProperty(const ZSelector& name, const ZSelector& key, const ZVariant& value);
+    bool removeMappedProperty(const ZSelector& name, const ZSelector& key);
+    ZVariant storedProperty(const ZSelector& name) const;
+    bool matchingPropertyType(const ZSelector& name, const ZMetaType* wanted) const;
+    bool matchingPropertyType(const ZSelector& name, const ZVariant& value) const;
+    ZVariant getProperty(ZTypedPtr* typed, const ZSelector& name, bool expand) const;
+    ZVariant getProperty(const ZSelector& name, bool expand) const;
+    ZVariant getProperty(const ZSelector& name) const;
+    ZVariant getPropertyItem(const ZSelector& name, int index) const;
+    ZVariant getPropertyItem(const ZSelector& name, const ZSelector& key) const;
+    ZVariant getPropertyItem(const ZSelector& name, const void* key) const;
+    ZVariant getPropertyItem(const ZSelector& name, const ZVariant& key) const;
+    int getPropertyCount(const ZSelector& name) const;
+    bool hasPropertyValue(const ZSelector& name, const ZVariant& value) const;
+    ZVariant getPropertyKey(const ZSelector& name, int index) const;
+    int getPropertyKeyIndex(const ZSelector& name, const ZVariant& key) const;
+    ZVariant findPropertyKey(const ZSelector& name, const ZVariant& value) const;
+    int findPropertyIndex(const ZSelector& name, const ZVariant& value) const;
+
+    // Property writing. False, with nothing changed, for what isn't there or can't be written.
+
+    bool clearProperty(const ZSelector& name);
+    bool removePropertyItem(const ZSelector& name, const ZVariant& key);
+    bool removePropertyItem(const ZSelector& name, int index);
+    bool insertPropertyItem(const ZSelector& name, const ZVariant& key, const ZVariant& value, bool notify);
+    bool addPropertyItem(const ZSelector& name, const ZVariant& value, bool notify);
+    bool addPropertyArray(const ZSelector& name, const ZVArray& values, bool notify);
+    ZMetaType* propertyType(const ZSelector& name) const;
+    ZMetaType* propertyType(ZTypedPtr* typed, const ZSelector& name) const;
+    ZSelector dynamicPropertyOptions(const ZSelector& name) const;
+    bool setDynamicPropertyOptions(const ZSelector& name, const ZSelector& words);
+    bool addDynamicPropertyOptions(const ZSelector& name, const ZSelector& words);
+    bool setDynamicProperty(ZTypedPtr* typed, const ZSelector& name, const ZVariant& value, uint flags, bool add);
+    bool setDynamicProperty(const ZSelector& name, const ZVariant& value, bool add);
+    bool setProperty(ZTypedPtr* typed, const ZSelector& name, const ZVariant& value, bool notify);
+    bool setProperty(const ZSelector& name, const ZVariant& value);
+    bool changeProperty(const ZVariant& value, const ZSelector& name);
+    bool copyProperty(const ZType* source, const ZSelector& name);
+    bool setEnumProperty(const ZSelector& name, const ZSelector& item, bool notify);
+    bool addEnumPropertyItem(const ZSelector& name, const ZSelector& item, bool notify);
+    bool setDynamicPropertyItem(const ZSelector& name, int index, const ZVariant& value);
+    bool setDynamicPropertyItem(const ZSelector& name, const ZSelector& key, const ZVariant& value);
+    bool setDynamicPropertyItem(const ZSelector& name, const ZVariant& key, const ZVariant& value);
+    bool setPropertyItem(const ZSelector& name, int index, const ZVariant& value, bool notify);
+    bool setPropertyItem(const ZSelector& name, const ZSelector& key, const ZVariant& value, bool notify);
+    bool setPropertyItem(const ZSelector& name, const ZVariant& key, const ZVariant& value, bool notify);
+    bool setEnumPropertyItem(const ZSelector& name, int index, const ZSelector& item, bool notify);
+    bool setEnumPropertyItem(const ZSelector& name, const ZSelector& key, const ZSelector& item, bool notify);
+    bool setEnumPropertyItem(const ZSelector& name, const ZVariant& key, const ZSelector& item, bool notify);
+
+    // Sets of properties
+
+    bool setProperties(const ZVSelectMap& values);
+    bool setProperties(const ZVSelectMap& values, bool notify);
+    bool setProperties(const ZType* source);
+    bool setProperties(const ZType* source, const ZArrayT<ZSelector>& names);
+    bool matchProperties(const ZVSelectMap& values) const;
+    bool matchProperties(const ZType* other) const;
+    bool matchMarkedProperties(const ZVSelectMap& values, char mark) const;
+    bool matchNamedProperties(const ZType* other, const ZArrayT<ZSelector>& names) const;
+    bool fetchProperties(ZVSelectMap& values) const;
+    bool fetchProperties(ZVSelectMap& values, const ZArrayT<ZSelector>& names) const;
+    bool fetchProperties(ZVSelectMap& values, const ZSelector& names) const;
+    bool fetchPropertiesWithOption(ZVSelectMap& values, const ZSelector& word) const;
+    bool setPropertiesWithOption(const ZVSelectMap& values, const ZSelector& word);
+
+    // Property structure: what only instances of `ZType` classes can change
+
+    bool addProperty(const ZProperty& property);
+    bool addProperty(const ZSelector& name, const ZVariant& value);
+    bool addProperty(const ZSelector& name, const ZVariant& value, uint flags);
+    bool addProperty(const ZSelector& name, const ZVariant& value, const ZSelector& words);
+    bool removeProperty(const ZSelector& name);
+    bool renameProperty(const ZSelector& name, const ZSelector& to);
+    ZSelector propertyStackName(const ZSelector& name) const;
+    bool pushProperty(const ZSelector& name);
+    bool popProperty(const ZSelector& name);
+    bool loadPersistentProperties();
+    bool loadPersistentProperties(const ZSelector& group);
+    bool storePersistentProperties() const;
+    void propertyDelegationChanged(const ZProperty& property);
+    void propertyChanged(const ZProperty& property);
+    int getEnumFlags(const ZSelector& name) const;
+    bool setEnumFlags(const ZSelector& name, const ZSelector& words);
+    bool removeEnumFlags(const ZSelector& name, const ZSelector& words);
+
+    // Accessor methods of a property, borrowed; null if the type has none. A `typed` gets the address to call them on.
+
+    ZMethod* getter(ZTypedPtr* typed, const ZSelector& name, bool ptrForm, bool constForm, bool item) const;
+    ZMethod* getter(ZTypedPtr* typed, const ZProperty* prop, bool ptrForm, bool constForm, bool item) const;
+    ZMethod* setter(ZTypedPtr* typed, const ZSelector& name, bool item) const;
+    ZMethod* setter(ZTypedPtr* typed, const ZProperty* prop, bool item) const;
+    ZMethod* counter(ZTypedPtr* typed, const ZSelector& name) const;
+    ZMethod* counter(ZTypedPtr* typed, const ZProperty* prop) const;
+    ZMethod* propByIndex(ZTypedPtr* typed, const ZSelector& name) const;
+    ZMethod* propByIndex(ZTypedPtr* typed, const ZProperty* prop) const;
+    ZMethod* hasProp(ZTypedPtr* typed, const ZSelector& name) const;
+    ZMethod* hasProp(ZTypedPtr* typed, const ZProperty* prop) const;
+    ZMethod* propKey(ZTypedPtr* typed, const ZSelector& name) const;
+    ZMethod* propKey(ZTypedPtr* typed, const ZProperty* prop) const;
+    ZMethod* propIndex(ZTypedPtr* typed, const ZSelector& name) const;
+    ZMethod* propIndex(ZTypedPtr* typed, const ZProperty* prop) const;
+    ZMethod* findKey(ZTypedPtr* typed, const ZSelector& name) const;
+    ZMethod* findKey(ZTypedPtr* typed, const ZProperty* prop) const;
+    ZMethod* findIndex(ZTypedPtr* typed, const ZSelector& name) const;
+    ZMethod* findIndex(ZTypedPtr* typed, const ZProperty* prop) const;
+    ZMethod* cleaner(ZTypedPtr* typed, const ZSelector& name) const;
+    ZMethod* cleaner(ZTypedPtr* typed, const ZProperty* prop) const;
+    ZMethod* remover(ZTypedPtr* typed, const ZSelector& name) const;
+    ZMethod* remover(ZTypedPtr* typed, const ZProperty* prop) const;
+    ZMethod* removeByIndex(ZTypedPtr* typed, const ZSelector& name) const;
+    ZMethod* removeByIndex(ZTypedPtr* typed, const ZProperty* prop) const;
+    ZMethod* inserter(ZTypedPtr* typed, const ZSelector& name) const;
+    ZMethod* inserter(ZTypedPtr* typed, const ZProperty* prop) const;
+    ZMethod* adder(ZTypedPtr* typed, const ZSelector& name) const;
+    ZMethod* adder(ZTypedPtr* typed, const ZProperty* prop) const;
 
 private:
     // The low bits of the type's address say what a copy has to know of the type.
@@ -341,6 +581,10 @@ private:
     bool take(ZVariant& made, bool done);
     /// The type of what stands at `getPtr`; null for what can only be told apart by its address.
     ZMetaType* valueType() const;
+    bool ownValue();
+    bool initBlend(const ZVariant& a, const ZVariant& b, const ZBlendPos& pos, bool& blended);
+    template <class F> int compareWith(const ZVariant& other, F&& compareValues) const;
+    bool callMatch(const ZVariant& other, real tolerance, bool& answer) const;
 
     uintptr_t typeBits = 0;
     alignas(8) byte data[16] = {};

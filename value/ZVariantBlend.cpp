@@ -71,8 +71,7 @@ bool ZVariant::blendFrom(const ZVariant* a, const ZVariant* b, const ZBlendPos& 
     ZVariant made, identity;
     bool done = true, blended = false;
     if (a && b) {
-        if (a == b)
-            return assign(*a);
+        if (a == b) return assign(*a);
         if (!a->type() != !b->type()) {
             const ZVariant& typed = a->type() ? *a : *b;
             if (hasIdentity(typed)) {

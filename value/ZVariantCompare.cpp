@@ -41,8 +41,7 @@ int ZVariant::compare(const ZVariant& other) const {
 }
 
 int ZVariant::order(const ZVariant& other) const {
-    return compareWith(other,
-                       [](ZMetaType* type, const void* a, const void* b) { return orderValues(type, a, b); });
+    return compareWith(other, [](ZMetaType* type, const void* a, const void* b) { return orderValues(type, a, b); });
 }
 
 uint ZVariant::hashKey() const {
@@ -138,12 +137,16 @@ bool ZVariant::checkOperation(const ZSelector& operation, const ZVariant& other)
     static constexpr auto contains = [](V a, V b) { return a.contains(b); };
     static constexpr auto misses = [](V a, V b) { return !a.contains(b); };
     static constexpr auto within = [](V a, V b) { return b.contains(a); };
-    static constexpr Word words[] = {
-        {"is", equals},         {"equals", equals},   {"==", equals},        {"not", differs},
-        {"notequal", differs},  {"!=", differs},      {"<>", differs},       {"less", less},
-        {"<", less},            {"lessorequal", atMost}, {"<=", atMost},     {"greater", greater},
-        {">", greater},         {"greaterorequal", atLeast}, {">=", atLeast}, {"contains", contains},
-        {"has", contains},      {"nothas", misses},   {"misses", misses},    {"in", within}};
+    static constexpr Word words[] = {{"is", equals},        {"equals", equals},
+                                     {"==", equals},        {"not", differs},
+                                     {"notequal", differs}, {"!=", differs},
+                                     {"<>", differs},       {"less", less},
+                                     {"<", less},           {"lessorequal", atMost},
+                                     {"<=", atMost},        {"greater", greater},
+                                     {">", greater},        {"greaterorequal", atLeast},
+                                     {">=", atLeast},       {"contains", contains},
+                                     {"has", contains},     {"nothas", misses},
+                                     {"misses", misses},    {"in", within}};
     if (const char* text = operation.string())
         for (const Word& word : words)
             if (std::strcmp(text, word.text) == 0) return word.check(*this, other);

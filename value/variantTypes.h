@@ -8,8 +8,8 @@ namespace orv::detail {
 /// equal types. Null without memory.
 ZMetaType* variantType(ZMetaType* type);
 
-/// The type of what stands at the address of a value held by a variant: of a pointer's target, else the type itself. Null
-/// for pointers to pointers and to anything.
+/// The type of what stands at the address of a value held by a variant: of a pointer's target, else the type itself.
+/// Null for pointers to pointers and to anything.
 ZMetaType* pointedType(ZMetaType* type);
 
 /// Whether values of the type are pointers to an instance of a `ZType` class.
