@@ -1,7 +1,6 @@
 #include "value/ZVariant.h"
 
 #include "core/ZError.h"
-#include "module/ZPackage.h"
 #include "object/ZMetaType.h"
 #include "object/ZObject.h"
 #include "object/kindValues.h"
@@ -97,8 +96,6 @@ ZVariant::ZVariant(ZMetaType* type, const ZString& text) {
         if (!initType(type)) ZError::fail();
     }
 }
-ZVariant::ZVariant(const ZPackage* package, const ZSelector& typeName, const ZString& text)
-    : ZVariant(package ? package->findType(typeName) : ZMetaType::find(typeName), text) {}
 ZVariant::ZVariant(const ZVariant* a, const ZVariant* b, const ZBlendPos& pos) {
     if (!blendFrom(a, b, pos)) ZError::fail();
 }

@@ -2,6 +2,7 @@
 
 #include "object/ZMetaType.h"
 #include "object/ZMethod.h"
+#include "object/ZProperty.h"
 #include "toolkit/epoch.h"
 
 namespace orv::plain {
