@@ -24,11 +24,16 @@ template <class T> struct ZTypeLabel {
 template <class T, class = void> inline constexpr bool zrelocatable = std::is_trivially_copyable_v<T>;
 template <class T> inline constexpr bool zrelocatable<T, std::void_t<typename T::ZRelocatable>> = true;
 
-/// Gives up one reference of an object made by `zmake`; with the last, destroys it and frees its block. Null is fine.
+/// Gives up one reference of an object made by `zmake`; with the last, destroys it and frees its block. Null is fine. A
+/// class that ends its objects itself, by a member `release`, says so with `using ZReleasing = void;`.
 template <class T> inline void zrelease(T* object) {
-    if (!object || decmemref(object) > 0) return;
-    object->~T();
-    toolkit::freeBlock(const_cast<std::remove_const_t<T>*>(object));
+    if constexpr (requires { typename T::ZReleasing; }) {
+        if (object) const_cast<std::remove_const_t<T>*>(object)->release();
+    } else {
+        if (!object || decmemref(object) > 0) return;
+        object->~T();
+        toolkit::freeBlock(const_cast<std::remove_const_t<T>*>(object));
+    }
 }
 
 /// Tells whether what was built since is whole. Every failure raised in between counts, also one that `zresetfail` no

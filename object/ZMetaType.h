@@ -6,6 +6,7 @@
 #include "object/ZObject.h"
 
 namespace orv {
+struct BaseLink;
 struct MetaTypeData;
 struct MethodTables;
 struct PropertyTables;
@@ -123,7 +124,7 @@ public:
         Element
     };
 
-    using Types = ZHashMapT<ZSelector, ZRetainPtrT<ZMetaType>>;
+    using Types = ZHashMapT<ZSelector, ZRetainKeyT<ZSelector, ZMetaType>>;
     using MethodTable = ZHashTreeT<ZSelector, ZMethodPtr>;
     using PropertyTable = ZHashTreeT<ZSelector, ZPropertyPtr>;
 
@@ -137,6 +138,8 @@ public:
               const __ZPassMetaType* type = nullptr, ZInternal* internal = nullptr);
     explicit ZMetaType(const ZMetaType* source, const __ZPassMetaType* type = nullptr, ZInternal* internal = nullptr);
     explicit ZMetaType(const __ZPassMetaType* type = nullptr, ZInternal* internal = nullptr);
+    /// The qualified variant of that name of a type that is none itself. `getQualified` makes these.
+    ZMetaType(ZMetaType* main, const ZSelector& name);
     ~ZMetaType() override;
 
     // Finding
@@ -170,7 +173,27 @@ public:
     /// Whether a variant holds a value of the type in its own 16 bytes.
     bool heldInline() const { return inlineValue; }
     bool holdsZType() const { return typeKind >= Dynamic; }
+    /// What each instance calls as it starts and as it ends.
+    void beginInstance(ZType* instance) {
+        if (watchesInstances) addInstance(instance);
+    }
+    void endInstance(ZType* instance) {
+        if (watchesInstances) removeInstance(instance);
+    }
     ZMetaType* mainOrSelf() const { return mainType ? mainType : const_cast<ZMetaType*>(this); }
+    /// The callback that instances of the type have: its own, its main type's, or, for a `ZType` class, that of its
+    /// primary base.
+    ZTypeCallback instanceCallback(CallBack index) const;
+    /// A copy of a value in a counted block of its own, built by what builds copies in place; null if that fails.
+    void* copyToBlock(const void* source) const;
+    /// The record of an operation that is called on instances, see `orv::MetaTypeData::InlineOperation`.
+    const ZInlineMethod& operation(int which) const;
+    /// The type whose bases count for this one: that of a qualified variant is its main type.
+    const ZMetaType* relationType() const;
+    /// The declared bases and aliases as they are now.
+    void copyLinks(ZArrayT<orv::BaseLink>& bases, ZArrayT<orv::BaseLink>& aliases) const;
+    /// Where the part of a base, at whatever distance, lies in an instance; false if it is no base.
+    bool upcastOffset(const ZMetaType* base, int& offset) const;
     const orv::MetaTypeData& record() const { return *own; }
     orv::MetaTypeData& record() { return *own; }
     /// What the type was declared from; null for types made at run time.
@@ -286,6 +309,8 @@ public:
     virtual ZMetaType* getConstPtrType() const;
     /// The variant of that name ("const ZType*"), made on the first demand; one for each name.
     virtual ZMetaType* getQualified(const ZSelector& name) const;
+    /// The same, but makes nothing; null if it isn't there yet.
+    ZMetaType* findQualified(const ZSelector& name) const;
 
     // Enum steps and selector groups
 
@@ -294,7 +319,8 @@ public:
     virtual int nextEnumValue(int value) const;
     virtual int prevEnumValue(int value) const;
     virtual bool selectorGroupNames(ZArrayT<ZSelector>& names) const;
-    virtual const ZSelectorMap* selectorGroup(const ZSelector& name) const;
+    /// Empty if there is none.
+    virtual ZSelectorMap selectorGroup(const ZSelector& name) const;
     virtual bool setSelectorGroup(const ZSelector& name, const ZSelectorMap& group);
     virtual ZSelector getNamedSelector(const ZSelector& name) const;
 
@@ -441,18 +467,21 @@ public:
 
     virtual bool addDescendant(ZMetaType* type);
     virtual void removeDescendant(ZMetaType* type);
-    virtual const ZArrayT<ZMetaType*>& getBaseTypes() const;
+    virtual ZArrayT<ZMetaType*> getBaseTypes() const;
     virtual bool getBaseTypes(ZArrayT<ZMetaType*>& all) const;
-    virtual const ZArrayT<ZSelector>& getBaseNames() const;
-    virtual const ZArrayT<ZMetaType*>& getDescendants() const;
+    /// As declared, those that aren't resolved among them.
+    virtual ZArrayT<ZSelector> getBaseNames() const;
+    virtual ZArrayT<ZMetaType*> getDescendants() const;
     virtual bool getDescendants(ZArrayT<ZMetaType*>& all) const;
     virtual ZSelector getTemplatePar(int index) const;
-    virtual const ZArrayT<ZMetaType*>& getImplicitTo() const;
-    virtual const ZArrayT<ZMetaType*>& getImplicitFrom() const;
-    virtual const ZArrayT<ZMetaType*>& getCopies() const;
+    /// The types that can be made of this one by a constructor of theirs; and those that this one can be made of.
+    virtual ZArrayT<ZMetaType*> getImplicitTo() const;
+    virtual ZArrayT<ZMetaType*> getImplicitFrom() const;
+    virtual ZArrayT<ZMetaType*> getCopies() const;
     virtual ZMetaType* getTemplateType() const;
-    virtual const Types& getTypes() const;
-    virtual Types& getTypes();
+    /// The types nested in this one, by name.
+    virtual Types getTypes() const;
+    virtual bool getTypes(ZArrayT<ZMetaType*>& types) const;
     virtual const MethodTable& getMethodTypes() const;
     virtual bool getMethodTypes(ZArrayT<ZMethod*>& methods) const;
     virtual bool getMethodTypes(const ZSelector& name, ZArrayT<ZMethod*>& methods) const;
@@ -467,9 +496,9 @@ public:
     virtual bool getPropertyTypes(ZArrayT<ZSelector>& names) const;
     virtual const PropertyTable& getUserProperties() const;
     virtual bool getUserProperties(ZArrayT<ZSelector>& names) const;
-    virtual const Types& getVariants() const;
+    virtual Types getVariants() const;
     virtual bool getVariants(ZArrayT<ZMetaType*>& variants) const;
-    virtual const ZArrayT<ZTypeCategory*>& getCategories() const;
+    virtual ZArrayT<ZTypeCategory*> getCategories() const;
     virtual bool getCategories(ZArrayT<ZSelector>& names) const;
     virtual const ZArrayT<ZFixedMethod>& getFixedMethods() const;
     virtual bool setBaseTypes(const ZArrayT<ZMetaType*>& types);
@@ -520,7 +549,7 @@ public:
 
     // Type delegates
 
-    virtual const ZListT<ZObject*>& getTypeDelegates() const;
+    virtual ZListT<ZObject*> getTypeDelegates() const;
     virtual bool setTypeDelegates(const ZListT<ZObject*>& delegates);
     virtual bool addTypeDelegate(ZObject* delegate);
     virtual bool removeTypeDelegate(ZObject* delegate);
@@ -743,12 +772,38 @@ public:
     ZMetaType* findType(const ZSelector& name) const override;
 
 protected:
-    /// To be called after each change of kind, size, alignment or pointer count.
+    friend class ZObject;
+
+    /// Makes the private part; a failure is raised without memory.
+    void setup(const ZSelector& name, Type kind);
+    void copyRecord(const orv::MetaTypeData& source);
+    bool copyBases(const orv::MetaTypeData& source);
+    void enterPackage(ZPackage* package);
+    void leaveMainType();
+    ZSelector operationName(int which) const;
+    /// The type that flags, words and callbacks stand in: that of a qualified variant is its main type.
+    const ZMetaType* described() const;
+    ZSelector derefReference() const;
+    ZMetaType* findNested(const ZSelector& name) const;
+    /// Lets the main type go, which goes itself.
+    void standAlone();
+    bool acceptsBase(const ZMetaType* base) const;
+    void basesWereSet();
+    void dropBase(ZMetaType* type);
+    void releaseBases();
+    void releaseAliases();
+    /// To be called after each change of kind, size, alignment or pointer count: also tells the qualified variants.
     void updateInline();
+    void updateWatch();
+    bool predicate(int which, bool (*compute)(const ZMetaType*)) const;
+    /// Joins, and leaves, the list of instances; takes the write lock.
+    void linkObject(ZObject* object);
+    void unlinkObject(ZObject* object);
 
     ZMetaType* mainType = nullptr;
     Type typeKind = Unknown;
     bool inlineValue = false;
+    bool watchesInstances = false;
     uint typeSize = 0;
     int instanceCount = 0;
     orv::MetaTypeData* own = nullptr;

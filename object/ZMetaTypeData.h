@@ -1,7 +1,12 @@
 #pragma once
 
 #include "core/ZLock.h"
+#include "object/ZInlineMethod.h"
 #include "object/ZMetaType.h"
+#include "object/methodTables.h"
+#include "object/propertyTables.h"
+#include "object/tableGeneration.h"
+#include "object/typeGeneration.h"
 #include "toolkit/epoch.h"
 
 namespace orv {
@@ -10,29 +15,32 @@ namespace orv {
 struct Ancestor {
     const ZMetaType* type;
     int offset;   ///< where its part lies in an instance, in bytes
+    uint depth;   ///< steps to it, by the shortest way; 1 for a direct base
     byte isAlias; ///< reached through an alias, so that an instance has no such part
 };
 
 /// All ancestors of a type, nearest first, each once. Published whole; replaced when any base graph changes.
-struct AncestorList {
-    toolkit::EpochLink link;
-    uint generation;
+struct AncestorList : toolkit::EpochLink {
+    ularge generation; ///< see `typeGeneration`
     uint count;
     Ancestor* entries() { return reinterpret_cast<Ancestor*>(this + 1); }
     const Ancestor* entries() const { return reinterpret_cast<const Ancestor*>(this + 1); }
 };
 
-/// A declared base. Its type is null as long as the name can't be resolved.
+/// A declared base or alias. Its type is null as long as the name can't be resolved.
 struct BaseLink {
     ZSelector name;
     ZMetaType* type = nullptr; ///< one reference
     int offset = 0;
 };
 
-/// Raised whenever a base, an alias or an option word of a type that is in use changes: what was worked out from them
-/// carries the number it was worked out at, and is worked out anew when that number has passed.
-extern ORV_API uint typeGeneration;
-inline void typesChanged() { toolkit::addFetch(typeGeneration, 1); }
+/// To be called when a base, an alias, a word or a flag of a type that is in use has changed.
+inline void basesChanged() {
+    typesChanged();
+    tablesChanged();
+}
+
+enum TableState : byte { tableUnbuilt, tableBuilding, tableBuilt };
 
 /// What is worked out once from words, flags and bases.
 enum TypePredicate {
@@ -76,7 +84,7 @@ struct MetaTypeData {
     bool retainedType = false;
     bool synthetic = false;
     bool hasDynamicProperties = false;
-    bool resolvingBases = false;
+    byte wrapped = 0; ///< a descendant has the flag `Wrapper`
 
     // Sizes of the private parts of instances
 
@@ -90,7 +98,7 @@ struct MetaTypeData {
 
     ZArrayT<BaseLink> bases;
     ZArrayT<BaseLink> aliases;
-    ZArrayT<ZMetaType*> descendants; ///< not retained: each leaves the list when it goes
+    ZListT<ZMetaType*> descendants; ///< not retained: each leaves the list when it goes
     ZArrayT<ZMetaType*> implicitTo, implicitFrom;
     toolkit::EpochPtr<AncestorList> ancestors;
     ZMetaType* primaryBase = nullptr;
@@ -98,13 +106,14 @@ struct MetaTypeData {
 
     // Relatives
 
-    ZMetaType::Types qualified; ///< by name; each has one reference here and points back without one
-    ZArrayT<ZMetaType*> copies; ///< local copies, not retained
+    ZMetaType::Types qualified;       ///< by name; each has one reference here and points back without one
+    ZListT<ZMetaType*> copies;        ///< local copies, not retained: they hold this type
     ZMetaType* pointerType = nullptr; ///< of `qualified`, found without a lock
     ZMetaType* constPointerType = nullptr;
     ZMetaType* templateType = nullptr;
     ZMetaType* ownerType = nullptr; ///< the one that this is nested in
     ZMetaType::Types nested;
+    byte typesState = tableUnbuilt; ///< of `nested`
     ZArrayT<ZTypeCategory*> categories;
 
     // Callbacks and what was made of them
@@ -112,7 +121,7 @@ struct MetaTypeData {
     ZTypeCallback callbacks[ZMetaType::CallBackCount] = {};
     const glue::ClassRow* declaration = nullptr;
     ZHashMapT<ZSelector, ZKeyValueT<ZSelector, ZSelectorMap>> selectorGroups;
-    uint predicates[predCount] = {}; ///< generation * 2 + value
+    ularge predicates[predCount] = {}; ///< the `typeGeneration` it was worked out at, times 2, plus the value
 
     // Instances
 
@@ -120,6 +129,67 @@ struct MetaTypeData {
     ZObject* lastInstance = nullptr;
     ZObject* singleton = nullptr;
     ZListT<ZObject*> typeDelegates; ///< each retained
+
+    // Methods and properties
+
+    MethodTables methods;
+    PropertyTables properties;
+    /// Operations that a metatype calls on instances of its type.
+    enum InlineOperation {
+        inlineConstructor,
+        inlineDestructor,
+        inlineDetach,
+        inlineDeepDetach,
+        inlineIsDetached,
+        inlineIsNull,
+        inlineToString,
+        inlineStreamConstructor,
+        inlineWrite,
+        inlineLoadConstructor,
+        inlineNamedLoadConstructor,
+        inlineLoadXST,
+        inlineNamedLoadXST,
+        inlineStoreXST,
+        inlineNamedStoreXST,
+        inlineCount
+    };
+    ZInlineMethod operations[inlineCount];
+    uint operationsAimed = 0; ///< a bit for each that was told what it stands for
+};
+
+/// The ancestors of a type, borrowed under an open guard. Null without memory.
+const AncestorList* ancestorsOf(const ZMetaType* type);
+void retireAncestors(AncestorList* list);
+
+/// Calls `use(const Ancestor&)` for each ancestor, nearest first, until one answers false. Without memory for none.
+template <class F> void eachAncestor(const ZMetaType* type, F use) {
+    toolkit::EpochGuard guard;
+    const AncestorList* list = ancestorsOf(type);
+    for (uint i = 0; list && i < list->count; ++i)
+        if (!use(list->entries()[i])) return;
+}
+/// Calls `use(ZMetaType*)` for each direct base until one answers false. No lock is held meanwhile.
+template <class F> void eachBase(const ZMetaType* type, F use) {
+    ZArrayT<BaseLink> bases, aliases;
+    type->relationType()->copyLinks(bases, aliases);
+    for (const BaseLink& link : std::as_const(bases))
+        if (link.type && !use(link.type)) return;
+}
+
+/// Gathers the ancestors of a type.
+struct AncestorWalk {
+    Ancestor* entries = nullptr;
+    uint count = 0, room = 0;
+
+    AncestorWalk() = default;
+    AncestorWalk(const AncestorWalk&) = delete;
+    ~AncestorWalk() { zfree(entries); }
+    /// False without memory.
+    bool collect(const ZMetaType* from);
+
+private:
+    bool add(const ZMetaType* type, int offset, uint depth, bool isAlias);
+    bool addLinks(const Ancestor& of);
 };
 
 } // namespace orv

@@ -31,16 +31,9 @@ TEST(KindValues, TheSignOfAKindDecidesItsOrder) {
         ularge small, great; ///< as the low bytes of the value
     };
     const Row rows[] = {
-        {Kind::Bool, 0, 1},
-        {Kind::Byte, 1, 0xFF},
-        {Kind::Char, 0xFF, 1},
-        {Kind::Short, 0xFFFF, 1},
-        {Kind::Word, 1, 0xFFFF},
-        {Kind::Int, 0xFFFFFFFF, 1},
-        {Kind::UInt, 1, 0xFFFFFFFF},
-        {Kind::Enum, 1, 0xFFFFFFFF},
-        {Kind::Large, ~0ull, 1},
-        {Kind::ULarge, 1, ~0ull},
+        {Kind::Bool, 0, 1},      {Kind::Byte, 1, 0xFF},      {Kind::Char, 0xFF, 1},       {Kind::Short, 0xFFFF, 1},
+        {Kind::Word, 1, 0xFFFF}, {Kind::Int, 0xFFFFFFFF, 1}, {Kind::UInt, 1, 0xFFFFFFFF}, {Kind::Enum, 1, 0xFFFFFFFF},
+        {Kind::Large, ~0ull, 1}, {Kind::ULarge, 1, ~0ull},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(orv::compareKind(row.kind, &row.small, &row.great, 0), -1) << row.kind;

@@ -1,0 +1,127 @@
+#include "object/ZType.h"
+
+#include "core/construct.h"
+#include "core/memlock.h"
+#include "object/ZMetaType.h"
+#include "object/ZPropertyPtr.h"
+
+// Lifetime
+
+ZType::ZType(const __ZPassMetaType* type) : metaType(orv::passedType(type)) {
+    if (metaType) metaType->beginInstance(this);
+}
+ZType::ZType(const ZType* source, const __ZPassMetaType* type) : metaType(orv::passedType(type)) {
+    if (source) dynamicProperties = source->dynamicProperties;
+    if (metaType) metaType->beginInstance(this);
+}
+ZType::~ZType() {
+    if (metaType) metaType->endInstance(this);
+}
+
+void* ZType::operator new(size_t size) noexcept { return __znalloc(size); }
+void ZType::operator delete(void* instance) noexcept { zdfree(instance); }
+
+bool ZType::detach() { return dynamicProperties.detach(); }
+bool ZType::isDetached() const { return dynamicProperties.isDetached(); }
+
+bool ZType::deepDetachValue(ZDetachContext* context) {
+    return !metaType || metaType->deepDetachInstance(this, context);
+}
+
+bool ZType::copyDynamicPropertiesFrom(const ZType* source) {
+    if (!source) return false;
+    dynamicProperties = source->dynamicProperties;
+    return true;
+}
+
+bool ZType::assign(const ZType* other) {
+    if (!other || other->metaType != metaType) return false;
+    dynamicProperties = other->dynamicProperties;
+    return true;
+}
+
+int ZType::compare(const ZType* other) const {
+    if (other == this) return 0;
+    if (!other) return 1;
+    if (metaType != other->metaType) return metaType < other->metaType ? -1 : 1;
+    const int order = dynamicProperties.compare(other->dynamicProperties);
+    return (order > 0) - (order < 0);
+}
+int ZType::compareContent(const ZType* other) const { return compare(other); }
+
+// Locks
+
+bool ZType::lockable() const { return ::lockable(this); }
+bool ZType::lockObject() const { return !::lockable(this) || lockmem(this); }
+bool ZType::makeLock(bool spinning, bool recursive) { return makelock(this, spinning, recursive); }
+bool ZType::setSpinLock(bool on) { return setspinlock(this, on); }
+bool ZType::lock() const { return lockmem(this); }
+bool ZType::lock(bool tryOnly) const { return tryOnly ? trylockmem(this) : lockmem(this); }
+bool ZType::writeLock() const { return lockmem(this); }
+bool ZType::readLock() const { return readlockmem(this); }
+bool ZType::tryLock() const { return trylockmem(this); }
+bool ZType::tryWriteLock() const { return trywritelockmem(this); }
+bool ZType::tryReadLock() const { return tryreadlockmem(this); }
+bool ZType::unlock() const { return unlockmem(this); }
+bool ZType::canLock() const { return canlockmem(this); }
+const char* ZType::lockLabel(int* index) const { return memlocklabel(this, index); }
+bool ZType::setLockLabel(const char* label, int index) { return setmemlocklabel(this, label, index); }
+int ZType::lockIndex(int slot) const { return memlockindex(this, slot); }
+bool ZType::setLockIndex(int slot, int value) { return setmemlockindex(this, slot, value); }
+uint ZType::lockNumber() const { return getmemlocknumber(this); }
+
+// Count
+
+int ZType::refcount() const { return ::refcount(this); }
+ZType* ZType::retain() const { return ::retain(const_cast<ZType*>(this)); }
+
+void ZType::release() {
+    if (decmemref(this) > 0) return;
+    deleting();
+    delete this;
+}
+
+ZType* ZType::copy() const {
+    if (metaType && metaType->instanceCallback(ZMetaType::CopyInstance1))
+        return static_cast<ZType*>(metaType->copyToBlock(this));
+    return zmake<ZType>(this, orv::passType(metaType));
+}
+
+// Identity
+
+ZSelector ZType::key() const { return metaType ? metaType->getName() : ZSelector(); }
+uint ZType::hashKey() const { return key().key(); }
+bool ZType::isTypeLabel(const ZSelector& label) const { return typeLabel() == label; }
+bool ZType::isTypeIndexLabel(int label) const { return typeIndexLabel() == label; }
+ZType* ZType::detachCopy(ZDetachContext*) const { return copy(); }
+bool ZType::setPublicValue(const ZVariant&) { return false; }
+bool ZType::adjustBlendProperty(const ZSelector&, ZVariant&) const { return true; }
+
+ZType* ZType::createIdentity() const {
+    ZType* made = copy();
+    if (!made || made->setIdentity()) return made;
+    made->release();
+    return nullptr;
+}
+
+// Names
+
+ZSelector ZType::typeName() const { return metaType ? metaType->getName() : ZSelector(); }
+ZSelector ZType::typeLabel() const { return metaType ? metaType->nameLabel() : ZSelector(); }
+int ZType::typeIndexLabel() const { return metaType ? metaType->indexLabel() : 0; }
+ZSelector ZType::pluginId() const { return metaType ? metaType->getPluginId() : ZSelector(); }
+ZSelector ZType::pluginPrefix() const { return metaType ? metaType->getPluginPrefix() : ZSelector(); }
+
+ZSelector ZType::pluginName() const {
+    const ZSelector id = pluginId();
+    return id.isEmpty() ? id : pluginPrefix().join(id);
+}
+
+ZSelector ZType::storedName() const { return storedName(typeLabel()); }
+
+ZSelector ZType::storedName(const ZSelector& label) const {
+    const ZSelector plugin = pluginName();
+    if (label.isEmpty()) return plugin.isEmpty() ? typeName() : plugin;
+    const ZSelector behind = plugin.suffix(label, '.');
+    return behind.isEmpty() ? label : behind;
+}
