@@ -12,6 +12,7 @@ using int8 = signed char;
 using int16 = short;
 using large = long long;
 using ularge = unsigned long long;
+using ulong = unsigned long;
 using real = double;
 /// One UTF-16 code unit.
 using wchar = char16_t;
