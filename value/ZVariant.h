@@ -4,18 +4,13 @@
 #include "core/ZSelector.h"
 #include "module/forward.h"
 #include "object/ZType.h"
+#include "object/ztype.h"
 #include "text/ZString.h"
 #include "value/forward.h"
 
 #include <cstddef>
 #include <cstring>
 #include <type_traits>
-
-#if __has_include("object/ztype.h")
-#include "object/ztype.h"
-#else
-template <class T> inline ZMetaType* ztype() { return nullptr; }
-#endif
 
 /// A value of any type together with its type, in 24 bytes: what properties, arguments and containers of the reflective
 /// world are made of. Values below 17 bytes live in the variant itself, unless they are aligned above 8; these, larger

@@ -16,7 +16,12 @@ TEST_F(Variant, PlaceOfTheValueFollowsSizeKindAndAlignment) {
         int size, alignment;
         bool inside;
     };
-    for (Row row : {Row{1, 1, true}, {8, 8, true}, {16, 8, true}, {16, 4, true}, {17, 1, false}, {16, 16, false},
+    for (Row row : {Row{1, 1, true},
+                    {8, 8, true},
+                    {16, 8, true},
+                    {16, 4, true},
+                    {17, 1, false},
+                    {16, 16, false},
                     {24, 8, false}}) {
         ZMetaType* type = zmake<ZMetaType>(nullptr, ZSelector("TestSized"), ZMetaType::Structure);
         type->setSize(row.size);

@@ -114,13 +114,19 @@ TEST_F(VariantCompare, MatchingWithATolerance) {
         bool match;
     };
     const Row rows[] = {
-        {number(1), number(1.05), 0.1, true},   {number(1), number(1.2), 0.1, false},
-        {number(inf), number(inf), 0, true},    {number(inf), number(1), 1e300, false},
+        {number(1), number(1.05), 0.1, true},
+        {number(1), number(1.2), 0.1, false},
+        {number(inf), number(inf), 0, true},
+        {number(inf), number(1), 1e300, false},
         {value(M::Float, 1.f), value(M::Float, 1.5f), 0.5, true},
-        {integer(1), integer(1), 0, true},      {integer(1), integer(2), 10, false},
-        {integer(1), number(1), 10, false},     {text("a"), text("a"), 0, true},
-        {text("a"), text("b"), 10, false},      {name("a"), name("a"), 0, true},
-        {V(), V(), 0, true},                    {V(), integer(1), 0, false},
+        {integer(1), integer(1), 0, true},
+        {integer(1), integer(2), 10, false},
+        {integer(1), number(1), 10, false},
+        {text("a"), text("a"), 0, true},
+        {text("a"), text("b"), 10, false},
+        {name("a"), name("a"), 0, true},
+        {V(), V(), 0, true},
+        {V(), integer(1), 0, false},
         {number(std::nan("")), number(std::nan("")), 1, false},
     };
     int index = 0;
@@ -137,11 +143,14 @@ TEST_F(VariantCompare, OperationsByName) {
         bool less, equal, greater; ///< what 1 ? 2, 1 ? 1 and 2 ? 1 give
     };
     const Row rows[] = {
-        {"is", false, true, false},        {"equals", false, true, false},  {"==", false, true, false},
-        {"not", true, false, true},        {"notequal", true, false, true}, {"!=", true, false, true},
-        {"<>", true, false, true},         {"less", true, false, false},    {"<", true, false, false},
-        {"lessorequal", true, true, false}, {"<=", true, true, false},      {"greater", false, false, true},
-        {">", false, false, true},         {"greaterorequal", false, true, true}, {">=", false, true, true},
+        {"is", false, true, false},      {"equals", false, true, false},
+        {"==", false, true, false},      {"not", true, false, true},
+        {"notequal", true, false, true}, {"!=", true, false, true},
+        {"<>", true, false, true},       {"less", true, false, false},
+        {"<", true, false, false},       {"lessorequal", true, true, false},
+        {"<=", true, true, false},       {"greater", false, false, true},
+        {">", false, false, true},       {"greaterorequal", false, true, true},
+        {">=", false, true, true},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(one.checkOperation(row.operation, two), row.less) << row.operation;

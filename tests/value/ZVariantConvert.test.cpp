@@ -150,13 +150,20 @@ TEST_F(VariantConvert, ConvertChangesTheTypeOrNothing) {
         const char* text;
     };
     const Row rows[] = {
-        {integer(65), M::Real, true, "65"},        {number(2.9), M::Int, true, "2"},
-        {text("12"), M::Int, true, "12"},          {text("12abc"), M::Int, false, "12abc"},
-        {text("300"), M::Byte, false, "300"},      {integer(300), M::Byte, true, "44"},
-        {integer(7), M::String, true, "7"},        {integer(7), M::Selector, true, "7"},
-        {text("a  b"), M::Selector, true, "a b"},  {text("yes"), M::Bool, true, "yes"},
-        {text("1"), M::Bool, false, "1"},          {integer(2), M::Bool, true, "yes"},
-        {name("x"), M::String, true, "x"},         {text("2"), M::Enum, true, "2"},
+        {integer(65), M::Real, true, "65"},
+        {number(2.9), M::Int, true, "2"},
+        {text("12"), M::Int, true, "12"},
+        {text("12abc"), M::Int, false, "12abc"},
+        {text("300"), M::Byte, false, "300"},
+        {integer(300), M::Byte, true, "44"},
+        {integer(7), M::String, true, "7"},
+        {integer(7), M::Selector, true, "7"},
+        {text("a  b"), M::Selector, true, "a b"},
+        {text("yes"), M::Bool, true, "yes"},
+        {text("1"), M::Bool, false, "1"},
+        {integer(2), M::Bool, true, "yes"},
+        {name("x"), M::String, true, "x"},
+        {text("2"), M::Enum, true, "2"},
         {number(1e20), M::Large, true, "9223372036854775807"},
     };
     for (const Row& row : rows) {

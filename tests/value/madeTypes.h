@@ -68,8 +68,7 @@ template <class T> ZMetaType* makeType(const char* name, ZMetaType::Type kind = 
     type->setCallback(ZMetaType::CopyInstance2, asCallback(+[](const void* source) -> void* {
                           return zmake<T>(*static_cast<const T*>(source));
                       }));
-    type->setCallback(ZMetaType::ReleaseInstance,
-                      asCallback(+[](void* value) { zrelease(static_cast<T*>(value)); }));
+    type->setCallback(ZMetaType::ReleaseInstance, asCallback(+[](void* value) { zrelease(static_cast<T*>(value)); }));
     type->setCallback(ZMetaType::CompareInstance, asCallback(+[](const void* a, const void* b) {
                           int first = static_cast<const T*>(a)->number(), second = static_cast<const T*>(b)->number();
                           return (first > second) - (first < second);
@@ -84,9 +83,10 @@ struct MadeTypes {
     ZMetaType* large = makeType<Large24>("TestLarge");
 
     MadeTypes() {
-        static const char* names[] = {"testunknown", "testvoid",  "testbool",   "testchar",  "testbyte",  "testshort",
-                                      "testword",    "testint",   "testuint",   "testlarge", "testularge", "testenum",
-                                      "testfloat",   "testdouble", "testreal", "TestSelector", "TestString"};
+        static const char* names[] = {"testunknown",  "testvoid",  "testbool",  "testchar",   "testbyte",
+                                      "testshort",    "testword",  "testint",   "testuint",   "testlarge",
+                                      "testularge",   "testenum",  "testfloat", "testdouble", "testreal",
+                                      "TestSelector", "TestString"};
         for (int kind = ZMetaType::Bool; kind <= ZMetaType::String; ++kind)
             plain[kind] = zmake<ZMetaType>(nullptr, ZSelector(names[kind]), ZMetaType::Type(kind));
     }
