@@ -1,6 +1,7 @@
 #include "value/ZVariant.h"
 
 #include "core/ZError.h"
+#include "module/ZPackage.h"
 #include "object/ZMetaType.h"
 #include "object/ZObject.h"
 #include "object/kindValues.h"
@@ -95,6 +96,10 @@ ZVariant::ZVariant(ZMetaType* type, const ZString& text) {
         guard.forget();
         if (!initType(type)) ZError::fail();
     }
+}
+ZVariant::ZVariant(const ZPackage* package, const ZSelector& typeName, const ZString& text) {
+    ZMetaType* type = package ? package->findType(typeName) : ZMetaType::find(typeName);
+    if (type) *this = ZVariant(type, text);
 }
 ZVariant::ZVariant(const ZVariant* a, const ZVariant* b, const ZBlendPos& pos) {
     if (!blendFrom(a, b, pos)) ZError::fail();

@@ -42,6 +42,16 @@ bool ZVariant::callV(const ZSelector& name, const ZSelector& qualifier) const {
     return ZTypedPtr(*this).callV(name, qualifier);
 }
 
+ZObject* ZVariant::ancestor(const ZSelector& name) const {
+    ZObject* object = toObject();
+    while (object && object->selector() != name) object = object->getParent();
+    return object;
+}
+ZObject* ZVariant::descendant(const ZSelector& name) const {
+    ZObject* object = toObject();
+    return object ? object->findObject(name, true) : nullptr;
+}
+
 // Enums
 
 bool ZVariant::enumValue(const ZSelector& path, int& value) const { return ZTypedPtr(*this).enumValue(path, value); }
