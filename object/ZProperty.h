@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/SlotPool.h"
 #include "core/ZSelector.h"
 #include "object/forward.h"
 #include "value/ZVariant.h"
@@ -55,20 +56,19 @@ public:
 
     /// Makes the pool of records; true when it is there. Before any type exists.
     static bool open();
-    /// Gives the pool up. Records that are still held stay readable; their count reads as 0 from now on.
+    /// Gives the pool up, with all records that nobody holds any more.
     static void close();
     /// A pooled record with count 1 from a constructor's arguments; null without memory.
     template <class... A> [[nodiscard]] static ZProperty* create(A&&... arguments) {
-        return whole(new ZProperty(std::forward<A>(arguments)...));
+        ZProperty* record = records.make(std::forward<A>(arguments)...);
+        if (ORV_LIKELY(record != nullptr)) record->pooled = 1;
+        return record;
     }
-    static void* operator new(size_t size) noexcept;
-    static void* operator new(size_t, void* place) noexcept { return place; }
-    static void operator delete(void* record);
-    /// This record with another reference; null if it is on its way out. For pooled records.
+    /// This record with another reference; null if it is on its way out, or isn't pooled.
     ZProperty* retain() const;
     /// Gives up one reference; with the last the record goes back to the pool.
     void release() const;
-    /// 0 for a record on the stack, and once the pool has gone.
+    /// 0 for a record that isn't pooled, and once the pool has gone.
     int refcount() const;
     /// A new pooled record of its own; null without memory.
     [[nodiscard]] ZProperty* copy() const { return create(*this); }
@@ -118,6 +118,8 @@ public:
     const ZVariant& value() const { return held; }
     /// Sets the value, that of the content for a variant that holds a variant, and works the types out anew.
     void setValue(const ZVariant& value);
+    /// Sets the value and leaves the types as they are.
+    void replaceValue(ZVariant value) { held = std::move(value); }
     ZProperty& operator=(const ZVariant& value) {
         setValue(value);
         return *this;
@@ -200,18 +202,30 @@ public:
     /// Gives an object the setter methods of this dynamic property. Once, unless `force`. False without memory.
     bool setupMethods(ZObject* object, bool force);
 
+    // Marks against running in circles. Whoever sets one holds the owner's write lock, or has the owner alone.
+
     /// Marks the record as being walked; false if it is, or is a link.
     bool beginUpdate();
-    void endUpdate() { updating = 0; }
+    void endUpdate() { marks &= byte(~Walked); }
+    /// Marks the record as telling its update methods of a change; false if it is.
+    bool beginNotify();
+    void endNotify() { marks &= byte(~Notifies); }
 
 private:
-    static ZProperty* whole(ZProperty* record);
+    friend class ZPropertyPtr;
+    enum Mark : byte { Walked = 1, Notifies = 2 };
+
+    static orv::SlotPool<ZProperty> records;
+
     ZMetaType* signatureType(bool item) const;
     void addVariableWord();
+    void takeFields(const ZProperty& other);
+    void nameContainerTypes(uint collectionFlags);
 
     uint bits = Default; ///< of `Flags`
+    byte pooled = 0;
     byte methodsSetup = 0;
-    byte updating = 0;
+    byte marks = 0;
     int versionNumber = -1;
     int level = -1;
     int fieldOffset = -1;

@@ -11,13 +11,10 @@ public:
 
     static bool open();
     static void close();
-    /// A pooled entry from a constructor's arguments; null without memory. Tables take it over.
+    /// A pooled entry from a constructor's arguments; null without memory. A tree takes it over.
     template <class... A> [[nodiscard]] static ZPropertyPtr* create(A&&... arguments) {
-        return whole(new ZPropertyPtr(std::forward<A>(arguments)...));
+        return entries.make(std::forward<A>(arguments)...);
     }
-    static void* operator new(size_t size) noexcept;
-    static void* operator new(size_t, void* place) noexcept { return place; }
-    static void operator delete(void* entry);
     /// An entry of its own that shares the record; null without memory.
     [[nodiscard]] ZPropertyPtr* copy() const;
     /// Gives the entry up. For pooled entries.
@@ -80,7 +77,7 @@ public:
     }
 
 private:
-    static ZPropertyPtr* whole(ZPropertyPtr* entry);
+    static orv::SlotPool<ZPropertyPtr> entries;
     void take(ZProperty* fresh);
 
     ZSelector selector;

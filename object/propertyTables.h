@@ -1,9 +1,11 @@
 #pragma once
 
+#include "core/ZArrayT.h"
 #include "core/ZHashTreeT.h"
 #include "core/ZSpinLock.h"
 #include "object/ZPropertyPtr.h"
 #include "object/propertySignatures.h"
+#include "object/typeGeneration.h"
 #include "toolkit/epoch.h"
 
 /// What a metatype keeps about properties. What a reader can meet is published through `EpochPtr` and not changed in
@@ -13,9 +15,35 @@ namespace orv {
 using PropertyTree = ZHashTreeT<ZSelector, ZPropertyPtr>;
 
 /// A tree as readers see it.
-struct PublishedProperties {
-    toolkit::EpochLink link;
+struct PublishedProperties : toolkit::EpochLink {
     PropertyTree tree;
+};
+
+/// How the value of a property comes out of its getter.
+struct ReadPlan {
+    enum Shape : byte {
+        Nothing,  ///< there is no getter that could be called
+        Word,     ///< the fast entry answers the bytes of a value
+        Pointer,  ///< the fast entry answers a pointer
+        Address,  ///< the fast entry answers where the value stands
+        Stacked,  ///< the stacked entry builds a value
+        Answered, ///< the stacked entry answers where the value stands
+    };
+
+    ZMetaType* type = nullptr; ///< of the value; that of a pointer with its "*"
+    byte shape = Nothing;
+    bool owned = false;   ///< a pointer comes with a reference that is the caller's
+    bool variant = false; ///< the value is a variant
+};
+
+/// How a value goes into a setter.
+struct WritePlan {
+    ZMetaType* type = nullptr; ///< of the values that it takes, without "const", "*" and "&"
+    bool pointer = false;      ///< it takes a pointer, which may be null
+    bool variant = false;      ///< it takes a variant
+    bool number = false;       ///< it takes an "int" by value
+    bool answers = false;      ///< its method answers whether it took the value
+    bool usable = false;
 };
 
 /// A method as a lookup on a type found it.
@@ -27,71 +55,98 @@ struct CachedMethod {
     byte state = Unknown;      ///< stored last, with release order
 };
 
-/// How the value of a property is had from its getter.
-struct ReadPlan {
-    enum Shape : byte {
-        Nothing,  ///< there is no getter that could be called
-        Word,     ///< the fast entry answers the bytes of a value
-        Address,  ///< the fast entry answers where the value stands
-        Stacked,  ///< the stacked entry builds a value
-        Answered, ///< the stacked entry answers where the value stands
-        Variant   ///< the stacked entry builds a variant
-    };
-
-    ZMetaType* type = nullptr; ///< of the value, without "const" and "&"
-    byte shape = Nothing;
-};
-
 /// What was found out about one name on one type, inherited things included.
-struct PropertyRow {
+struct PropertyLookup : toolkit::EpochLink {
     ZSelector name;
-    ZProperty* property = nullptr;  ///< retained; null for a name that the type doesn't declare
-    ZMetaType* owner = nullptr;     ///< what declares it
-    int offset = 0;                 ///< from the instance to its part of that type
-    int readForm = -1;              ///< which of the getters reading takes, once its `state` is `Found`
-    ReadPlan plan;                  ///< of that getter
-    ZMetaType* writeType = nullptr; ///< what the setter takes, once its `state` is `Found`
-    CachedMethod read;
+    int offset = 0;                ///< from the instance to its part of `owner`
+    ZProperty* property = nullptr; ///< retained; null for a name that the type doesn't declare
+    ZMetaType* owner = nullptr;    ///< what declares it
+    CachedMethod read;             ///< the getter that reading takes
+    ReadPlan readPlan;
+    CachedMethod write; ///< the setter that writing takes
+    WritePlan writePlan;
     CachedMethod getters[6];                ///< by `item` ? 4 + ptrForm : constForm * 2 + ptrForm
     CachedMethod places[accessorCount - 1]; ///< by accessor, without `Getter`
 };
 
-/// An open-addressing table of rows, a power of two of places.
-struct PropertyCache {
-    toolkit::EpochLink link;
-    ularge generation; ///< see `tableGeneration`
-    uint mask;
-    uint count;  ///< rows in use
-    uint misses; ///< those of names that the type doesn't declare
-    bool shared; ///< its rows went on to a larger table
-    PropertyRow* rows[1];
+/// An open-addressing table of lookups, with a power of two of places.
+struct PropertyCache : toolkit::EpochLink {
+    ularge generation = 0; ///< see `typeGeneration`
+    uint mask = 0;
+    uint count = 0;        ///< rows in use
+    uint misses = 0;       ///< those of names that the type doesn't declare
+    bool outgrown = false; ///< its rows went on to a larger table
+
+    PropertyLookup** rows() const { return reinterpret_cast<PropertyLookup**>(const_cast<PropertyCache*>(this) + 1); }
+    uint place(uint key) const { return (key * 0x9E3779B1u >> 16 ^ key) & mask; }
+    /// Null if the name isn't in it.
+    PropertyLookup* find(uint key) const {
+        for (uint at = place(key);; at = (at + 1) & mask) {
+            PropertyLookup* row = toolkit::loadAcquire(rows()[at]);
+            if (!row || row->name.key() == key) return row;
+        }
+    }
+};
+
+/// All properties that a type declares or inherits, each name once: those of bases first.
+struct PropertyCatalogue : toolkit::EpochLink {
+    struct Entry {
+        ZProperty* property = nullptr; ///< retained
+        ZMetaType* owner = nullptr;
+        int offset = 0;
+    };
+    ularge generation = 0;
+    bool delegates = false; ///< some entry has the flag `Delegate`
+    bool dynamic = false;   ///< some entry is given to each new instance
+    ZArrayT<Entry> entries;
+
+    ~PropertyCatalogue() {
+        for (const Entry& entry : entries) entry.property->release();
+    }
 };
 
 struct SyntheticMethods;
 
-/// The part of a metatype's record that has to do with properties.
-struct PropertyTables {
+/// The part of a metatype's record that has to do with properties; made and destroyed with it.
+struct ORV_API PropertyTables {
     toolkit::EpochPtr<PublishedProperties> types; ///< null until built
     toolkit::EpochPtr<PublishedProperties> users;
     toolkit::EpochPtr<PropertyCache> cache;
+    toolkit::EpochPtr<PropertyCatalogue> catalogue;
     toolkit::EpochPtr<SyntheticMethods> synthetic;
     PropertyTree* building = nullptr; ///< under the type's change lock, while its builder runs
+    unsigned builder = 0;             ///< the thread that does
     ZSpinLock lock;                   ///< of the caches, while something is put in
 
     PropertyTables() = default;
-    PropertyTables(const PropertyTables&) = delete;
-    /// Nobody reads any more.
     ~PropertyTables();
-    /// Forgets the declared properties, so that they are built again at the next demand. User properties stay.
-    void reset();
-    /// Forgets what was looked up; for a type that is going.
-    void dropCaches();
+    PropertyTables(const PropertyTables&) = delete;
+    PropertyTables& operator=(const PropertyTables&) = delete;
 
-    const PropertyTree& typeTree() const;
-    const PropertyTree& userTree() const;
+    /// Forgets the declared properties: they are built anew at the next demand. User properties stay.
+    void reset();
 };
 
-/// The row of a name, filled in if need be; null without memory. Borrowed under an open guard.
-ORV_API const PropertyRow* propertyRow(const ZMetaType* type, const ZSelector& name);
+/// The tables of a type, with the declared properties built; borrowed under an open guard.
+const PropertyTree& declaredProperties(const ZMetaType* type);
+const PropertyTree& userProperties(const ZMetaType* type);
+
+/// What a name is on a type, worked out if it isn't known yet. Borrowed under an open guard; null for a name that the
+/// type doesn't declare, and without memory.
+PropertyLookup* lookUpProperty(const ZMetaType* type, const ZSelector& name);
+/// The getter that reading takes, or the setter, with its plan filled in; null if there is none.
+const CachedMethod* readAccessor(const ZMetaType* type, PropertyLookup* row);
+const CachedMethod* writeAccessor(const ZMetaType* type, PropertyLookup* row);
+/// A method of the type, looked up once for the place.
+ZMethod* cachedMethod(const ZMetaType* type, CachedMethod& place, const ZSelector& signature,
+                      const ZSelector& qualifier, int& offset);
+/// Borrowed under an open guard; null without memory.
+const PropertyCatalogue* propertyCatalogue(const ZMetaType* type);
+
+/// Publishes a tree and answers the old one, to be retired with no lock held; `change`: lookups may answer otherwise
+/// now. False without memory.
+bool publishProperties(toolkit::EpochPtr<PublishedProperties>& place, PropertyTree&& tree, bool change,
+                       PublishedProperties*& old);
+void retireProperties(PublishedProperties* old);
 
 } // namespace orv

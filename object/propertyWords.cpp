@@ -1,6 +1,7 @@
 #include "object/propertyWords.h"
 
 #include "object/ZProperty.h"
+#include "object/propertyPlace.h"
 
 #include <cstring>
 
@@ -11,14 +12,15 @@ std::string_view textOf(const ZSelector& words) {
     return words.isEmpty() ? std::string_view() : std::string_view(words.string(), size_t(words.length()));
 }
 
-/// The words of one kind with a blank between them, without their first `cut` characters.
-ZSelector wordsOfKind(const ZSelector& words, PropertyWordKind kind, size_t cut) {
+/// The words of a kind, or of another, with a blank between them, without their first `cut` characters.
+ZSelector wordsOfKind(const ZSelector& words, PropertyWordKind kind, PropertyWordKind other, size_t cut) {
     std::string_view rest = textOf(words);
     auto text = static_cast<char*>(__zalloc(rest.size() + 1));
     if (!text) return ZSelector();
     int length = 0;
     for (std::string_view word; !(word = orv::propertyNextWord(rest)).empty();) {
-        if (orv::propertyWordMeaning(word).kind != kind) continue;
+        PropertyWordKind found = orv::propertyWordMeaning(word).kind;
+        if (found != kind && found != other) continue;
         if (length) text[length++] = ' ';
         std::memcpy(text + length, word.data() + cut, word.size() - cut);
         length += int(word.size() - cut);
@@ -41,6 +43,14 @@ int ZProperty::scanVersion(const ZSelector& words, char letter) {
 
 int ZProperty::scanSBLevel(const ZSelector& words) { return orv::propertyWordSum(textOf(words)).sandBoxLevel; }
 
-ZSelector ZProperty::extractOptions(const ZSelector& words) { return wordsOfKind(words, PropertyWordKind::Option, 0); }
+ZSelector ZProperty::extractOptions(const ZSelector& words) {
+    return wordsOfKind(words, PropertyWordKind::Option, PropertyWordKind::Option, 0);
+}
 
-ZSelector ZProperty::extractUpdate(const ZSelector& words) { return wordsOfKind(words, PropertyWordKind::Update, 1); }
+ZSelector ZProperty::extractUpdate(const ZSelector& words) {
+    return wordsOfKind(words, PropertyWordKind::Update, PropertyWordKind::Update, 1);
+}
+
+ZSelector orv::optionsAndUpdaters(const ZSelector& words) {
+    return wordsOfKind(words, PropertyWordKind::Option, PropertyWordKind::Update, 0);
+}

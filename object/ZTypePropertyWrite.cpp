@@ -1,0 +1,360 @@
+#include "object/ZMetaTypeData.h"
+#include "object/ZMethod.h"
+#include "object/ZObject.h"
+#include "object/propertyAccess.h"
+#include "object/propertyPlace.h"
+#include "object/ztype.h"
+
+using orv::PropertyPlace;
+
+namespace {
+
+/// Holds the instance's write lock, if it has one, until told otherwise. Foreign code is called after that: what a
+/// change replaces is kept until then.
+class WriteLock {
+public:
+    explicit WriteLock(ZType* instance) : instance(instance->writeLock() ? instance : nullptr) {}
+    ~WriteLock() { open(); }
+    WriteLock(const WriteLock&) = delete;
+    void open() {
+        if (ZType* locked = std::exchange(instance, nullptr)) locked->unlock();
+    }
+
+private:
+    ZType* instance;
+};
+
+/// The entry of a dynamic property with a record and a tree of its own; null if there is none or no memory.
+ZPropertyPtr* editEntry(ZType::DynamicProperties& tree, const ZSelector& name) {
+    const ZPropertyPtr* known = tree.find(name);
+    if (!known || !known->property()) return nullptr;
+    ZPropertyPtr* entry = tree.edit(known);
+    return entry && entry->detach() ? entry : nullptr;
+}
+
+/// Tells a change of a dynamic property. The record is kept meanwhile, whatever happens to the entry.
+void tell(ZType* self, ZProperty* record) {
+    self->propertyChanged(*record);
+    record->release();
+}
+
+/// Replaces the value of a dynamic property that is there.
+bool setDynamicValue(ZType* self, ZType::DynamicProperties& tree, const ZSelector& name, const ZVariant& value) {
+    ZVariant old;
+    WriteLock lock(self);
+    ZPropertyPtr* entry = editEntry(tree, name);
+    if (!entry) return false;
+    old = entry->property()->value();
+    (*entry)->setValue(value);
+    ZProperty* record = entry->property()->retain();
+    lock.open();
+    if (record) tell(self, record);
+    return true;
+}
+
+/// Adds a dynamic property, or puts it in place of one of that name.
+bool putDynamic(ZType* self, ZType::DynamicProperties& tree, const ZProperty& property) {
+    ZProperty* record = property.copy();
+    if (!record) return false;
+    ZProperty* old = nullptr;
+    bool put = false;
+    {
+        WriteLock lock(self);
+        if (const ZPropertyPtr* known = tree.find(record->name())) {
+            if (ZPropertyPtr* entry = tree.edit(known)) {
+                old = entry->drop();
+                put = entry->set(record);
+            }
+        } else {
+            ZPropertyPtr* entry = ZPropertyPtr::create(record);
+            put = entry && tree.add(entry);
+            if (entry && !put) entry->release();
+        }
+    }
+    if (old) old->release();
+    if (!put) {
+        record->release();
+        return false;
+    }
+    self->propertyDelegationChanged(*record);
+    tell(self, record);
+    return true;
+}
+
+/// Writes through the setter of a declared property.
+bool setDeclared(ZType* self, const PropertyPlace& place, const ZVariant& value) {
+    const orv::CachedMethod* setter = orv::writeAccessor(place.type, place.row);
+    if (!setter) return false;
+    ZVariant room;
+    orv::AccessorWord word(static_cast<const void*>(nullptr));
+    if (!orv::accessorWord(place.row->writePlan, value, room, word)) return false;
+    const void* at = reinterpret_cast<const char*>(self) + setter->offset;
+    bool locked = place.property->hasFlags(ZProperty::Lock) && self->writeLock();
+    int done = 0;
+    bool called = orv::callForNumber(setter->method, at, &word, 1, done);
+    if (locked) self->unlock();
+    return called && (!place.row->writePlan.answers || (done & 0xFF) != 0);
+}
+
+} // namespace
+
+// Values
+
+bool ZType::setDynamicProperty(ZTypedPtr* typed, const ZSelector& name, const ZVariant& value, uint flags, bool add) {
+    ZSelector today = replacePropertyName(name);
+    if (today.isEmpty()) return false;
+    if (typed) *typed = ZTypedPtr(this);
+    if (hasDynamicProperty(today)) return setDynamicValue(this, dynamicProperties, today, value);
+    return add && putDynamic(this, dynamicProperties, ZProperty(today, value, flags | ZProperty::Dynamic));
+}
+
+bool ZType::setDynamicProperty(const ZSelector& name, const ZVariant& value, bool add) {
+    return setDynamicProperty(nullptr, name, value, ZProperty::Default, add);
+}
+
+bool ZType::setProperty(ZTypedPtr* typed, const ZSelector& name, const ZVariant& value, bool notify) {
+    ZSelector today = replacePropertyName(name);
+    if (today.isEmpty()) return false;
+    if (!dynamicProperties.isEmpty() && hasDynamicProperty(today)) {
+        if (dynamicProperty(today)->readOnly()) return false;
+        if (typed) *typed = ZTypedPtr(this);
+        return setDynamicValue(this, dynamicProperties, today, value);
+    }
+    if (today.type() == ZSelector::UID && today.parcount() > 1 && !hasDefinedProperty(today))
+        return orv::setPath(this, typed, today, value, notify);
+    PropertyPlace place(this, today);
+    switch (place.kind) {
+    case PropertyPlace::Declared:
+        if (typed) *typed = ZTypedPtr(this);
+        if (place.property->readOnly()) return false;
+        if (setDeclared(this, place, value)) return true;
+        // A dynamic one that instances get on demand: this is the demand.
+        if (place.property->dynamic() && !orv::writeAccessor(place.type, place.row)) {
+            ZProperty own(*place.property);
+            own.setValue(value);
+            return putDynamic(this, dynamicProperties, own);
+        }
+        return false;
+    case PropertyPlace::Synthetic:
+        if (typed) *typed = ZTypedPtr(this);
+        return metaType->setSyntheticProperty(ZTypedPtr(this), today, value, notify);
+    case PropertyPlace::Elsewhere:
+        return place.other.setProperty(typed, place.otherName, value, notify);
+    default:
+        return false;
+    }
+}
+
+bool ZType::setProperty(const ZSelector& name, const ZVariant& value) {
+    return setProperty(nullptr, name, value, true);
+}
+
+bool ZType::changeProperty(const ZVariant& value, const ZSelector& name) { return setProperty(name, value); }
+
+bool ZType::copyProperty(const ZType* source, const ZSelector& name) {
+    return source && source->hasProperty(name) && setProperty(name, source->getProperty(name));
+}
+
+bool ZType::clearProperty(const ZSelector& name) {
+    ZSelector today = replacePropertyName(name);
+    PropertyPlace place(this, today);
+    switch (place.kind) {
+    case PropertyPlace::Dynamic: {
+        if (place.property->readOnly()) return false;
+        ZVariant empty(place.property->value());
+        if (empty.isContainer() && !empty.isNull()) {
+            if (!empty.detach() || !empty.clearItems()) return false;
+        } else if (!empty.clearValue()) {
+            return false;
+        }
+        return setDynamicValue(this, dynamicProperties, today, empty);
+    }
+    case PropertyPlace::Declared: {
+        if (place.property->readOnly()) return false;
+        ZTypedPtr at(this);
+        if (ZMethod* method = metaType->cleanerMethod(&at, place.property)) {
+            int done = 0;
+            return orv::callForNumber(method, at.instance, nullptr, 0, done) && (done & 0xFF);
+        }
+        return setProperty(today, place.property->value());
+    }
+    case PropertyPlace::Synthetic:
+        return metaType->clearSyntheticProperty(ZTypedPtr(this), today);
+    case PropertyPlace::Elsewhere:
+        return place.other.clearProperty(place.otherName);
+    default:
+        return false;
+    }
+}
+
+// Paths
+
+/// Writes a path. What its first part holds is asked to set the rest: an object in place; a map gets the rest as a key;
+/// any other value is taken out, made private, changed and written back.
+bool orv::setPath(ZType* self, ZTypedPtr* typed, const ZSelector& path, const ZVariant& value, bool notify) {
+    const int parts = path.parcount();
+    ZVariant keeper;
+    for (int at = 0; at + 1 < parts; ++at) {
+        ZSelector first = path.param(at);
+        ZVariant held = self->getProperty(first);
+        const bool last = at + 2 == parts, whole = parts - at <= longestWholePath;
+        ZSelector rest = last ? path.param(at + 1) : whole ? path.extract(at + 1, parts) : ZSelector();
+        if (held.isNull()) {
+            if (!rest.isEmpty() && self->isCollectionProperty(first))
+                return self->setPropertyItem(first, rest, value, notify);
+            ZObject* member = self->memberObject(first);
+            if (!member) return false;
+            held.setObject(member);
+        }
+        if (ZType* object = held.toType(); object && !isSelectMap(held)) {
+            if (!rest.isEmpty()) return object->setProperty(typed, rest, value, notify);
+            keeper = std::move(held);
+            self = object;
+            continue;
+        }
+        if (rest.isEmpty() || !held.detach()) return false;
+        if (isSelectMap(held) ? !held.setItem(rest, value) : !held.setProperty(nullptr, rest, value, notify))
+            return false;
+        return self->setProperty(typed, first, held, notify);
+    }
+    return false;
+}
+
+bool orv::writeBack(ZType* self, const PropertyPlace& place, bool notify) {
+    return self->setProperty(nullptr, place.firstName, place.holder, notify);
+}
+
+bool orv::isSelectMap(const ZVariant& value) {
+    ZMetaType* type = value.mainType();
+    return type && type == ztype<ZVSelectMap>();
+}
+
+// Flags and options of dynamic properties
+
+bool ZType::setPropertyFlags(const ZSelector& name, uint flags) {
+    WriteLock lock(this);
+    ZPropertyPtr* entry = editEntry(dynamicProperties, replacePropertyName(name));
+    if (!entry) return false;
+    bool delegated = entry->property()->hasFlags(ZProperty::Delegate) != ((flags & ZProperty::Delegate) != 0);
+    (*entry)->setFlags(flags);
+    ZProperty* record = delegated ? entry->property()->retain() : nullptr;
+    lock.open();
+    if (record) {
+        propertyDelegationChanged(*record);
+        record->release();
+    }
+    return true;
+}
+
+bool ZType::setPropertyOptions(const ZSelector& name, const ZSelector& words) {
+    return setDynamicPropertyOptions(name, words);
+}
+
+ZSelector ZType::dynamicPropertyOptions(const ZSelector& name) const {
+    ZProperty* property = dynamicProperty(name);
+    return property ? property->options() : ZSelector();
+}
+
+bool ZType::setDynamicPropertyOptions(const ZSelector& name, const ZSelector& words) {
+    WriteLock lock(this);
+    ZPropertyPtr* entry = editEntry(dynamicProperties, replacePropertyName(name));
+    if (entry) (*entry)->setOptions(words);
+    return entry != nullptr;
+}
+
+bool ZType::addDynamicPropertyOptions(const ZSelector& name, const ZSelector& words) {
+    return setDynamicPropertyOptions(name, dynamicPropertyOptions(name).add(words));
+}
+
+// Structure
+
+bool ZType::addProperty(const ZProperty& property) {
+    if (property.name().isEmpty()) return false;
+    ZProperty own(property);
+    own.setFlags(own.flags() | ZProperty::Dynamic);
+    return putDynamic(this, dynamicProperties, own);
+}
+
+bool ZType::addProperty(const ZSelector& name, const ZVariant& value) {
+    return addProperty(name, value, uint(ZProperty::Default));
+}
+
+bool ZType::addProperty(const ZSelector& name, const ZVariant& value, uint flags) {
+    return !name.isEmpty() && putDynamic(this, dynamicProperties, ZProperty(name, value, flags | ZProperty::Dynamic));
+}
+
+bool ZType::addProperty(const ZSelector& name, const ZVariant& value, const ZSelector& words) {
+    if (name.isEmpty()) return false;
+    ZProperty own(name, value, ZProperty::scanFlags(words) | ZProperty::Dynamic);
+    own.setVersion(ZProperty::scanVersion(words));
+    own.setSandBoxLevel(ZProperty::scanSBLevel(words));
+    own.setOptions(orv::optionsAndUpdaters(words));
+    return putDynamic(this, dynamicProperties, own);
+}
+
+bool ZType::removeProperty(const ZSelector& name) {
+    const ZPropertyPtr* known = dynamicProperties.find(name);
+    if (!known) return false;
+    ZProperty* record = known->property() ? known->property()->retain() : nullptr;
+    WriteLock lock(this);
+    bool removed = dynamicProperties.remove(name);
+    lock.open();
+    if (record) {
+        if (removed) propertyDelegationChanged(*record);
+        record->release();
+    }
+    return removed;
+}
+
+bool ZType::renameProperty(const ZSelector& name, const ZSelector& to) {
+    ZProperty* known = dynamicProperty(name);
+    if (!known || to.isEmpty() || dynamicProperties.contains(to)) return name == to && known;
+    ZProperty renamed(*known);
+    renamed.setName(to);
+    return putDynamic(this, dynamicProperties, renamed) && removeProperty(name);
+}
+
+/// A name that no path or list of words can be.
+ZSelector ZType::propertyStackName(const ZSelector& name) const { return ZSelector("__stack_").join(name); }
+
+bool ZType::pushProperty(const ZSelector& name) {
+    // Each saved value stands one name further than the one saved after it.
+    ZProperty* known = dynamicProperty(name);
+    if (!known) return false;
+    ZArrayT<ZSelector> names;
+    for (ZSelector at = name; dynamicProperties.contains(at); at = propertyStackName(at))
+        if (!names.append(at)) return false;
+    for (uint i = names.count(); i-- > 0;) {
+        ZProperty moved(*dynamicProperty(names[i]));
+        moved.setName(propertyStackName(names[i]));
+        if (!putDynamic(this, dynamicProperties, moved)) return false;
+    }
+    return true;
+}
+
+bool ZType::popProperty(const ZSelector& name) {
+    ZSelector at = name, saved = propertyStackName(name);
+    if (!hasDynamicProperty(saved)) return false;
+    for (; hasDynamicProperty(saved); at = saved, saved = propertyStackName(saved)) {
+        ZProperty moved(*dynamicProperty(saved));
+        moved.setName(at);
+        if (!putDynamic(this, dynamicProperties, moved)) return false;
+    }
+    return removeProperty(at);
+}
+
+void ZType::propertyDelegationChanged(const ZProperty&) {}
+
+void ZType::propertyChanged(const ZProperty& property) {
+    const ZSelector updaters = property.getUpdaters();
+    if (updaters.isEmpty()) return;
+    // An update method that sets the property again isn't called for that; the entry may get another record meanwhile.
+    if (!const_cast<ZProperty&>(property).beginNotify()) return;
+    const ZSelector name = property.name();
+    if (updaters.type() == ZSelector::Names)
+        for (int i = 0, count = updaters.parcount(); i < count; ++i) callV(updaters.param(i));
+    else
+        callV(updaters);
+    const_cast<ZProperty&>(property).endNotify();
+    if (ZProperty* now = dynamicProperty(name)) now->endNotify();
+}

@@ -1,0 +1,142 @@
+#include "object/propertyPlace.h"
+
+#include "object/ZMetaTypeData.h"
+#include "object/propertyAccess.h"
+
+namespace orv {
+
+namespace {
+bool isDelegate(const ZPropertyPtr& entry) {
+    return entry.property() && entry.property()->hasFlags(ZProperty::Delegate);
+}
+/// Whether something else than the variant keeps what it refers to.
+bool outlives(const ZVariant& value) { return value.referenceCount() > 1; }
+} // namespace
+
+PropertyPlace::PropertyPlace(const ZType* self, const ZSelector& name, bool localOnly)
+    : type(self->type()), self(self), name(&name) {
+    if (name.isEmpty() || findOwn() || localOnly) return;
+    if (findDelegate() || findPath() || findTypeDelegate()) return;
+}
+
+bool PropertyPlace::findOwn() {
+    if (const ZPropertyPtr* entry = self->getDynamicProperties().find(*name)) {
+        property = entry->property();
+        kind = property ? Dynamic : Nowhere;
+        return true;
+    }
+    if (!type) return false;
+    if ((row = lookUpProperty(type, *name))) {
+        property = row->property;
+        kind = Declared;
+        return true;
+    }
+    if (!type->isSynthetic() || !type->hasSyntheticProperty(ZTypedPtr(self), *name)) return false;
+    kind = Synthetic;
+    return true;
+}
+
+bool PropertyPlace::findDelegate() {
+    for (const ZPropertyPtr& entry : self->getDynamicProperties()) {
+        if (!isDelegate(entry)) continue;
+        const ZVariant& held = entry->value();
+        if (held.toType() == self || !ZTypedPtr(held).hasProperty(*name)) continue;
+        holder = held;
+        other = ZTypedPtr(holder);
+        otherName = *name;
+        kind = Elsewhere;
+        return true;
+    }
+    return false;
+}
+
+/// The first part is read and asked for the rest.
+bool PropertyPlace::findPath() {
+    if (!name->deepName()) return false;
+    const int parts = name->parcount();
+    if (parts < 2) return false;
+    firstName = name->param(0);
+    if (!readProperty(self, nullptr, firstName, true, holder)) return false;
+    writeBack = !holder.isZType();
+    int at = 1;
+    // What a long path goes through has to be of instances or values that need no name for the rest.
+    for (; parts - at > longestWholePath; ++at) {
+        ZVariant next = ZTypedPtr(holder).getProperty(name->param(at));
+        if (next.isNull()) return false;
+        writeBack = writeBack || !next.isZType();
+        holder = std::move(next);
+    }
+    otherName = at + 1 == parts ? name->param(at) : name->extract(at, parts);
+    other = ZTypedPtr(holder);
+    if (!other.hasProperty(otherName)) return false;
+    kind = Elsewhere;
+    return true;
+}
+
+bool PropertyPlace::findTypeDelegate() {
+    if (!type) return false;
+    ZTypedPtr delegate;
+    for (int i = 0; type->delegateProperties(self, i, delegate); ++i) {
+        if (!delegate.findProperty(nullptr, *name, false)) continue;
+        other = delegate;
+        otherName = *name;
+        kind = Elsewhere;
+        return true;
+    }
+    return false;
+}
+
+bool readPlace(const PropertyPlace& place, ZTypedPtr* typed, bool resolve, ZVariant& value) {
+    switch (place.kind) {
+    case PropertyPlace::Dynamic:
+        value = place.property->value();
+        break;
+    case PropertyPlace::Declared: {
+        const CachedMethod* getter = readAccessor(place.type, place.row);
+        if (getter)
+            callGetter(getter->method, reinterpret_cast<const char*>(place.self) + getter->offset, place.row->readPlan,
+                       value);
+        else if (place.property->dynamic())
+            value = place.property->value();
+        break;
+    }
+    case PropertyPlace::Synthetic:
+        value = place.type->getSyntheticProperty(ZTypedPtr(place.self), *place.name, resolve);
+        break;
+    case PropertyPlace::Elsewhere:
+        value = place.other.getProperty(typed, place.otherName, resolve);
+        if (typed && place.holder.isZType() && !outlives(place.holder)) *typed = ZTypedPtr();
+        return true;
+    default:
+        return false;
+    }
+    if (typed) *typed = ZTypedPtr(place.self);
+    if (resolve && place.property && place.property->resolved()) value = place.self->resolveValue(value);
+    return true;
+}
+
+bool readProperty(const ZType* self, ZTypedPtr* typed, const ZSelector& name, bool resolve, ZVariant& value) {
+    const PropertyTree& own = self->getDynamicProperties();
+    if (own.isEmpty()) {
+        // The short way of what most reads are about: a declared property with a getter.
+        const ZMetaType* type = self->type();
+        if (!type) return false;
+        toolkit::EpochGuard guard;
+        PropertyLookup* row = lookUpProperty(type, name);
+        const CachedMethod* getter = row ? readAccessor(type, row) : nullptr;
+        if (ORV_LIKELY(getter && !row->property->resolved())) {
+            if (typed) *typed = ZTypedPtr(self);
+            callGetter(getter->method, reinterpret_cast<const char*>(self) + getter->offset, row->readPlan, value);
+            return true;
+        }
+    } else if (const ZPropertyPtr* entry = own.find(name); entry && entry->property()) {
+        if (!entry->property()->resolved()) {
+            if (typed) *typed = ZTypedPtr(self);
+            value = entry->property()->value();
+            return true;
+        }
+    }
+    return readPlace(PropertyPlace(self, name), typed, resolve, value);
+}
+
+} // namespace orv
