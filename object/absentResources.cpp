@@ -47,3 +47,7 @@ bool ZMetaType::deleteResource(const ZSelector&) { return false; }
 bool ZMetaType::deleteResource(const ZSelector&, const ZSelector&) { return false; }
 bool ZMetaType::selectStyle(const ZSelector&) { return false; }
 bool ZMetaType::selectStyle(const ZSelector&, const ZSelector&) { return false; }
+
+bool ZType::loadPersistentProperties() { return false; }
+bool ZType::loadPersistentProperties(const ZSelector&) { return false; }
+bool ZType::storePersistentProperties() const { return false; }
