@@ -5,6 +5,12 @@
 #include "core/ZSpinLock.h"
 #include "module/forward.h"
 #include "object/ZMethod.h"
+#include "object/typeGeneration.h"
+
+namespace orv {
+struct InlineLinks;
+struct MethodHit;
+} // namespace orv
 
 /// A record by which compiled code refers to a method: names that are looked up at the first use, and the entry after
 /// that, until types change. Records are static, embedded in a type, or on the stack of who needs one for a while. Any
@@ -60,17 +66,18 @@ public:
     bool isTypeMethod() const { return isType; }
     /// Whether the method was looked up on an object.
     bool isZObject() const { return ownerObject != nullptr; }
-    bool isValid() const { return toolkit::loadAcquire(sequence) & 1; }
+    /// Whether what it found still holds.
+    bool isValid() const { return toolkit::loadAcquire(stamp) == orv::typeGeneration(); }
 
     // Calling. What isn't found does nothing and answers 0.
 
     /// The fast entry of a method without arguments: the answer is its word.
     void* call(const void* instance) const {
-        const uint seen = toolkit::loadAcquire(sequence);
+        const ularge seen = toolkit::loadAcquire(stamp);
         auto entry = toolkit::loadAcquire(func);
         auto record = toolkit::loadAcquire(method);
         const auto part = toolkit::loadAcquire(offset);
-        if (ORV_LIKELY((seen & 1) && toolkit::load(sequence) == seen))
+        if (ORV_LIKELY(seen == orv::typeGeneration() && toolkit::load(stamp) == seen))
             return entry(static_cast<const char*>(instance) + part, record);
         return callSlow(instance);
     }
@@ -115,28 +122,31 @@ public:
 
 private:
     friend class Stack;
-    friend struct InlineLinks;
+    friend struct orv::InlineLinks;
 
-    bool resolve() const;
-    void publish(ZMethod* found, int part) const;
-    void retract() const;
+    orv::MethodHit find() const;
+    orv::MethodHit resolve() const;
+    void publish(const orv::MethodHit& hit, ularge generation) const;
+    ZMetaType* findOwner() const;
     void* callSlow(const void* instance) const;
 
-    // The target, read without a lock. `sequence` is odd while it holds, and changes with each target.
-    mutable uint sequence = 0;
-    mutable int offset = 0;
+    // The target, read without a lock: good as long as `stamp` is the generation of types, and the same before and after
+    // the others were read. Only entries that don't look at the record are kept here.
+    mutable ularge stamp = 0;
     mutable ZMethod::Func func = nullptr;
     mutable ZMethod* method = nullptr;
+    mutable int offset = 0;
 
     mutable ZInlineMethod* next = nullptr;
     mutable ZInlineMethod* prev = nullptr;
     mutable ZMetaType* linkedTo = nullptr;
+    mutable ZInlineMethod* nextMulti = nullptr;
+    mutable ZInlineMethod* prevMulti = nullptr;
     mutable bool listed = false;
-    mutable ZSpinLock guard;
+    mutable ZSpinLock guard; ///< of the target's change
     bool isBase = false, isMulti = false, isType = false;
-    mutable ZMetaType* ownerType = nullptr;
     const ZObject* ownerObject = nullptr;
-    ZMetaType* givenType = nullptr;
+    mutable ZMetaType* ownerType = nullptr; ///< given, or found by its name
     ZSelector package, typeName, signature, name, qualifier;
     mutable ZArrayT<ZMetaType*> paramTypes;
 };

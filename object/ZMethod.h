@@ -8,6 +8,7 @@
 
 namespace orv {
 struct MethodParams;
+template <class T> class SlotPool;
 
 /// The fast entries of methods with arguments: words, as many as `ZMethod::fastWords` says. A word is a pointer, the
 /// address of what a reference refers to, or holds a value of at most 8 bytes.
@@ -86,7 +87,6 @@ public:
     /// Gives a reference up; with the last one the record goes once no reader can hold it. Null is fine.
     static void release(const ZMethod* method);
     static int refcount(const ZMethod* method);
-    ZMethod(const ZMethod&) = delete;
     ZMethod& operator=(const ZMethod&) = delete;
 
     // Contents. Setters answer false, with nothing changed, when there is no memory.
@@ -220,8 +220,8 @@ public:
 
     // Option words
 
-    /// The flags of the words in a list, in the order of the table of words: "fixed" and "dynamic" exclude each other,
-    /// the latter wins; "local" clears both.
+    /// The flags of the words in a list, in the order of the table of words whatever that of the list: "local" clears
+    /// the mode first; of "fixed" and "dynamic" the latter wins.
     static uint scanFlags(const ZSelector& words);
     /// What is neither a word of a flag nor a sandbox level.
     static ZSelector extractOptions(const ZSelector& words);
@@ -238,14 +238,17 @@ public:
     void setDeclared(bool on) { declared = on; }
 
 private:
-    friend struct MethodPool;
+    friend class orv::SlotPool<ZMethod>;
     /// What few methods have.
     struct Extra;
 
     ZMethod() = default;
+    explicit ZMethod(const ZMethod& source);
+    ZMethod(const ZSelector& selector, const ZSelector& words) : qualifier(words) { setSelector(selector); }
     ~ZMethod();
     Extra* extras();
     void dropParams();
+    const orv::MethodParams* resolveParams(const ZMetaType* type) const;
 
     ZSelector signature, qualifier, options, name;
     Func func = &emptyFunc;

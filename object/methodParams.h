@@ -2,6 +2,7 @@
 
 #include "core/ZSelector.h"
 #include "object/ZMetaType.h"
+#include "object/typeGeneration.h"
 #include "toolkit/epoch.h"
 
 /// The parameters of a method, resolved: one block, published in the method's record and never changed.
@@ -25,7 +26,8 @@ struct MethodParam {
 };
 
 struct MethodParams : toolkit::EpochLink {
-    ularge generation = 0; ///< when it was resolved
+    ularge generation = 0; ///< of types, and of their removals, when it was resolved
+    ularge removals = 0;
     int count = 0;         ///< with the result
     int stackSize = 0;     ///< bytes of all slots, without the word in front
     bool complete = true;  ///< every type is known
@@ -33,6 +35,10 @@ struct MethodParams : toolkit::EpochLink {
     bool constructor = false, destructor = false;
     bool returns = false;
 
+    /// Whether the types are still those that the names mean.
+    bool current() const {
+        return ORV_LIKELY(removals == typeRemovals()) && (complete || generation == typeGeneration());
+    }
     const MethodParam* begin() const { return reinterpret_cast<const MethodParam*>(this + 1); }
     const MethodParam* end() const { return begin() + count; }
     const MethodParam& operator[](int index) const { return begin()[index]; }

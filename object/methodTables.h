@@ -13,6 +13,7 @@ namespace orv {
 
 using MethodTree = ZHashTreeT<ZSelector, ZMethodPtr>;
 struct MethodCache;
+struct OverloadCache;
 
 /// The tables of a type as lookups see them.
 struct MethodTable : toolkit::EpochLink {
@@ -45,39 +46,31 @@ struct ORV_API MethodTables {
 
     /// Null until the table is built.
     toolkit::EpochPtr<MethodTable> published;
-    /// Answers of lookups in this type and its bases, in front of the tables.
+    /// Answers of lookups in this type and what it inherits from, in front of the tables.
     toolkit::EpochPtr<MethodCache> cache;
-    /// The table that a builder is filling, under the change lock; and who does.
-    MethodTable* building = nullptr;
-    uint builder = 0;
+    toolkit::EpochPtr<OverloadCache> overloads;
+    ZSpinLock cacheGuard;
+
+    // Under the type's change lock
+
+    MethodTable* building = nullptr; ///< what a builder is filling
+    MethodTree user;                 ///< outlives the published table
 
     ZArrayT<ZFixedMethod> fixedMethods;
-    ularge fixedGeneration = 0;
+    /// The signatures of the operations, once they are known: a bit for each.
+    ZSelector operations[int(TypeOperation::Count)];
+    uint operationsKnown = 0;
 
-    ZMethod* operations[int(TypeOperation::Count)] = {};
-    uint operationsKnown = 0; ///< a bit for each
-    ularge operationsGeneration = 0;
-
-    /// Inline methods that were found in this type, to be reset when its methods change.
+    /// Inline methods that were looked up in this type, to be reset before it ends.
     ZSpinLock inlineGuard;
     ZInlineMethod* inlineFirst = nullptr;
 };
 
-/// Fills the method table of a type: room for `count` methods, then many entries, then one publication. For declared
-/// methods; between making and `publish` the thread holds the type's change lock.
-class ORV_API MethodTableBuilder {
-public:
-    MethodTableBuilder(ZMetaType& type, uint count);
-    ~MethodTableBuilder();
-    MethodTableBuilder(const MethodTableBuilder&) = delete;
-    MethodTableBuilder& operator=(const MethodTableBuilder&) = delete;
-
-    /// Takes a reference of its own. False without memory.
-    bool append(ZMethod* method);
-
-private:
-    ZMetaType& type;
-};
+/// For a `CreateMethods` callback, ahead of its `ZMetaType::appendMethod`s: room for so many methods. False without
+/// memory. What the callback appends is published once, when it has returned true.
+ORV_API bool reserveMethods(ZMetaType* type, uint count);
+/// The tables of a type, built if need be; null without memory. Borrowed under a guard.
+ORV_API const MethodTable* methodTable(const ZMetaType* type);
 
 /// What a lookup of `selector` in a type finds, and why not: the signature that was asked, the candidates of that name
 /// in the type, its bases and its template, and for each the expected and the actual types. For logs and tools; slow.

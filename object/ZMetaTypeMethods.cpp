@@ -1,0 +1,520 @@
+#include "core/ZHashSetT.h"
+#include "object/ZMetaTypeData.h"
+#include "object/ZMethod.h"
+#include "object/inlineLinks.h"
+#include "object/methodLookup.h"
+#include "value/ZTypedPtr.h"
+
+// The methods of a metatype: its tables, and what is asked of them.
+
+namespace orv {
+namespace {
+
+void reclaimTable(toolkit::EpochLink* link) { zrelease(static_cast<MethodTable*>(link)); }
+
+ZMethodPtr* findEntry(MethodTree& tree, const ZSelector& selector, const ZSelector& qualifier) {
+    const ZSelector key = selector.type() == ZSelector::Method ? selector.methodName() : selector;
+    for (const ZMethodPtr* node = tree.find(key); node; node = tree.findNext(node))
+        if (node->get()->getSelector() == selector && node->get()->getQualifier() == qualifier)
+            return const_cast<ZMethodPtr*>(node);
+    return nullptr;
+}
+bool addEntry(MethodTree& tree, ZMethod* method) {
+    ZMethodPtr* node = ZMethodPtr::create(method);
+    if (!node) return false;
+    if (tree.add(node)) return true;
+    node->release();
+    return false;
+}
+bool setEntry(MethodTree& tree, ZMethod* method, bool replace) {
+    if (!tree.detach()) return false;
+    if (ZMethodPtr* old = findEntry(tree, method->getSelector(), method->getQualifier())) {
+        if (old->get() == method) return true;
+        if (!replace || !addEntry(tree, method)) return false;
+        return tree.remove(old);
+    }
+    return addEntry(tree, method);
+}
+bool setEntries(MethodTree& tree, const MethodTree& from) {
+    for (const ZMethodPtr& entry : from)
+        if (!setEntry(tree, entry.get(), true)) return false;
+    return true;
+}
+void adopt(ZMetaType* type, ZMethod* method) {
+    if (!method->getOwner()) method->setOwner(type);
+}
+
+/// Publishes other tables: `change` gets a copy and answers whether that is to be the one.
+template <class F> bool edit(ZMetaType* type, F change) {
+    MethodTables& tables = type->record().methods;
+    MethodTable* old;
+    {
+        ZScopedLock held(type->record().change);
+        if (!type->createMethods()) return false;
+        old = tables.published.load();
+        MethodTable* fresh = old ? zmake<MethodTable>(*old) : nullptr;
+        if (!fresh) return false;
+        fresh->next = nullptr;
+        if (!change(*fresh)) {
+            zrelease(fresh);
+            return false;
+        }
+        tables.user = fresh->user;
+        (void)tables.published.publish(fresh);
+    }
+    typesChanged();
+    toolkit::epochRetire(old, reclaimTable);
+    return true;
+}
+
+const MethodTree& noMethods() {
+    static constinit const MethodTree none;
+    return none;
+}
+template <class F> bool collect(const MethodTree& tree, F take) {
+    for (const ZMethodPtr& entry : tree)
+        if (!take(entry.get())) return false;
+    return true;
+}
+bool collectNamed(const MethodTree& tree, const ZSelector& name, ZArrayT<ZMethod*>& methods) {
+    for (const ZMethodPtr* node = tree.find(name); node; node = tree.findNext(node))
+        if (!methods.append(node->get())) return false;
+    return true;
+}
+bool collectWithOptions(const MethodTree& tree, const ZSelector& words, ZArrayT<ZMethod*>& methods) {
+    return collect(tree, [&](ZMethod* m) { return !m->hasOption(words) || methods.append(m); });
+}
+/// Sees to it that a typed pointer is at the part on which the method is called.
+ZMethod* aim(ZTypedPtr* typed, const MethodHit& hit) {
+    if (!hit.method || !typed) return hit.method;
+    typed->type = hit.type;
+    if (typed->instance) typed->instance = static_cast<char*>(typed->instance) + hit.offset;
+    return hit.method;
+}
+ZMethod* aim(int* offset, const MethodHit& hit) {
+    if (offset) *offset = hit.offset;
+    return hit.method;
+}
+byte lookFlags(bool implicit, bool skipResult, bool exact) {
+    return byte((implicit ? LookImplicit : 0) | (skipResult ? LookSkipResult : 0) | (exact ? LookExact : 0));
+}
+
+struct OperationText {
+    const char* ofType;  ///< for `ZType` classes; "%s" stands for the name of the type
+    const char* ofValue; ///< for others; null for the same
+    bool isConst;
+};
+constexpr OperationText operationTexts[] = {
+    {"int compare(const %s*)", "int compare(const %s&)", true},
+    {"int internalSize()", nullptr, true},
+    {"uint hashKey()", nullptr, true},
+    {"bool blendFrom(const %s*, const %s*, const ZBlendPos&)", "bool blendFrom(const %s&, const %s&, const ZBlendPos&)",
+     false},
+    {"bool blendLocal(const %s*, const %s*, const ZBlendPos&)",
+     "bool blendLocal(const %s&, const %s&, const ZBlendPos&)", false},
+    {"bool setIdentity()", nullptr, false},
+    {"bool setLocalIdentity()", nullptr, false},
+    {"bool markcsp(ZCSPMarker*)", nullptr, true},
+    {"bool markLocal(ZCSPMarker*)", nullptr, true},
+    {"bool updatecsp(const ZColorContext*)", nullptr, false},
+    {"bool updateLocal(const ZColorContext*)", nullptr, false},
+};
+static_assert(sizeof operationTexts / sizeof *operationTexts == size_t(TypeOperation::Count));
+
+ZMethod* operation(const ZMetaType* type, TypeOperation which) {
+    MethodTables& tables = const_cast<ZMetaType*>(type)->record().methods;
+    const OperationText& text = operationTexts[int(which)];
+    const uint bit = 1u << int(which);
+    if (ORV_UNLIKELY(!(toolkit::loadAcquire(tables.operationsKnown) & bit))) {
+        const ZSelector name = type->mainOrSelf()->getName();
+        const char* format = type->isZType() || !text.ofValue ? text.ofType : text.ofValue;
+        ZSelector signature;
+        if (!signature.printf(format, name.string(), name.string())) return nullptr;
+        ZScopedLock held(type->record().change);
+        if (!(tables.operationsKnown & bit)) {
+            tables.operations[int(which)] = signature;
+            toolkit::storeRelease(tables.operationsKnown, tables.operationsKnown | bit);
+        }
+    }
+    toolkit::EpochGuard guard;
+    static constinit const char words[] = "const";
+    const ZSelector qualifier = text.isConst ? ZSelector(words) : ZSelector();
+    return lookUpMethod(type, tables.operations[int(which)], qualifier, false).method;
+}
+
+} // namespace
+
+const MethodTable* methodTable(const ZMetaType* type) {
+    const MethodTables& tables = type->record().methods;
+    if (const MethodTable* known = tables.published.load()) return known;
+    const_cast<ZMetaType*>(type)->createMethods();
+    return tables.published.load();
+}
+bool reserveMethods(ZMetaType* type, uint count) {
+    MethodTable* building = type->record().methods.building;
+    return building && building->declared.init(count, 100);
+}
+
+MethodTables::~MethodTables() {
+    typesRemoved();
+    InlineLinks::drop(*this);
+    dropCaches(*this);
+    if (MethodTable* table = published.publish(nullptr)) {
+        // Who still holds a method finds that it has no type any more.
+        for (const MethodTree* tree : {&table->declared, &table->user})
+            for (const ZMethodPtr& entry : *tree) {
+                ZMetaType* owner = entry.get()->getOwner();
+                if (owner && &owner->record().methods == this) entry.get()->setOwner(nullptr);
+            }
+        toolkit::epochRetire(table, reclaimTable);
+    }
+}
+
+} // namespace orv
+
+using namespace orv;
+
+// Building and resetting
+
+bool ZMetaType::createMethods() {
+    MethodTables& tables = own->methods;
+    if (tables.published.load()) return true;
+    ZScopedLock held(own->change);
+    if (tables.published.load()) return true;
+    // Asked by its own builder: there is nothing yet.
+    if (tables.building) return false;
+    tables.building = zmake<MethodTable>();
+    if (!tables.building) return false;
+    auto build = reinterpret_cast<bool (*)(ZMetaType*)>(getCallback(CreateMethods));
+    const bool built = !build || build(this);
+    MethodTable* fresh = std::exchange(tables.building, nullptr);
+    if (!built) {
+        zrelease(fresh);
+        return false;
+    }
+    fresh->user = tables.user;
+    (void)tables.published.publish(fresh);
+    return true;
+}
+bool ZMetaType::appendMethod(ZMethod* method) {
+    if (!method) return false;
+    {
+        ZScopedLock held(own->change);
+        // Only its builder finds a table under construction: it has the lock.
+        if (MethodTable* building = own->methods.building) {
+            adopt(this, method);
+            method->setDeclared(true);
+            return addEntry(building->declared, method);
+        }
+    }
+    return edit(this, [&](MethodTable& table) {
+        if (!addEntry(table.declared, method)) return false;
+        adopt(this, method);
+        return true;
+    });
+}
+void ZMetaType::resetMethodTypes() {
+    MethodTable* old;
+    {
+        ZScopedLock held(own->change);
+        old = own->methods.published.publish(nullptr);
+    }
+    typesChanged();
+    if (old) toolkit::epochRetire(old, reclaimTable);
+    resetInlineMethodTypes();
+}
+
+// Declared methods
+
+uint ZMetaType::methodTypeCount() const {
+    toolkit::EpochGuard guard;
+    const MethodTable* table = methodTable(this);
+    return table ? table->declared.count() : 0;
+}
+const ZMetaType::MethodTable& ZMetaType::getMethodTypes() const {
+    toolkit::EpochGuard guard;
+    const orv::MethodTable* table = methodTable(this);
+    return table ? table->declared : noMethods();
+}
+bool ZMetaType::getMethodTypes(ZArrayT<ZMethod*>& methods) const {
+    toolkit::EpochGuard guard;
+    return collect(getMethodTypes(), [&](ZMethod* m) { return methods.append(m); });
+}
+bool ZMetaType::getMethodTypes(const ZSelector& name, ZArrayT<ZMethod*>& methods) const {
+    toolkit::EpochGuard guard;
+    return collectNamed(getMethodTypes(), name, methods);
+}
+bool ZMetaType::getMethodTypes(ZArrayT<ZSelector>& signatures) const {
+    toolkit::EpochGuard guard;
+    return collect(getMethodTypes(), [&](ZMethod* m) { return signatures.append(m->getSelector()); });
+}
+bool ZMetaType::getMethodTypes(ZHashSetT<ZSelector>& signatures) const {
+    toolkit::EpochGuard guard;
+    return collect(getMethodTypes(), [&](ZMethod* m) { return bool(signatures.add(m->getSelector())); });
+}
+bool ZMetaType::getMethodTypesWithOptions(const ZSelector& words, ZArrayT<ZMethod*>& methods) const {
+    toolkit::EpochGuard guard;
+    return collectWithOptions(getMethodTypes(), words, methods);
+}
+bool ZMetaType::getAutoBindMethodTypes(ZArrayT<ZMethod*>& methods) const {
+    toolkit::EpochGuard guard;
+    return collect(getMethodTypes(), [&](ZMethod* m) { return !m->autoBind() || methods.append(m); });
+}
+bool ZMetaType::setMethodType(ZMethod* method, bool replace) {
+    if (!method) return false;
+    return edit(this, [&](orv::MethodTable& table) {
+        if (!setEntry(table.declared, method, replace)) return false;
+        adopt(this, method);
+        return true;
+    });
+}
+bool ZMetaType::setMethodType(const ZMethodPtr& method) { return setMethodType(method.get(), true); }
+bool ZMetaType::addMethodTypes(const MethodTable& methods) {
+    return edit(this, [&](orv::MethodTable& table) { return setEntries(table.declared, methods); });
+}
+bool ZMetaType::addMethodTypes(const ZMetaType* source) {
+    if (!source) return false;
+    toolkit::EpochGuard guard;
+    return addMethodTypes(source->getMethodTypes());
+}
+bool ZMetaType::removeMethodType(const ZSelector& selector, const ZSelector& qualifier) {
+    return edit(this, [&](orv::MethodTable& table) {
+        if (!table.declared.detach()) return false;
+        ZMethodPtr* entry = findEntry(table.declared, selector, qualifier);
+        return entry && table.declared.remove(entry);
+    });
+}
+
+// User methods
+
+uint ZMetaType::userMethodCount() const {
+    toolkit::EpochGuard guard;
+    return getUserMethods().count();
+}
+const ZMetaType::MethodTable& ZMetaType::getUserMethods() const {
+    toolkit::EpochGuard guard;
+    const orv::MethodTable* table = methodTable(this);
+    return table ? table->user : noMethods();
+}
+bool ZMetaType::getUserMethods(ZArrayT<ZMethod*>& methods) const {
+    toolkit::EpochGuard guard;
+    return collect(getUserMethods(), [&](ZMethod* m) { return methods.append(m); });
+}
+bool ZMetaType::getUserMethods(const ZSelector& name, ZArrayT<ZMethod*>& methods) const {
+    toolkit::EpochGuard guard;
+    return collectNamed(getUserMethods(), name, methods);
+}
+bool ZMetaType::getUserMethods(ZArrayT<ZSelector>& signatures) const {
+    toolkit::EpochGuard guard;
+    return collect(getUserMethods(), [&](ZMethod* m) { return signatures.append(m->getSelector()); });
+}
+bool ZMetaType::getUserMethods(ZHashSetT<ZSelector>& signatures) const {
+    toolkit::EpochGuard guard;
+    return collect(getUserMethods(), [&](ZMethod* m) { return bool(signatures.add(m->getSelector())); });
+}
+bool ZMetaType::getUserMethodsWithOptions(const ZSelector& words, ZArrayT<ZMethod*>& methods) const {
+    toolkit::EpochGuard guard;
+    return collectWithOptions(getUserMethods(), words, methods);
+}
+const ZMethodPtr* ZMetaType::userMethodNode(const ZSelector& selector) const {
+    toolkit::EpochGuard guard;
+    const MethodTable& tree = getUserMethods();
+    return tree.find(selector.type() == ZSelector::Method ? selector.methodName() : selector);
+}
+ZMethod* ZMetaType::userMethodBySelector(const ZSelector& selector, const ZSelector& qualifier) const {
+    toolkit::EpochGuard guard;
+    orv::MethodTable only;
+    only.user = getUserMethods();
+    return pickMethod(&only, selector, qualifier, false);
+}
+bool ZMetaType::setUserMethods(const MethodTable& methods) {
+    return edit(this, [&](orv::MethodTable& table) {
+        table.user = methods;
+        return true;
+    });
+}
+bool ZMetaType::setUserMethod(ZMethod* method, bool replace) {
+    if (!method) return false;
+    return edit(this, [&](orv::MethodTable& table) {
+        if (!setEntry(table.user, method, replace)) return false;
+        adopt(this, method);
+        return true;
+    });
+}
+bool ZMetaType::setUserMethod(const ZMethodPtr& method) { return setUserMethod(method.get(), true); }
+bool ZMetaType::addUserMethods(const MethodTable& methods) {
+    return edit(this, [&](orv::MethodTable& table) { return setEntries(table.user, methods); });
+}
+bool ZMetaType::addUserMethods(const ZMetaType* source) {
+    if (!source) return false;
+    toolkit::EpochGuard guard;
+    return addUserMethods(source->getUserMethods());
+}
+bool ZMetaType::removeUserMethod(const ZSelector& selector, const ZSelector& qualifier) {
+    return edit(this, [&](orv::MethodTable& table) {
+        if (!table.user.detach()) return false;
+        ZMethodPtr* entry = findEntry(table.user, selector, qualifier);
+        return entry && table.user.remove(entry);
+    });
+}
+
+// Methods by index
+
+bool ZMetaType::setFixedMethodCount(int count) {
+    if (count < 0) return false;
+    ZScopedLock held(own->change);
+    return own->methods.fixedMethods.setCount(uint(count));
+}
+bool ZMetaType::setFixedMethod(int index, const ZSelector& signature, const ZSelector& qualifier) {
+    ZScopedLock held(own->change);
+    return index >= 0 && own->methods.fixedMethods.set(uint(index), ZFixedMethod(signature, qualifier));
+}
+const ZArrayT<ZFixedMethod>& ZMetaType::getFixedMethods() const { return own->methods.fixedMethods; }
+bool ZMetaType::useFixedMethods() {
+    const ZMetaType* base = primaryBase();
+    if (!own->methods.fixedMethods.isEmpty()) return true;
+    if (!base || base->getFixedMethods().isEmpty()) return false;
+    ZScopedLock held(own->change);
+    own->methods.fixedMethods = base->getFixedMethods();
+    return true;
+}
+ZMethod* ZMetaType::getFixedMethod(int index) const {
+    const ZMetaType* listed = this;
+    // A type without a list of its own is called by that of its base, and answers with its own methods.
+    for (int depth = 0; listed && listed->getFixedMethods().isEmpty() && depth < 512; ++depth)
+        listed = listed->mainOrSelf() != listed ? listed->mainOrSelf() : listed->primaryBase();
+    const ZFixedMethod* row = listed && index >= 0 ? listed->getFixedMethods().entry(uint(index)) : nullptr;
+    if (!row) return nullptr;
+    toolkit::EpochGuard guard;
+    return lookUpMethod(this, row->getSignature(), row->getQualifier(), false).method;
+}
+void ZMetaType::resetFixedMethods() { typesChanged(); }
+
+// What the metatype asks its own type for
+
+ZMethod* ZMetaType::getCompareMethod() const { return operation(this, TypeOperation::Compare); }
+ZMethod* ZMetaType::getInternalMethod() const { return operation(this, TypeOperation::Internal); }
+ZMethod* ZMetaType::getHashMethod() const { return operation(this, TypeOperation::Hash); }
+ZMethod* ZMetaType::getBlendMethod() const { return operation(this, TypeOperation::Blend); }
+ZMethod* ZMetaType::getBlendLocalMethod() const { return operation(this, TypeOperation::BlendLocal); }
+ZMethod* ZMetaType::getSetIdentityMethod() const { return operation(this, TypeOperation::SetIdentity); }
+ZMethod* ZMetaType::getSetLocalIdentityMethod() const { return operation(this, TypeOperation::SetLocalIdentity); }
+ZMethod* ZMetaType::getMarkCSPMethod() const { return operation(this, TypeOperation::MarkCSP); }
+ZMethod* ZMetaType::getMarkLocalCSPMethod() const { return operation(this, TypeOperation::MarkLocalCSP); }
+ZMethod* ZMetaType::getUpdateCSPMethod() const { return operation(this, TypeOperation::UpdateCSP); }
+ZMethod* ZMetaType::getUpdateLocalCSPMethod() const { return operation(this, TypeOperation::UpdateLocalCSP); }
+
+// Lookups in this type alone
+
+const ZMethodPtr* ZMetaType::methodTypeNode(const ZSelector& selector) const {
+    toolkit::EpochGuard guard;
+    const MethodTable& tree = getMethodTypes();
+    return tree.find(selector.type() == ZSelector::Method ? selector.methodName() : selector);
+}
+ZMethod* ZMetaType::methodTypeBySelector(const ZSelector& selector, const ZSelector& qualifier) const {
+    toolkit::EpochGuard guard;
+    const ZSelector mine = getQualifier();
+    return pickMethod(methodTable(this), selector, mine.isEmpty() ? qualifier : mine.add(qualifier), false);
+}
+bool ZMetaType::hasMethodType(const ZSelector& selector, const ZSelector& qualifier) const {
+    return methodTypeBySelector(selector, qualifier) != nullptr;
+}
+bool ZMetaType::hasMultimethodType(const ZSelector& name, const ZSelector& qualifier) const {
+    return methodTypeBySelector(name, qualifier) != nullptr;
+}
+ZMethod* ZMetaType::findMultimethodType(int* distance, const ZSelector& name, const ZArrayT<ZMetaType*>& types,
+                                        bool implicit, bool skipResult, bool exact, const ZSelector& qualifier) const {
+    toolkit::EpochGuard guard;
+    const MethodHit hit = pickOverload(this, methodTable(this), name, types.data(), int(types.count()),
+                                       lookFlags(implicit, skipResult, exact), qualifier, false);
+    if (distance) *distance = hit.distance;
+    return hit.method;
+}
+
+// Lookups in this type and what it inherits from
+
+bool ZMetaType::implementMethod(const ZSelector& selector, const ZSelector& qualifier) const {
+    toolkit::EpochGuard guard;
+    const ZMethod* method = lookUpMethod(this, selector, qualifier, false).method;
+    return method && (method->hasFunc() || method->hasStacked());
+}
+bool ZMetaType::implementMethod(const ZMethod* method) const {
+    return method && implementMethod(method->getSelector(), method->getQualifier());
+}
+bool ZMetaType::implementMethod(const ZSelector& selector) const { return implementMethod(selector, {}); }
+
+ZMethod* ZMetaType::methodType(ZTypedPtr* typed, const ZSelector& selector, const ZSelector& qualifier) const {
+    toolkit::EpochGuard guard;
+    return aim(typed, lookUpMethod(this, selector, qualifier, false));
+}
+ZMethod* ZMetaType::methodType(const ZSelector& selector, const ZSelector& qualifier) const {
+    toolkit::EpochGuard guard;
+    return lookUpMethod(this, selector, qualifier, false).method;
+}
+ZMethod* ZMetaType::methodType(const ZSelector& selector) const { return methodType(selector, {}); }
+ZMethod* ZMetaType::methodType(int* offset, const ZSelector& selector, const ZSelector& qualifier) const {
+    toolkit::EpochGuard guard;
+    return aim(offset, lookUpMethod(this, selector, qualifier, false));
+}
+ZMethod* ZMetaType::baseMethodType(ZTypedPtr* typed, const ZSelector& selector, const ZSelector& qualifier) const {
+    toolkit::EpochGuard guard;
+    return aim(typed, lookUpMethod(this, selector, qualifier, true));
+}
+ZMethod* ZMetaType::baseMethodType(int* offset, const ZSelector& selector, const ZSelector& qualifier) const {
+    toolkit::EpochGuard guard;
+    return aim(offset, lookUpMethod(this, selector, qualifier, true));
+}
+ZMethod* ZMetaType::multimethodType(int* distance, ZTypedPtr* typed, const ZSelector& name,
+                                    const ZArrayT<ZMetaType*>& types, bool implicit, bool skipResult, bool exact,
+                                    const ZSelector& qualifier) const {
+    toolkit::EpochGuard guard;
+    const MethodHit hit = lookUpOverload(this, name, types.data(), int(types.count()),
+                                         lookFlags(implicit, skipResult, exact), qualifier, false);
+    if (distance) *distance = hit.distance;
+    return aim(typed, hit);
+}
+ZMethod* ZMetaType::multimethodType(const ZSelector& name, const ZArrayT<ZMetaType*>& types) const {
+    return multimethodType(nullptr, nullptr, name, types, false, true, false, {});
+}
+ZMethod* ZMetaType::baseMultimethodType(int* distance, ZTypedPtr* typed, const ZSelector& name,
+                                        const ZArrayT<ZMetaType*>& types, bool implicit, bool skipResult, bool exact,
+                                        const ZSelector& qualifier) const {
+    toolkit::EpochGuard guard;
+    const MethodHit hit = lookUpOverload(this, name, types.data(), int(types.count()),
+                                         lookFlags(implicit, skipResult, exact), qualifier, true);
+    if (distance) *distance = hit.distance;
+    return aim(typed, hit);
+}
+
+// Distances of lists
+
+int ZMetaType::distance(const ZArrayT<ZMetaType*>& arguments, const ZArrayT<ZMetaType*>& parameters, bool skipResult,
+                        bool exactCount, bool implicit) {
+    const int given = int(arguments.count()), wanted = int(parameters.count());
+    int worst = 0;
+    for (int i = skipResult ? 1 : 0; i < given && i < wanted; ++i) {
+        const int single = typeDistance(arguments[uint(i)], parameters[uint(i)], implicit);
+        if (single < 0) return -1;
+        if (single > worst) worst = single;
+    }
+    return exactCount && given != wanted ? -1 : countDistance(worst, given > wanted ? given - wanted : wanted - given);
+}
+
+// Names
+
+bool ZMetaType::collectSelectors(ZSelectorMap& selectors) const {
+    toolkit::EpochGuard guard;
+    auto take = [&](ZMethod* m) { return selectors.set(m->getSelector(), m->getQualifier()); };
+    return collect(getUserMethods(), take) && collect(getMethodTypes(), take);
+}
+
+// Inline methods
+
+void ZMetaType::linkInlineMethodType(ZInlineMethod* record) {
+    if (record) InlineLinks::link(own->methods, record);
+}
+void ZMetaType::unlinkInlineMethodType(ZInlineMethod* record) {
+    if (record) InlineLinks::unlink(own->methods, record);
+}
+void ZMetaType::resetInlineMethodTypes() { InlineLinks::reset(own->methods, nullptr); }
+void ZMetaType::resetInlineMethodTypes(const ZSelector& name) { InlineLinks::reset(own->methods, &name); }

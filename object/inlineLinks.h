@@ -1,0 +1,26 @@
+#pragma once
+
+#include "object/ZInlineMethod.h"
+#include "object/methodTables.h"
+
+namespace orv {
+
+/// The list of a type's inline methods.
+struct InlineLinks {
+    static void link(MethodTables& tables, const ZInlineMethod* record);
+    static void unlink(MethodTables& tables, const ZInlineMethod* record);
+    /// Those of a signature or name; all for null.
+    static void reset(MethodTables& tables, const ZSelector* name);
+    /// The type ends: all are reset and leave the list.
+    static void drop(MethodTables& tables);
+
+    // The list of multi-method records of the process
+
+    static void list(const ZInlineMethod* record);
+    static void unlist(const ZInlineMethod* record);
+    static ZInlineMethod* nextListed(const ZInlineMethod* record) { return record->nextMulti; }
+    static const ZArrayT<ZMetaType*>& types(const ZInlineMethod* record) { return record->paramTypes; }
+    static void forgetTypes(ZInlineMethod* record);
+};
+
+} // namespace orv
