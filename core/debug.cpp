@@ -32,6 +32,8 @@ Sink currentSink() {
 
 void zsetdebugsink(void (*sink)(const char* line)) { toolkit::storeRelease(debugSink, sink); }
 
+bool zdebugasked() { return currentSink() != nullptr; }
+
 void zdebug(const char* format, ...) {
     Sink sink = currentSink();
     if (!sink) return;

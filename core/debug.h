@@ -5,6 +5,8 @@
 /// Writes a line to the debug log: nowhere in a release configuration without a sink. Arguments are those of
 /// text/format.h; a line is cut at 1023 bytes, and a line break at its end is left out.
 ORV_API void zdebug(const char* format, ...) ORV_PRINTF(1, 2);
+/// Whether lines go anywhere, so that one that takes work is worth its making.
+ORV_API bool zdebugasked();
 /// Replaces the sink of the debug log in any configuration; null goes back to the default (standard error in a
 /// development configuration, nothing in a release). The sink must be safe to call from any thread.
 ORV_API void zsetdebugsink(void (*sink)(const char* line));

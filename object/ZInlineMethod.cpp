@@ -266,7 +266,7 @@ ZMetaType* ZInlineMethod::getParamType(int index) const {
 void ZInlineMethod::link() const {
     ZMetaType* type = toolkit::loadAcquire(ownerType);
     if (isMulti) orv::InlineLinks::list(this);
-    if (!type || linkedTo == type) return;
+    if (!type) return;
     {
         ZScopedLock held(guard);
         if (linkedTo) return;
@@ -340,6 +340,7 @@ void ZInlineMethod::clearMultiMethods(const ZPackage* package) {
 ZInlineMethod::Stack::Stack(ZInlineMethod& record)
     : kept(record), below(innermost), target(nullptr), types(record.paramTypes), owner(record.ownerType),
       object(record.ownerObject) {
+    ZMetaType::useTypes(types);
     toolkit::EpochGuard guard;
     target = ZMethod::retain(record.resolve().method);
     innermost = this;
@@ -347,11 +348,15 @@ ZInlineMethod::Stack::Stack(ZInlineMethod& record)
 ZInlineMethod::Stack::~Stack() {
     innermost = below;
     ZMethod::release(target);
-    if (kept.ownerType == owner && kept.ownerObject == object && kept.paramTypes == types) return;
-    kept.unlink();
-    kept.paramTypes = types;
-    kept.ownerType = owner;
-    kept.ownerObject = object;
-    kept.link();
+    if (kept.ownerType != owner || kept.ownerObject != object || !(kept.paramTypes == types)) {
+        kept.unlink();
+        ZMetaType::useTypes(types);
+        ZMetaType::unuseTypes(kept.paramTypes);
+        kept.paramTypes = types;
+        kept.ownerType = owner;
+        kept.ownerObject = object;
+        kept.link();
+    }
+    ZMetaType::unuseTypes(types);
 }
 ZInlineMethod::Stack* ZInlineMethod::stack() { return innermost; }

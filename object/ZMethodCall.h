@@ -1,8 +1,7 @@
 #pragma once
 
-#include "core/ZSelector.h"
 #include "object/ZMethod.h"
-#include "value/forward.h"
+#include "value/ZVariant.h"
 
 /// A prepared call: a method, an instance, and the block of arguments that its stacked entry reads. It lives on the
 /// stack of who calls; a method with the usual few parameters needs no allocation. Places count from 0, the result;
@@ -11,7 +10,8 @@
 /// An argument is converted to the type of its parameter. If that isn't possible the call is refused: it runs nothing
 /// and answers nothing. Parameters that nobody gave are constructed. The result is destroyed only if the entry ran.
 ///
-/// It borrows the method, and the variants that are added, until it is cleared; the caller sees to it that they last.
+/// It borrows the method, its parameters and the variants that are added: it lives within an open `toolkit::EpochGuard`
+/// of the thread, or shorter than the tables that the method stands in, and the variants live longer than it.
 class ORV_API ZMethodCall {
 public:
     /// What is known of one parameter.
@@ -24,11 +24,9 @@ public:
         Given = 1,    ///< in the block
         Made = 2,     ///< a value that the call constructed and destructs
         Created = 4,  ///< an instance that the call created and releases
-        Refused = 8,  ///< couldn't be converted
-        Borrowed = 16 ///< the caller's
     };
 
-    ZMethodCall() = default;
+    ZMethodCall();
     /// Raises a failure when there is no memory.
     ZMethodCall(const void* instance, const ZMethod* method, const ZMetaType* type = nullptr,
                 bool isConstructor = false);
@@ -37,8 +35,7 @@ public:
     ZMethodCall& operator=(const ZMethodCall&) = delete;
 
     /// Drops what there was and begins a call; false, with a failure raised, when there is no memory.
-    bool setup(const void* instance, const ZMethod* method, const ZMetaType* type = nullptr,
-               bool isConstructor = false);
+    bool setup(const void* instance, const ZMethod* method, const ZMetaType* type = nullptr, bool isConstructor = false);
     /// Aims the arguments as they are at another method, whose parameters agree with them.
     void setcall(const void* instance, const ZMethod* method);
     void clear();
@@ -79,12 +76,14 @@ public:
         else
             return setParam(index, static_cast<const void*>(&value));
     }
+    /// The result as a value, which is the call's no more; the null variant if the entry didn't run.
+    ZVariant takeResult();
     /// Constructs a value for the parameter; for a pointer, creates an instance.
     bool initParam(int index);
     /// For all that nobody gave.
     bool initParams();
     void resetParam(int index);
-    /// Copies of all arguments.
+    /// Copies of all arguments; what went to an open argument as that array.
     ZArrayT<ZVariant> argArray() const;
     void setIndex(int next) { index = next; }
 
@@ -112,15 +111,24 @@ public:
 private:
     static constexpr int room = 8;
     static constexpr int blockRoom = 8 + room * 8;
-    static constexpr int scratchRoom = 128;
+    static constexpr int scratchRoom = 96;
 
-    const orv::MethodParams* known() const { return params; }
-    bool place(int at, const void* bytes, int size);
-    bool placeValue(int at, const ZVariant& value);
+    bool put(int at, const void* value);
+    bool putPointer(int at, const void* pointer);
+    bool putValue(int at, const ZVariant& value);
+    bool putNumber(int at, const ZVariant& value);
+    bool putText(int at, const ZVariant& value);
+    bool putMade(int at, const ZVariant& value, bool convert);
+    bool hold(const ZVariant& value);
+    const void* directly(int at, const ZVariant& value) const;
+    bool take(const ZVariant& value);
+    bool refuse(int at, const ZMetaType* given);
     void* scratch(size_t size);
+    bool packArguments();
     bool prepareResult();
+    void callEntry();
     void dropResult();
-    void refuse(int at);
+    void* resultAddress() const;
 
     const void* instance = nullptr;
     ZMethod* method = nullptr;
@@ -129,13 +137,17 @@ private:
     const orv::MethodParams* params = nullptr;
     Argument* arguments = nullptr;
     char* block = nullptr;
+    void* result = nullptr;   ///< raw memory for it, the value once the entry ran
+    void* overflow = nullptr; ///< a chain of blocks for what doesn't fit below
     int count = 0;
     int index = 1;
-    bool stackCall = false, collectArgs = false, freeParam = true, freeReturn = true, freePointer = true;
-    bool constructs = false, refused = false, ran = false, heap = false;
+    int open = -1; ///< the place that takes what is left over
     int scratchUsed = 0;
-    void* overflow = nullptr; ///< a chain of blocks for what doesn't fit
+    bool freeParam = true, freeReturn = true, freePointer = true;
+    bool collects = false, constructs = false, refused = false, ran = false, stackCall = false;
     const void* words[2] = {};
+    ZArrayT<ZVariant> rest; ///< what goes to the open argument, or all arguments as one array
+    ZArrayT<ZVariant> kept; ///< values whose addresses stand in the block
     Argument ownArguments[room + 1];
     alignas(16) char ownBlock[blockRoom];
     alignas(16) char ownScratch[scratchRoom];
