@@ -1,6 +1,5 @@
 #include "object/ZInlineMethod.h"
 
-#include "module/ZPackage.h"
 #include "object/ZMetaTypeData.h"
 #include "object/ZObject.h"
 #include "object/inlineLinks.h"

@@ -3,6 +3,7 @@
 #include "object/ZMethod.h"
 #include "object/inlineLinks.h"
 #include "object/methodLookup.h"
+#include "object/names.h"
 #include "value/ZTypedPtr.h"
 
 // The methods of a metatype: its tables, and what is asked of them.
@@ -121,7 +122,7 @@ constexpr OperationText operationTexts[] = {
 };
 static_assert(sizeof operationTexts / sizeof *operationTexts == size_t(TypeOperation::Count));
 
-ZMethod* operation(const ZMetaType* type, TypeOperation which) {
+ZMethod* findOperation(const ZMetaType* type, TypeOperation which) {
     MethodTables& tables = const_cast<ZMetaType*>(type)->record().methods;
     const OperationText& text = operationTexts[int(which)];
     const uint bit = 1u << int(which);
@@ -137,9 +138,7 @@ ZMethod* operation(const ZMetaType* type, TypeOperation which) {
         }
     }
     toolkit::EpochGuard guard;
-    static constinit const char words[] = "const";
-    const ZSelector qualifier = text.isConst ? ZSelector(words) : ZSelector();
-    return lookUpMethod(type, tables.operations[int(which)], qualifier, false).method;
+    return lookUpMethod(type, tables.operations[int(which)], text.isConst ? zsel<"const">() : ZSelector(), false).method;
 }
 
 } // namespace
@@ -183,11 +182,11 @@ bool ZMetaType::createMethods() {
     if (tables.published.load()) return true;
     // Asked by its own builder: there is nothing yet.
     if (tables.building) return false;
-    tables.building = zmake<MethodTable>();
+    tables.building = zmake<orv::MethodTable>();
     if (!tables.building) return false;
     auto build = reinterpret_cast<bool (*)(ZMetaType*)>(getCallback(CreateMethods));
     const bool built = !build || build(this);
-    MethodTable* fresh = std::exchange(tables.building, nullptr);
+    orv::MethodTable* fresh = std::exchange(tables.building, nullptr);
     if (!built) {
         zrelease(fresh);
         return false;
@@ -201,20 +200,20 @@ bool ZMetaType::appendMethod(ZMethod* method) {
     {
         ZScopedLock held(own->change);
         // Only its builder finds a table under construction: it has the lock.
-        if (MethodTable* building = own->methods.building) {
+        if (orv::MethodTable* building = own->methods.building) {
             adopt(this, method);
             method->setDeclared(true);
             return addEntry(building->declared, method);
         }
     }
-    return edit(this, [&](MethodTable& table) {
+    return edit(this, [&](orv::MethodTable& table) {
         if (!addEntry(table.declared, method)) return false;
         adopt(this, method);
         return true;
     });
 }
 void ZMetaType::resetMethodTypes() {
-    MethodTable* old;
+    orv::MethodTable* old;
     {
         ZScopedLock held(own->change);
         old = own->methods.published.publish(nullptr);
@@ -228,7 +227,7 @@ void ZMetaType::resetMethodTypes() {
 
 uint ZMetaType::methodTypeCount() const {
     toolkit::EpochGuard guard;
-    const MethodTable* table = methodTable(this);
+    const orv::MethodTable* table = methodTable(this);
     return table ? table->declared.count() : 0;
 }
 const ZMetaType::MethodTable& ZMetaType::getMethodTypes() const {
@@ -392,17 +391,17 @@ void ZMetaType::resetFixedMethods() { typesChanged(); }
 
 // What the metatype asks its own type for
 
-ZMethod* ZMetaType::getCompareMethod() const { return operation(this, TypeOperation::Compare); }
-ZMethod* ZMetaType::getInternalMethod() const { return operation(this, TypeOperation::Internal); }
-ZMethod* ZMetaType::getHashMethod() const { return operation(this, TypeOperation::Hash); }
-ZMethod* ZMetaType::getBlendMethod() const { return operation(this, TypeOperation::Blend); }
-ZMethod* ZMetaType::getBlendLocalMethod() const { return operation(this, TypeOperation::BlendLocal); }
-ZMethod* ZMetaType::getSetIdentityMethod() const { return operation(this, TypeOperation::SetIdentity); }
-ZMethod* ZMetaType::getSetLocalIdentityMethod() const { return operation(this, TypeOperation::SetLocalIdentity); }
-ZMethod* ZMetaType::getMarkCSPMethod() const { return operation(this, TypeOperation::MarkCSP); }
-ZMethod* ZMetaType::getMarkLocalCSPMethod() const { return operation(this, TypeOperation::MarkLocalCSP); }
-ZMethod* ZMetaType::getUpdateCSPMethod() const { return operation(this, TypeOperation::UpdateCSP); }
-ZMethod* ZMetaType::getUpdateLocalCSPMethod() const { return operation(this, TypeOperation::UpdateLocalCSP); }
+ZMethod* ZMetaType::getCompareMethod() const { return findOperation(this, TypeOperation::Compare); }
+ZMethod* ZMetaType::getInternalMethod() const { return findOperation(this, TypeOperation::Internal); }
+ZMethod* ZMetaType::getHashMethod() const { return findOperation(this, TypeOperation::Hash); }
+ZMethod* ZMetaType::getBlendMethod() const { return findOperation(this, TypeOperation::Blend); }
+ZMethod* ZMetaType::getBlendLocalMethod() const { return findOperation(this, TypeOperation::BlendLocal); }
+ZMethod* ZMetaType::getSetIdentityMethod() const { return findOperation(this, TypeOperation::SetIdentity); }
+ZMethod* ZMetaType::getSetLocalIdentityMethod() const { return findOperation(this, TypeOperation::SetLocalIdentity); }
+ZMethod* ZMetaType::getMarkCSPMethod() const { return findOperation(this, TypeOperation::MarkCSP); }
+ZMethod* ZMetaType::getMarkLocalCSPMethod() const { return findOperation(this, TypeOperation::MarkLocalCSP); }
+ZMethod* ZMetaType::getUpdateCSPMethod() const { return findOperation(this, TypeOperation::UpdateCSP); }
+ZMethod* ZMetaType::getUpdateLocalCSPMethod() const { return findOperation(this, TypeOperation::UpdateLocalCSP); }
 
 // Lookups in this type alone
 
@@ -486,22 +485,13 @@ ZMethod* ZMetaType::baseMultimethodType(int* distance, ZTypedPtr* typed, const Z
     return aim(typed, hit);
 }
 
-// Distances of lists
+// Names and kin
 
-int ZMetaType::distance(const ZArrayT<ZMetaType*>& arguments, const ZArrayT<ZMetaType*>& parameters, bool skipResult,
-                        bool exactCount, bool implicit) {
-    const int given = int(arguments.count()), wanted = int(parameters.count());
-    int worst = 0;
-    for (int i = skipResult ? 1 : 0; i < given && i < wanted; ++i) {
-        const int single = typeDistance(arguments[uint(i)], parameters[uint(i)], implicit);
-        if (single < 0) return -1;
-        if (single > worst) worst = single;
-    }
-    return exactCount && given != wanted ? -1 : countDistance(worst, given > wanted ? given - wanted : wanted - given);
+void ZMetaType::initTemplateType(const ZSelector& name) {
+    ZMetaType* made = name.type() == ZSelector::Template ? findType(name.methodName()) : nullptr;
+    ZScopedLock held(own->change);
+    own->templateType = made == this ? nullptr : made;
 }
-
-// Names
-
 bool ZMetaType::collectSelectors(ZSelectorMap& selectors) const {
     toolkit::EpochGuard guard;
     auto take = [&](ZMethod* m) { return selectors.set(m->getSelector(), m->getQualifier()); };

@@ -2,7 +2,7 @@
 
 #include "core/SlotPool.h"
 #include "object/methodParams.h"
-#include "object/optionWords.h"
+#include "object/methodWords.h"
 #include "text/ZString.h"
 #include "value/ZVariant.h"
 
@@ -162,6 +162,18 @@ bool ZMethod::setData(const ZVariant& value) {
     return false;
 }
 
+bool ZMethod::set(const ZSelector& key, const ZVariant& value) {
+    if (!extras()) return false;
+    if (extra->data.isNull()) {
+        ZVariant map(ztype<ZVSelectMap>());
+        if (!map.resetValue()) return false;
+        extra->data = std::move(map);
+    }
+    return extra->data.setItem(key, value);
+}
+ZVariant ZMethod::item(const ZSelector& key) const { return extra ? extra->data.itemByKey(key) : ZVariant(); }
+bool ZMethod::remove(const ZSelector& key) { return extra && extra->data.removeItem(key); }
+
 // Parameters
 
 void ZMethod::dropParams() {
@@ -270,14 +282,15 @@ void ZMethod::fetchBindingOptions(const ZMethod* destination, bool& needsCall, b
 
 // Option words
 
-uint ZMethod::scanFlags(const ZSelector& words) { return orv::optionFlags(orv::methodWords, words.string()); }
-
+uint ZMethod::scanFlags(const ZSelector& words) {
+    return words.isEmpty() ? 0 : orv::methodWordSum(words.string()).flags;
+}
 ZSelector ZMethod::extractOptions(const ZSelector& words) {
-    ZSelector rest;
-    for (orv::OptionWalk walk(words.string()); walk.next();) {
-        int ignored;
-        if (orv::findOption(orv::methodWords, walk) || walk.number("sb", ignored)) continue;
-        rest = rest.add(ZSelector(walk.word, int(walk.length)));
-    }
-    return rest;
+    ZSelector kept;
+    if (words.isEmpty()) return kept;
+    std::string_view rest = words.string();
+    for (std::string_view word; !(word = orv::propertyNextWord(rest)).empty();)
+        if (!orv::isMethodWord(word) && orv::propertyWordNumber(word, "sb") < 0)
+            kept = kept.add(ZSelector(word.data(), int(word.size())));
+    return kept;
 }

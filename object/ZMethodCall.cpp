@@ -4,7 +4,7 @@
 #include "object/ZMetaType.h"
 #include "object/ZType.h"
 #include "object/methodParams.h"
-#include "object/methodWords.h"
+#include "object/methodArguments.h"
 #include "object/methodLookup.h"
 #include "object/names.h"
 #include "text/ZString.h"

@@ -61,12 +61,13 @@ public:
     static int order(const ZMethodDispatch& a, const ZMethodDispatch& b) { return a.signal.compare(b.signal); }
 
 private:
+    void keep(ZMethodRef found, ZArrayT<ZMetaType*> types, ularge generation) const;
+    bool known(const void* instance, const ZMetaType* type, const ZArrayT<ZMetaType*>& types, ZMethodRef& found) const;
+
     ZSelector signal, name, words;
-    mutable ZSpinLock guard;
-    /// What follows is written under the guard.
+    mutable ZSpinLock guard; ///< of what follows
     mutable ZMethodRef cache;
     mutable ZArrayT<ZMetaType*> cacheTypes;
     mutable ularge cacheGeneration = 0;
-    mutable bool cacheValid = false;
-    bool bound = false;
+    bool bound = false; ///< to `cache`, for good
 };

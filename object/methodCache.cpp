@@ -40,7 +40,7 @@ template <class C, class K> void put(C* cache, const K& key, const MethodHit& hi
     toolkit::storeRelease(entry.hash, hash);
 }
 template <class C> C* makeCache(uint room, ularge generation) {
-    using Entry = std::remove_reference_t<decltype(*static_cast<C*>(nullptr)->entries())>;
+    using Entry = typename C::Entry;
     void* memory = __zalloc(sizeof(C) + room * sizeof(Entry));
     if (!memory) return nullptr;
     C* cache = ::new (memory) C();

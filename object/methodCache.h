@@ -15,7 +15,6 @@ struct MethodKey {
 
     bool operator==(const MethodKey&) const = default;
     uint hash() const { return (selector * 0x9E3779B1u ^ qualifier * 0x85EBCA6Bu ^ base * 0xC2B2AE35u) | 1; }
-    static constexpr uint typeRoom = 0;
 };
 
 /// What is asked by name and argument types.
@@ -58,6 +57,8 @@ template <class K> struct CacheEntry {
 };
 
 template <class K> struct FlatCache : toolkit::EpochLink {
+    using Entry = CacheEntry<K>;
+
     ularge generation = 0;
     uint mask = 0;
     uint count = 0;

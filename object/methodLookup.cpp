@@ -2,6 +2,7 @@
 
 #include "object/ZMetaTypeData.h"
 #include "object/ZMethod.h"
+#include "object/names.h"
 
 namespace orv {
 namespace {
@@ -102,15 +103,21 @@ template <class F> void eachNamed(const MethodTree& tree, const ZSelector& key, 
 int typeDistance(const ZMetaType* argument, const ZMetaType* parameter, bool implicit) {
     if (!parameter) return -1;
     if (argument == parameter) return 0;
-    if (argument) {
-        const int found = argument->distance(parameter, implicit);
-        if (found >= 0) return found;
-    } else {
-        if (parameter->kind() == ZMetaType::Void) return 0;
-        if (parameter->primitive()) return 2;
+    if (!argument) {
+        const int found = parameter->distance(nullptr, implicit);
+        if (found >= 0 || !implicit) return found;
+        if (parameter->getPtrCount() > 0) return distanceImplicit;
+        return parameter->isVariant() ? distanceVariant : -1;
     }
-    if (parameter->getPtrCount() > 0) return !argument && implicit ? distanceImplicit : -1;
-    return parameter->getDataType()->isVariant() ? distanceVariant : -1;
+    const int found = argument->distance(parameter, implicit);
+    if (found >= 0 || !implicit) return found;
+    // What a call passes by its address, or as a text.
+    const int had = argument->getPtrCount(), wanted = parameter->getPtrCount();
+    if (had > 1 || wanted > 1 || had == wanted) return -1;
+    const ZMetaType *from = argument->getDataType(), *to = parameter->getDataType();
+    if (wanted && to->kind() == ZMetaType::Char && parameter->getQualifier().contains(zsel<"const">()))
+        return from->kind() == ZMetaType::String || from->kind() == ZMetaType::Selector ? distanceImplicit : -1;
+    return from->distance(to, false) >= 0 ? distanceImplicit : -1;
 }
 int countDistance(int distance, int off) {
     if (off <= 0) return distance;

@@ -33,6 +33,18 @@ ORV_API int countDistance(int distance, int off);
 ORV_API int matchArguments(const ZMethod* method, const MethodParams& params, const ZMetaType* const* types, int count,
                            byte flags);
 
+/// Calls the overload of `name` that fits the arguments best; what `ZType::invoke` does for an instance without methods
+/// of its own. Constructors and destructors aren't called. The null variant if there is none, or an argument can't be
+/// converted. No allocation, no lock and no shared word written on the way to a fast entry.
+ORV_API ZVariant invokeByType(const void* instance, const ZMetaType* type, const ZSelector& name, const ZVariant* args,
+                              int count);
+/// The same for a method that was found. Under a guard.
+ORV_API ZVariant callFound(const ZMethod* method, const void* instance, const ZMetaType* type, const ZVariant* args,
+                           int count);
+
+/// Tells the debug log, if anybody reads it, why a call found no method; see `explainLookup`.
+void logFailedCall(const ZMetaType* type, const ZSelector& selector, const ZVariant* args, int count);
+
 inline constexpr int distanceLimit = 1 << 24;   ///< sums stay below
 inline constexpr int distanceImplicit = 1 << 25;
 inline constexpr int distanceVariant = 1 << 26;

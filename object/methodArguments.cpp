@@ -1,4 +1,4 @@
-#include "object/methodWords.h"
+#include "object/methodArguments.h"
 
 #include "core/debug.h"
 #include "object/ZMethodCall.h"
@@ -69,15 +69,20 @@ bool argumentWord(const MethodParam& param, const ZVariant& value, const void*& 
     return false;
 }
 
+namespace {
+/// Back to the type that the entry was given with.
+template <class To> To entryAs(ZMethod::Func entry) { return reinterpret_cast<To>(reinterpret_cast<void (*)()>(entry)); }
+} // namespace
+
 void* callWords(const ZMethod* method, const void* instance, const void* const* words) {
     auto record = const_cast<ZMethod*>(method);
     const ZMethod::Func entry = method->getFunc();
     switch (method->fastWords()) {
     case 0: return entry(instance, record);
-    case 1: return reinterpret_cast<MethodWords1>(entry)(instance, record, words[0]);
-    case 2: return reinterpret_cast<MethodWords2>(entry)(instance, record, words[0], words[1]);
-    case 3: return reinterpret_cast<MethodWords3>(entry)(instance, record, words[0], words[1], words[2]);
-    case 4: return reinterpret_cast<MethodWords4>(entry)(instance, record, words[0], words[1], words[2], words[3]);
+    case 1: return entryAs<MethodWords1>(entry)(instance, record, words[0]);
+    case 2: return entryAs<MethodWords2>(entry)(instance, record, words[0], words[1]);
+    case 3: return entryAs<MethodWords3>(entry)(instance, record, words[0], words[1], words[2]);
+    case 4: return entryAs<MethodWords4>(entry)(instance, record, words[0], words[1], words[2], words[3]);
     default: return nullptr;
     }
 }

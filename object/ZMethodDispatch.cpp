@@ -1,0 +1,115 @@
+#include "object/ZMethodDispatch.h"
+
+#include "core/SlotPool.h"
+#include "object/ZObject.h"
+#include "object/methodLookup.h"
+#include "value/ZTypedPtr.h"
+
+namespace {
+constinit orv::SlotPool<ZMethodDispatch> pool("ZMethodDispatch", 1024);
+} // namespace
+
+bool ZMethodDispatch::open() { return pool.open(); }
+void ZMethodDispatch::close() { pool.close(); }
+
+ZMethodDispatch::ZMethodDispatch(const ZSelector& dispatchName) : signal(dispatchName), name(dispatchName) {}
+ZMethodDispatch::ZMethodDispatch(const ZSelector& dispatchName, const ZSelector& methodName,
+                                 const ZSelector& qualifier)
+    : signal(dispatchName), name(methodName), words(qualifier) {}
+ZMethodDispatch::ZMethodDispatch(const ZSelector& dispatchName, const ZMethodRef& method)
+    : signal(dispatchName), name(method.selector()), cache(method), bound(true) {}
+ZMethodDispatch::ZMethodDispatch(ZObject* object, const ZSelector& dispatchName, const ZSelector& methodName,
+                                 const ZSelector& qualifier)
+    : signal(dispatchName), name(methodName), words(qualifier) {
+    getMethod(object);
+}
+ZMethodDispatch::ZMethodDispatch(const ZMethodDispatch& other)
+    : ZTreeItemT(other), signal(other.signal), name(other.name), words(other.words), bound(other.bound) {
+    if (bound) cache = other.reference();
+}
+
+ZMethodRef ZMethodDispatch::reference() const {
+    ZScopedLock held(guard);
+    return cache;
+}
+void ZMethodDispatch::reset() const {
+    if (bound) return;
+    keep({}, {}, 0);
+}
+
+/// Another answer; the old one goes when the guard is free.
+void ZMethodDispatch::keep(ZMethodRef found, ZArrayT<ZMetaType*> types, ularge generation) const {
+    ZScopedLock held(guard);
+    std::swap(cache, found);
+    std::swap(cacheTypes, types);
+    cacheGeneration = generation;
+}
+/// Whether the answer of the last lookup holds: for the same instance and type, and the same argument types.
+bool ZMethodDispatch::known(const void* instance, const ZMetaType* type, const ZArrayT<ZMetaType*>& types,
+                            ZMethodRef& found) const {
+    ZScopedLock held(guard);
+    if (!bound && (cacheGeneration != orv::typeGeneration() || cache.getInstance() != instance ||
+                   cache.getType() != type || !(cacheTypes == types)))
+        return false;
+    found = cache;
+    return true;
+}
+
+ZMethodRef ZMethodDispatch::getMethod(const ZMetaType* type) const {
+    ZMethodRef found;
+    if (!type || known(nullptr, type, {}, found)) return found;
+    const ularge generation = orv::typeGeneration();
+    found = ZMethodRef(type, name, words);
+    keep(found, {}, generation);
+    return found;
+}
+ZMethodRef ZMethodDispatch::getMethod(const ZMetaType* type, const ZArrayT<ZMetaType*>& types) const {
+    ZMethodRef found;
+    if (!type || known(nullptr, type, types, found)) return found;
+    toolkit::EpochGuard guard;
+    const ularge generation = orv::typeGeneration();
+    found.set(type->multimethodType(nullptr, nullptr, name, types, true, true, false, words), nullptr, type);
+    keep(found, types, generation);
+    return found;
+}
+ZMethodRef ZMethodDispatch::getMethod(const ZObject* object) const {
+    ZMethodRef found;
+    if (!object || known(object, object->type(), {}, found)) return found;
+    toolkit::EpochGuard guard;
+    const ularge generation = orv::typeGeneration();
+    ZTypedPtr typed(object);
+    found.set(object->method(&typed, name, words), object, object->type());
+    // What is called on another part of the object isn't kept: the next lookup asks for the object itself.
+    if (typed.instance != object)
+        found.set(found.getMethod(), typed.instance, typed.type);
+    else
+        keep(found, {}, generation);
+    return found;
+}
+ZMethodRef ZMethodDispatch::getMethod(const ZObject* object, const ZArrayT<ZMetaType*>& types) const {
+    ZMethodRef found;
+    if (!object || known(object, object->type(), types, found)) return found;
+    toolkit::EpochGuard guard;
+    const ularge generation = orv::typeGeneration();
+    ZTypedPtr typed(object);
+    found.set(object->multimethod(nullptr, &typed, name, types, true, true, false, words), object, object->type());
+    if (typed.instance != object)
+        found.set(found.getMethod(), typed.instance, typed.type);
+    else
+        keep(found, types, generation);
+    return found;
+}
+
+int ZMethodDispatch::compare(const ZMethodDispatch& other) const {
+    if (int found = signal.compare(other.signal)) return found;
+    if (int found = name.compare(other.name)) return found;
+    if (int found = words.compare(other.words)) return found;
+    if (bound != other.bound) return bound ? 1 : -1;
+    return bound ? reference().compare(other.reference()) : 0;
+}
+
+ZMethodDispatch* ZMethodDispatch::create(const ZMethodDispatch& source) { return pool.make(source); }
+ZMethodDispatch* ZMethodDispatch::retain(const ZMethodDispatch* node) {
+    return pool.retain(const_cast<ZMethodDispatch*>(node));
+}
+void ZMethodDispatch::release() { pool.releaseLater(this); }

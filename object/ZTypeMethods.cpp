@@ -1,0 +1,131 @@
+#include "object/ZMetaType.h"
+#include "object/ZMethodRef.h"
+#include "object/methodLookup.h"
+#include "value/ZTypedPtr.h"
+#include "value/ZVariant.h"
+
+// Methods of an instance: its type's. Objects, which have methods of their own and delegates, override the lookups.
+
+using namespace orv;
+
+// Queries
+
+bool ZType::hasLocalMethod(const ZSelector& selector, const ZSelector& qualifier) const {
+    return metaType && metaType->hasMethodType(selector, qualifier);
+}
+bool ZType::hasMethod(const ZSelector& selector, const ZSelector& qualifier) const {
+    return method(nullptr, selector, qualifier) != nullptr;
+}
+bool ZType::hasMultimethod(const ZSelector& name, const ZSelector& qualifier) const {
+    return metaType && metaType->methodType(name, qualifier);
+}
+ZMethod* ZType::fixedMethod(int index) const { return metaType ? metaType->getFixedMethod(index) : nullptr; }
+
+// Lookup
+
+bool ZType::definesName(const ZSelector& name) const {
+    return hasProperty(name) || (metaType && metaType->methodType(name, {}));
+}
+bool ZType::implements(const ZSelector& selector, const ZSelector& qualifier) const {
+    toolkit::EpochGuard guard;
+    const ZMethod* found = method(nullptr, selector, qualifier);
+    return found && (found->hasFunc() || found->hasStacked());
+}
+ZMethod* ZType::method(ZTypedPtr* typed, const ZSelector& selector, const ZSelector& qualifier) const {
+    return metaType ? metaType->methodType(typed, selector, qualifier) : nullptr;
+}
+ZMethod* ZType::method(const ZSelector& selector, const ZSelector& qualifier) const {
+    return method(nullptr, selector, qualifier);
+}
+ZMethod* ZType::baseMethod(ZTypedPtr* typed, const ZSelector& selector, const ZSelector& qualifier) const {
+    return metaType ? metaType->baseMethodType(typed, selector, qualifier) : nullptr;
+}
+ZMethod* ZType::multimethod(int* distance, ZTypedPtr* typed, const ZSelector& name, const ZArrayT<ZMetaType*>& types,
+                            bool implicit, bool skipResult, bool exact, const ZSelector& qualifier) const {
+    if (metaType)
+        return metaType->multimethodType(distance, typed, name, types, implicit, skipResult, exact, qualifier);
+    if (distance) *distance = -1;
+    return nullptr;
+}
+ZMethod* ZType::multimethod(const ZSelector& name, const ZArrayT<ZMetaType*>& types) const {
+    return multimethod(nullptr, nullptr, name, types, false, true, false, {});
+}
+ZMethod* ZType::baseMultimethod(int* distance, ZTypedPtr* typed, const ZSelector& name,
+                                const ZArrayT<ZMetaType*>& types, bool implicit, bool skipResult, bool exact,
+                                const ZSelector& qualifier) const {
+    if (metaType)
+        return metaType->baseMultimethodType(distance, typed, name, types, implicit, skipResult, exact, qualifier);
+    if (distance) *distance = -1;
+    return nullptr;
+}
+
+// Calling
+
+ZVariant ZType::invoke(const ZSelector& name, const ZArrayT<ZVariant>& arguments) const {
+    const int count = int(arguments.count());
+    if (!isObject()) return invokeByType(this, metaType, name, arguments.data(), count);
+    toolkit::EpochGuard guard;
+    ZArrayT<ZMetaType*> types;
+    if (!types.setCount(uint(count) + 1)) return {};
+    for (int i = 0; i < count; ++i) types.set(uint(i) + 1, arguments.data()[i].type());
+    ZTypedPtr typed(metaType, this);
+    const ZMethod* found = multimethod(nullptr, &typed, name, types, true, true, false, {});
+    if (!found) {
+        logFailedCall(metaType, name, arguments.data(), count);
+        return {};
+    }
+    return callFound(found, typed.instance, typed.type, arguments.data(), count);
+}
+bool ZType::callV(const ZSelector& name) const {
+    toolkit::EpochGuard guard;
+    ZTypedPtr typed(metaType, this);
+    const ZMetaType* types[] = {nullptr};
+    MethodHit hit;
+    if (isObject()) {
+        ZArrayT<ZMetaType*> none;
+        if (!none.append(nullptr)) return false;
+        hit.method = multimethod(nullptr, &typed, name, none, true, true, false, {});
+    } else if ((hit = lookUpOverload(metaType, name, types, 1, LookImplicit | LookSkipResult, {}, false)).method) {
+        typed.instance = static_cast<char*>(typed.instance) + hit.offset;
+        typed.type = hit.type;
+    }
+    if (!hit.method) return false;
+    callFound(hit.method, typed.instance, typed.type, nullptr, 0);
+    return true;
+}
+
+namespace orv {
+
+ZVariant callFound(const ZMethod* method, const void* instance, const ZMetaType* type, const ZVariant* args, int count) {
+    const MethodParams* params = method->params(type);
+    // On what lives already nothing is built or ended.
+    if (ORV_UNLIKELY(!params || params->constructor || params->destructor)) return {};
+    return method->invoke(instance, type, args, count);
+}
+
+ZVariant invokeByType(const void* instance, const ZMetaType* type, const ZSelector& name, const ZVariant* args,
+                      int count) {
+    constexpr int room = 16;
+    if (ORV_UNLIKELY(!type || count < 0)) return {};
+    toolkit::EpochGuard guard;
+    const ZMetaType* few[room];
+    const ZMetaType** types = few;
+    void* block = nullptr;
+    if (ORV_UNLIKELY(count >= room)) {
+        block = __zalloc((size_t(count) + 1) * sizeof *types);
+        if (!block) return {};
+        types = static_cast<const ZMetaType**>(block);
+    }
+    types[0] = nullptr;
+    for (int i = 0; i < count; ++i) types[i + 1] = args[i].type();
+    const MethodHit hit = lookUpOverload(type, name, types, count + 1, LookImplicit | LookSkipResult, {}, false);
+    zfree(block);
+    if (ORV_UNLIKELY(!hit.method)) {
+        logFailedCall(type, name, args, count);
+        return {};
+    }
+    const void* part = instance ? static_cast<const char*>(instance) + hit.offset : nullptr;
+    return callFound(hit.method, part, hit.type, args, count);
+}
+
+} // namespace orv

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "object/ZMethod.h"
+#include "object/methodParams.h"
+#include "value/ZVariant.h"
+
+/// Values on their way into and out of the entries of methods.
+namespace orv {
+
+/// Whether values of the kind are numbers, enums and bools included.
+inline bool isNumber(ZMetaType::Type kind) { return kind >= ZMetaType::Bool && kind <= ZMetaType::Real; }
+/// The number that a variant reads as, in the first bytes of `room`; of the null variant 0. False for what is no number.
+bool numberBytes(ZMetaType::Type kind, const ZVariant& value, char (&room)[8]);
+/// The word for a parameter where the variant serves as it is or is another number; false where something has to be
+/// made.
+bool argumentWord(const MethodParam& param, const ZVariant& value, const void*& word);
+/// Calls a fast entry with as many words as it takes.
+void* callWords(const ZMethod* method, const void* instance, const void* const* words);
+
+/// The variant of a result that the fast entry answered.
+ZVariant wrapWord(const MethodParam& param, void* word, bool owned);
+/// The variant of what a pointer or reference leads to: an instance is retained, or taken over if it is `owned`; a text
+/// becomes a string; another value is copied, or its block taken over. What can't be told is the null variant.
+ZVariant wrapAddress(const MethodParam& param, void* address, bool owned);
+/// A copy of a value.
+ZVariant copiedValue(const MethodParam& param, const void* value);
+/// Whether the memory for a result is a block that a variant can take over.
+inline bool resultOnBlock(const MethodParam& param) {
+    return param.passing == Passing::Value && !param.data->heldInline() && !param.data->isVariant();
+}
+
+} // namespace orv
