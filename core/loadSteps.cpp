@@ -5,6 +5,10 @@
 #include "core/ZLock.h"
 #include "core/ZPointerIndex.h"
 #include "core/ZUnique.h"
+#include "object/ZMethodDispatch.h"
+#include "object/ZMethodPtr.h"
+#include "object/ZMethodRef.h"
+#include "object/ZNamedMethod.h"
 #include "text/strtable.h"
 #include "toolkit/atomic.h"
 #include "toolkit/environment.h"
@@ -63,6 +67,10 @@ constexpr orv::LoadStep loadSteps[] = {
     {"splash open", When::Always, [](Run&) { ZCoreLib::openSplash(); }},
     {"internal strings", When::Always, [](Run&) { orv::strtable::open(); }},
     {"ZSelector::open", When::Always, [](Run&) { ZSelector::open(); }},
+    {"ZMethod::open", When::Always, [](Run&) { ZMethod::open(); }},
+    {"ZMethodPtr::open", When::Always, [](Run&) { ZMethodPtr::open(); }},
+    {"ZMethodDispatch::open", When::Always, [](Run&) { ZMethodDispatch::open(); }},
+    {"ZNamedMethod::open", When::Always, [](Run&) { ZNamedMethod::open(); }},
     {"ZPointerIndex::open", When::Always, [](Run&) { ZPointerIndex::open(); }},
     {"ZUnique::open", When::Always, [](Run&) { ZUnique::open(); }},
     {"ZLock::open", When::Locking, [](Run&) { ZLock::open(128); }},
@@ -77,7 +85,7 @@ constexpr orv::LoadStep loadSteps[] = {
     {"loaded mark", When::Always, [](Run&) { toolkit::store(orv::coreState.coreLoaded, true); }},
     {"splash launch", When::Always, [](Run&) { splash("Launching Application"); }},
 };
-constexpr int coreSteps = 10;
+constexpr int coreSteps = 14;
 
 constexpr orv::LoadStep unloadSteps[] = {
     {"first closing mark", When::Always, [](Run&) { toolkit::store(orv::coreState.notificationsClosed, true); }},
@@ -87,7 +95,13 @@ constexpr orv::LoadStep unloadSteps[] = {
     {"ZLock::close", When::Always, [](Run&) { ZLock::close(); }},
     {"ZUnique::close", When::Always, [](Run&) { ZUnique::close(); }},
     {"second closing mark", When::Always, [](Run&) { toolkit::store(orv::coreState.typesClosed, true); }},
+    {"retired objects", When::Always, [](Run&) { toolkit::epochDrain(); }},
     {"ZPointerIndex::close", When::Always, [](Run&) { ZPointerIndex::close(); }},
+    {"ZMethodRef::close", When::Always, [](Run&) { ZMethodRef::close(); }},
+    {"ZMethod::close", When::Always, [](Run&) { ZMethod::close(); }},
+    {"ZMethodPtr::close", When::Always, [](Run&) { ZMethodPtr::close(); }},
+    {"ZNamedMethod::close", When::Always, [](Run&) { ZNamedMethod::close(); }},
+    {"ZMethodDispatch::close", When::Always, [](Run&) { ZMethodDispatch::close(); }},
     {"ZSelector::close", When::Always, [](Run&) { ZSelector::close(); }},
     {"internal strings", When::Always, [](Run&) { orv::strtable::close(); }},
     {"collation", When::Always, [](Run&) { toolkit::closeText(); }},

@@ -3,8 +3,8 @@
 #include "core/ZSelector.h"
 #include "object/forward.h"
 
-/// A row of a type's table of methods that code calls by index: the names of the method. The record is found through the
-/// type's lookup cache.
+/// A row of a type's table of methods that code calls by index: the names of the method. The record is found through
+/// the type's lookup cache.
 class ZFixedMethod {
 public:
     using ZRelocatable = void;

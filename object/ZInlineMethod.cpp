@@ -91,6 +91,10 @@ void ZInlineMethod::setSelector(const ZSelector& wanted, const ZSelector& words)
 void ZInlineMethod::setSelector(const ZSelector& type, const ZSelector& wanted, const ZSelector& words) {
     setSelector({}, type, wanted, words);
 }
+void ZInlineMethod::forgetObject() {
+    reset();
+    ownerObject = nullptr;
+}
 void ZInlineMethod::setSelector(const ZSelector& module, const ZSelector& type, const ZSelector& wanted,
                                 const ZSelector& words) {
     unlink();
@@ -120,6 +124,7 @@ bool ZInlineMethod::setMethod(const ZObject* object, const ZSelector& wanted, co
     ownerObject = object;
     ownerType = object ? object->type() : nullptr;
     link();
+    if (object) const_cast<ZObject*>(object)->linkInlineMethod(this);
     toolkit::EpochGuard guard;
     return resolve().method != nullptr;
 }
@@ -190,8 +195,8 @@ MethodHit ZInlineMethod::find() const {
 }
 void ZInlineMethod::publish(const MethodHit& hit, ularge generation) const {
     // An object's own methods change without the types; entries that look at their record need a guard around the call.
-    const bool keep = hit.method && hit.method->isDeclared() && hit.method->hasFunc() &&
-                      hit.method->fastWords() == 0 && !ownerObject;
+    const bool keep =
+        hit.method && hit.method->isDeclared() && hit.method->hasFunc() && hit.method->fastWords() == 0 && !ownerObject;
     ZScopedLock held(guard);
     toolkit::storeRelease(stamp, 0);
     toolkit::storeRelease(func, keep ? hit.method->getFunc() : nullptr);
@@ -281,6 +286,7 @@ void ZInlineMethod::unlink() const {
         type = std::exchange(linkedTo, nullptr);
     }
     if (type) type->unlinkInlineMethodType(const_cast<ZInlineMethod*>(this));
+    if (ownerObject) const_cast<ZObject*>(ownerObject)->unlinkInlineMethod(const_cast<ZInlineMethod*>(this));
     orv::InlineLinks::unlist(this);
 }
 void ZInlineMethod::reset() const { toolkit::storeRelease(stamp, 0); }

@@ -90,6 +90,8 @@ public:
     void unlink() const;
     /// Forgets what was looked up.
     void reset() const;
+    /// For an object that ends, once the record has left its list.
+    void forgetObject();
     /// Forgets everything.
     void clear();
     void assign(const ZInlineMethod& other);
@@ -130,8 +132,8 @@ private:
     ZMetaType* findOwner() const;
     void* callSlow(const void* instance) const;
 
-    // The target, read without a lock: good as long as `stamp` is the generation of types, and the same before and after
-    // the others were read. Only entries that don't look at the record are kept here.
+    // The target, read without a lock: good as long as `stamp` is the generation of types, and the same before and
+    // after the others were read. Only entries that don't look at the record are kept here.
     mutable ularge stamp = 0;
     mutable ZMethod::Func func = nullptr;
     mutable ZMethod* method = nullptr;

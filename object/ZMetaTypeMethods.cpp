@@ -138,7 +138,8 @@ ZMethod* findOperation(const ZMetaType* type, TypeOperation which) {
         }
     }
     toolkit::EpochGuard guard;
-    return lookUpMethod(type, tables.operations[int(which)], text.isConst ? zsel<"const">() : ZSelector(), false).method;
+    return lookUpMethod(type, tables.operations[int(which)], text.isConst ? zsel<"const">() : ZSelector(), false)
+        .method;
 }
 
 } // namespace

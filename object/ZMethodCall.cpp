@@ -3,12 +3,12 @@
 #include "core/debug.h"
 #include "object/ZMetaType.h"
 #include "object/ZType.h"
-#include "object/methodParams.h"
 #include "object/methodArguments.h"
-#include "object/methodLookup.h"
+#include "object/methodParams.h"
 #include "object/names.h"
+#include "object/ztype.h"
 #include "text/ZString.h"
-#include "value/ZTypedPtr.h"
+#include "value/ZVArray.h"
 
 #include <cstring>
 #include <new>
@@ -156,7 +156,8 @@ const void* ZMethodCall::directly(int at, const ZVariant& value) const {
     if (!param.isConst && !sharesInstance(param.data) && !isPointer) return nullptr;
     if (!param.isConst && isPointer && held->getQualifier().contains("const")) return nullptr;
     if (actual == param.data) return address;
-    return sharesInstance(param.data) || param.isConst || isPointer ? orv::upcast(actual, param.data, address) : nullptr;
+    return sharesInstance(param.data) || param.isConst || isPointer ? orv::upcast(actual, param.data, address)
+                                                                    : nullptr;
 }
 
 /// A value of the call's own: constructed from another one, or with nothing to convert, new.
@@ -175,9 +176,9 @@ bool ZMethodCall::putMade(int at, const ZVariant& value, bool convert) {
     if (!place) return false;
     std::memset(place, 0, data->byteSize());
     ZFailGuard guard;
-    const bool made = data->isVariant() && convert
-                          ? ::new (place) ZVariant(value) != nullptr
-                          : convert ? data->constructFrom(place, value) : data->constructInstance(place);
+    const bool made = data->isVariant() && convert ? ::new (place) ZVariant(value) != nullptr
+                      : convert                    ? data->constructFrom(place, value)
+                                                   : data->constructInstance(place);
     if (!made || guard.rose()) {
         guard.forget();
         return false;
@@ -421,18 +422,12 @@ bool ZMethodCall::packArguments() {
     if (count != 2 || !(*params)[1].data) return false;
     const MethodParam& param = (*params)[1];
     if (param.data->getName() == zsel<"ZArrayT<ZVariant>">()) return putPointer(1, &rest);
-    void* array = param.data->createInstance();
-    if (!array) return false;
-    putPointer(1, array);
-    arguments[1].flags |= Created;
-    const ZTypedPtr typed(param.data, array);
-    for (const ZVariant& value : std::as_const(rest)) {
-        const ZMetaType* types[] = {nullptr, value.type()};
-        const orv::MethodHit append = orv::lookUpOverload(param.data, zsel<"append">(), types, 2,
-                                                          orv::LookSkipResult | orv::LookImplicit, {}, false);
-        if (!append.method) return false;
-        append.method->invoke(static_cast<char*>(typed.instance) + append.offset, param.data, &value, 1);
-    }
+    if (param.data != ztype<ZVArray>()) return false;
+    if (!putMade(1, {}, false)) return false;
+    auto array = static_cast<ZVArray*>(arguments[1].value);
+    array->setType(ztype<ZVariant>());
+    for (const ZVariant& value : std::as_const(rest))
+        if (!array->append(value)) return false;
     return true;
 }
 bool ZMethodCall::prepareResult() {

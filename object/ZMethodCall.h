@@ -21,9 +21,9 @@ public:
         ularge flags;
     };
     enum ArgumentFlags : ularge {
-        Given = 1,    ///< in the block
-        Made = 2,     ///< a value that the call constructed and destructs
-        Created = 4,  ///< an instance that the call created and releases
+        Given = 1,   ///< in the block
+        Made = 2,    ///< a value that the call constructed and destructs
+        Created = 4, ///< an instance that the call created and releases
     };
 
     ZMethodCall();
@@ -35,7 +35,8 @@ public:
     ZMethodCall& operator=(const ZMethodCall&) = delete;
 
     /// Drops what there was and begins a call; false, with a failure raised, when there is no memory.
-    bool setup(const void* instance, const ZMethod* method, const ZMetaType* type = nullptr, bool isConstructor = false);
+    bool setup(const void* instance, const ZMethod* method, const ZMetaType* type = nullptr,
+               bool isConstructor = false);
     /// Aims the arguments as they are at another method, whose parameters agree with them.
     void setcall(const void* instance, const ZMethod* method);
     void clear();

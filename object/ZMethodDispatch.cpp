@@ -13,8 +13,7 @@ bool ZMethodDispatch::open() { return pool.open(); }
 void ZMethodDispatch::close() { pool.close(); }
 
 ZMethodDispatch::ZMethodDispatch(const ZSelector& dispatchName) : signal(dispatchName), name(dispatchName) {}
-ZMethodDispatch::ZMethodDispatch(const ZSelector& dispatchName, const ZSelector& methodName,
-                                 const ZSelector& qualifier)
+ZMethodDispatch::ZMethodDispatch(const ZSelector& dispatchName, const ZSelector& methodName, const ZSelector& qualifier)
     : signal(dispatchName), name(methodName), words(qualifier) {}
 ZMethodDispatch::ZMethodDispatch(const ZSelector& dispatchName, const ZMethodRef& method)
     : signal(dispatchName), name(method.selector()), cache(method), bound(true) {}
@@ -100,6 +99,7 @@ ZMethodRef ZMethodDispatch::getMethod(const ZObject* object, const ZArrayT<ZMeta
     return found;
 }
 
+bool ZMethodDispatch::add(ZObject* object) const { return object && object->addDispatch(*this); }
 int ZMethodDispatch::compare(const ZMethodDispatch& other) const {
     if (int found = signal.compare(other.signal)) return found;
     if (int found = name.compare(other.name)) return found;

@@ -3,10 +3,12 @@
 #include "core/ZError.h"
 #include "object/ZMetaTypeData.h"
 #include "object/ZMethodCall.h"
+#include "object/ZObject.h"
 #include "object/methodArguments.h"
 #include "object/methodLookup.h"
 #include "object/ztype.h"
 #include "value/ZTypedPtr.h"
+#include "value/ZVArray.h"
 
 #include <cstring>
 
@@ -116,6 +118,11 @@ ZVariant ZMethodRef::invoke(const ZVariant* args, int count) const {
 }
 ZVariant ZMethodRef::invoke(const ZArrayT<ZVariant>& args) const { return invoke(args.data(), int(args.count())); }
 
+ZVariant ZMethodRef::invoke(const ZVArray& args) const {
+    const ZArrayT<ZVariant> list = orv::variantList(args);
+    return list.count() == args.count() ? invoke(list) : ZVariant();
+}
+
 // At objects
 
 bool ZMethodRef::detach() {
@@ -130,6 +137,23 @@ bool ZMethodRef::localize() {
     if (!detach()) return false;
     method->setBaseMethod(former.method);
     return true;
+}
+bool ZMethodRef::add(ZObject* object, bool replace) const {
+    const ZMetaType* other = object ? object->type() : nullptr;
+    if (!method || !type || !other || !(type->typeOf(other) || other->typeOf(type))) return false;
+    return object->setMethod(method, replace);
+}
+bool ZMethodRef::move(ZObject* object, bool replace) {
+    if (!add(object, replace)) return false;
+    toolkit::EpochGuard guard;
+    const ZMethod* own = object->methodBySelector(method->getSelector(), method->getQualifier());
+    set(own ? own : method, object, object->type());
+    return true;
+}
+bool ZMethodRef::remove() {
+    if (!method || !instance || !type || !type->isZObject()) return false;
+    auto object = static_cast<ZObject*>(static_cast<ZType*>(const_cast<void*>(instance)));
+    return object->removeMethod(method->getSelector(), method->getQualifier());
 }
 
 // The table of registered references

@@ -1,7 +1,9 @@
 #include "object/ZMetaType.h"
 #include "object/ZMethodRef.h"
+#include "object/methodArguments.h"
 #include "object/methodLookup.h"
 #include "value/ZTypedPtr.h"
+#include "value/ZVArray.h"
 #include "value/ZVariant.h"
 
 // Methods of an instance: its type's. Objects, which have methods of their own and delegates, override the lookups.
@@ -76,6 +78,10 @@ ZVariant ZType::invoke(const ZSelector& name, const ZArrayT<ZVariant>& arguments
     }
     return callFound(found, typed.instance, typed.type, arguments.data(), count);
 }
+ZVariant ZType::invoke(const ZSelector& name, const ZVArray& arguments) const {
+    const ZArrayT<ZVariant> list = variantList(arguments);
+    return list.count() == arguments.count() ? invoke(name, list) : ZVariant();
+}
 bool ZType::callV(const ZSelector& name) const {
     toolkit::EpochGuard guard;
     ZTypedPtr typed(metaType, this);
@@ -96,7 +102,8 @@ bool ZType::callV(const ZSelector& name) const {
 
 namespace orv {
 
-ZVariant callFound(const ZMethod* method, const void* instance, const ZMetaType* type, const ZVariant* args, int count) {
+ZVariant callFound(const ZMethod* method, const void* instance, const ZMetaType* type, const ZVariant* args,
+                   int count) {
     const MethodParams* params = method->params(type);
     // On what lives already nothing is built or ended.
     if (ORV_UNLIKELY(!params || params->constructor || params->destructor)) return {};

@@ -7,3 +7,4 @@ bool ZMetaType::bindInstance(ZObject*) { return false; }
 bool ZMetaType::bindInstance(ZObject*, const ZSelector&) { return false; }
 bool ZMetaType::unbindInstance(ZObject*) { return false; }
 bool ZMetaType::unbindInstance(ZObject*, const ZSelector&) { return false; }
+void ZMetaType::changeInstanceBindings(ZMethod*) {}

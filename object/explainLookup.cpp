@@ -51,8 +51,8 @@ struct Explanation {
     void candidate(const ZMetaType* type, const ZMethod* method) {
         if (++candidates > mostCandidates) return;
         const ZSelector owner = type->getName();
-        add("\n  candidate \"%s%s%s\" of %s", textOf(method->getSelector()), method->getQualifier().isEmpty() ? "" : " ",
-            textOf(method->getQualifier()), textOf(owner));
+        add("\n  candidate \"%s%s%s\" of %s", textOf(method->getSelector()),
+            method->getQualifier().isEmpty() ? "" : " ", textOf(method->getQualifier()), textOf(owner));
         if (!method->qualify(qualifier)) {
             add(": expected qualifier \"%s\", actual \"%s\"", textOf(qualifier), textOf(method->getQualifier()));
             return;

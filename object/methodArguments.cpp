@@ -3,6 +3,7 @@
 #include "core/debug.h"
 #include "object/ZMethodCall.h"
 #include "text/ZString.h"
+#include "value/ZVArray.h"
 
 #include <cstring>
 
@@ -21,25 +22,37 @@ template <class T> bool number(bool (ZVariant::*read)(T*) const, const ZVariant&
 bool numberBytes(ZMetaType::Type kind, const ZVariant& value, char (&room)[8]) {
     if (!value.type()) return value.isNull();
     switch (kind) {
-    case ZMetaType::Bool: return number(&ZVariant::toBool, value, room);
-    case ZMetaType::Char: return number(&ZVariant::toChar, value, room);
-    case ZMetaType::Byte: return number(&ZVariant::toByte, value, room);
-    case ZMetaType::Short: return number(&ZVariant::toShort, value, room);
-    case ZMetaType::Word: return number(&ZVariant::toWord, value, room);
-    case ZMetaType::UInt: return number(&ZVariant::toUInt, value, room);
-    case ZMetaType::Large: return number(&ZVariant::toLarge, value, room);
-    case ZMetaType::ULarge: return number(&ZVariant::toULarge, value, room);
-    case ZMetaType::Float: return number(&ZVariant::toFloat, value, room);
+    case ZMetaType::Bool:
+        return number(&ZVariant::toBool, value, room);
+    case ZMetaType::Char:
+        return number(&ZVariant::toChar, value, room);
+    case ZMetaType::Byte:
+        return number(&ZVariant::toByte, value, room);
+    case ZMetaType::Short:
+        return number(&ZVariant::toShort, value, room);
+    case ZMetaType::Word:
+        return number(&ZVariant::toWord, value, room);
+    case ZMetaType::UInt:
+        return number(&ZVariant::toUInt, value, room);
+    case ZMetaType::Large:
+        return number(&ZVariant::toLarge, value, room);
+    case ZMetaType::ULarge:
+        return number(&ZVariant::toULarge, value, room);
+    case ZMetaType::Float:
+        return number(&ZVariant::toFloat, value, room);
     case ZMetaType::Double:
-    case ZMetaType::Real: return number(&ZVariant::toDouble, value, room);
+    case ZMetaType::Real:
+        return number(&ZVariant::toDouble, value, room);
     case ZMetaType::Enum: {
         // Names of items are for the type to read.
         const int given = value.typeType();
         if (given == ZMetaType::Selector || given == ZMetaType::String) return false;
         return number(&ZVariant::toInt, value, room);
     }
-    case ZMetaType::Int: return number(&ZVariant::toInt, value, room);
-    default: return false;
+    case ZMetaType::Int:
+        return number(&ZVariant::toInt, value, room);
+    default:
+        return false;
     }
 }
 
@@ -71,19 +84,27 @@ bool argumentWord(const MethodParam& param, const ZVariant& value, const void*& 
 
 namespace {
 /// Back to the type that the entry was given with.
-template <class To> To entryAs(ZMethod::Func entry) { return reinterpret_cast<To>(reinterpret_cast<void (*)()>(entry)); }
+template <class To> To entryAs(ZMethod::Func entry) {
+    return reinterpret_cast<To>(reinterpret_cast<void (*)()>(entry));
+}
 } // namespace
 
 void* callWords(const ZMethod* method, const void* instance, const void* const* words) {
     auto record = const_cast<ZMethod*>(method);
     const ZMethod::Func entry = method->getFunc();
     switch (method->fastWords()) {
-    case 0: return entry(instance, record);
-    case 1: return entryAs<MethodWords1>(entry)(instance, record, words[0]);
-    case 2: return entryAs<MethodWords2>(entry)(instance, record, words[0], words[1]);
-    case 3: return entryAs<MethodWords3>(entry)(instance, record, words[0], words[1], words[2]);
-    case 4: return entryAs<MethodWords4>(entry)(instance, record, words[0], words[1], words[2], words[3]);
-    default: return nullptr;
+    case 0:
+        return entry(instance, record);
+    case 1:
+        return entryAs<MethodWords1>(entry)(instance, record, words[0]);
+    case 2:
+        return entryAs<MethodWords2>(entry)(instance, record, words[0], words[1]);
+    case 3:
+        return entryAs<MethodWords3>(entry)(instance, record, words[0], words[1], words[2]);
+    case 4:
+        return entryAs<MethodWords4>(entry)(instance, record, words[0], words[1], words[2], words[3]);
+    default:
+        return nullptr;
     }
 }
 
@@ -110,6 +131,14 @@ ZVariant wrapAddress(const MethodParam& param, void* address, bool owned) {
 ZVariant wrapWord(const MethodParam& param, void* word, bool owned) {
     if (!param.data) return {};
     return param.passing == Passing::Value ? ZVariant(param.data, &word) : wrapAddress(param, word, owned);
+}
+
+ZArrayT<ZVariant> variantList(const ZVArray& values) {
+    ZArrayT<ZVariant> list;
+    const uint count = values.count();
+    if (!list.reserve(count)) return list;
+    for (uint i = 0; i < count && list.append(values.variant(int(i))); ++i) {}
+    return list;
 }
 
 } // namespace orv

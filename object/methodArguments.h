@@ -9,7 +9,8 @@ namespace orv {
 
 /// Whether values of the kind are numbers, enums and bools included.
 inline bool isNumber(ZMetaType::Type kind) { return kind >= ZMetaType::Bool && kind <= ZMetaType::Real; }
-/// The number that a variant reads as, in the first bytes of `room`; of the null variant 0. False for what is no number.
+/// The number that a variant reads as, in the first bytes of `room`; of the null variant 0. False for what is no
+/// number.
 bool numberBytes(ZMetaType::Type kind, const ZVariant& value, char (&room)[8]);
 /// The word for a parameter where the variant serves as it is or is another number; false where something has to be
 /// made.
@@ -24,6 +25,8 @@ ZVariant wrapWord(const MethodParam& param, void* word, bool owned);
 ZVariant wrapAddress(const MethodParam& param, void* address, bool owned);
 /// A copy of a value.
 ZVariant copiedValue(const MethodParam& param, const void* value);
+/// The items of an array as variants; fewer when there is no memory.
+ZArrayT<ZVariant> variantList(const ZVArray& values);
 /// Whether the memory for a result is a block that a variant can take over.
 inline bool resultOnBlock(const MethodParam& param) {
     return param.passing == Passing::Value && !param.data->heldInline() && !param.data->isVariant();

@@ -3,9 +3,9 @@
 #include "core/ZSelector.h"
 #include "object/methodTables.h"
 
-/// The flat caches in front of a type's method tables: open addressing, an entry is filled in once and then only read. A
-/// cache holds for one `typeGeneration`; what changes makes all of them stale. It borrows the methods, which the tables
-/// hold as long as the generation lasts and readers under guards beyond that.
+/// The flat caches in front of a type's method tables: open addressing, an entry is filled in once and then only read.
+/// A cache holds for one `typeGeneration`; what changes makes all of them stale. It borrows the methods, which the
+/// tables hold as long as the generation lasts and readers under guards beyond that.
 namespace orv {
 
 /// What is asked by signature, or by a name alone.
@@ -37,7 +37,8 @@ struct OverloadKey {
     uint hash() const {
         ularge sum = selector * 0x9E3779B97F4A7C15ull ^ qualifier * 0xC2B2AE3D27D4EB4Full ^
                      (uint(base) << 16 | uint(flags) << 8 | uint(count));
-        for (int i = 0; i < count; ++i) sum = (sum ^ reinterpret_cast<uintptr_t>(types[i]) >> 4) * 0x9E3779B97F4A7C15ull;
+        for (int i = 0; i < count; ++i)
+            sum = (sum ^ reinterpret_cast<uintptr_t>(types[i]) >> 4) * 0x9E3779B97F4A7C15ull;
         return uint(sum >> 32) | 1;
     }
 };
@@ -45,8 +46,8 @@ struct OverloadKey {
 /// A method together with where it is called, as a lookup found it.
 struct MethodHit {
     ZMethod* method = nullptr;
-    int offset = 0;    ///< from the instance to the part that the method is called on
-    int distance = -1; ///< how well the arguments fit; 0 where they weren't asked for
+    int offset = 0;            ///< from the instance to the part that the method is called on
+    int distance = -1;         ///< how well the arguments fit; 0 where they weren't asked for
     ZMetaType* type = nullptr; ///< in whose table it stands
 };
 

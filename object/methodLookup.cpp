@@ -52,8 +52,7 @@ MethodHit find(const ZMetaType* type, const ZSelector& selector, const ZSelector
     const MethodTable* table = methodTable(type);
     whole &= table != nullptr;
     MethodHit hit;
-    if (ZMethod* own = pickMethod(table, selector, qualifier, base))
-        hit = {own, 0, 0, const_cast<ZMetaType*>(type)};
+    if (ZMethod* own = pickMethod(table, selector, qualifier, base)) hit = {own, 0, 0, const_cast<ZMetaType*>(type)};
     // What was made up for a template instance gives way to what the template itself says.
     if (hit.method && !hit.method->synthetic()) return hit;
     MethodHit inherited;

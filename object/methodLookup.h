@@ -45,7 +45,7 @@ ORV_API ZVariant callFound(const ZMethod* method, const void* instance, const ZM
 /// Tells the debug log, if anybody reads it, why a call found no method; see `explainLookup`.
 void logFailedCall(const ZMetaType* type, const ZSelector& selector, const ZVariant* args, int count);
 
-inline constexpr int distanceLimit = 1 << 24;   ///< sums stay below
+inline constexpr int distanceLimit = 1 << 24; ///< sums stay below
 inline constexpr int distanceImplicit = 1 << 25;
 inline constexpr int distanceVariant = 1 << 26;
 inline constexpr int distanceNamed = 1 << 27; ///< asked by its signature, whatever the arguments are

@@ -109,9 +109,8 @@ const orv::MethodParams* ZMethod::resolveParams(const ZMetaType* type) const {
     fresh->returns = hasReturn();
     fresh->passVariant = count == 2 && entries[1].data && entries[1].data->isVariant();
     fresh->destructor = isDestructor();
-    fresh->constructor =
-        function && !fresh->returns && !fresh->destructor && scope && signature.result().isEmpty() &&
-        signature.methodName() == scope->mainOrSelf()->constructorName().methodName();
+    fresh->constructor = function && !fresh->returns && !fresh->destructor && scope && signature.result().isEmpty() &&
+                         signature.methodName() == scope->mainOrSelf()->constructorName().methodName();
     MethodParams* seen = toolkit::loadAcquire(resolved);
     if (toolkit::compareExchange(resolved, seen, fresh)) {
         if (seen) toolkit::epochRetire(seen, [](toolkit::EpochLink* link) { zfree(static_cast<MethodParams*>(link)); });

@@ -28,9 +28,9 @@ struct MethodParam {
 struct MethodParams : toolkit::EpochLink {
     ularge generation = 0; ///< of types, and of their removals, when it was resolved
     ularge removals = 0;
-    int count = 0;         ///< with the result
-    int stackSize = 0;     ///< bytes of all slots, without the word in front
-    bool complete = true;  ///< every type is known
+    int count = 0;        ///< with the result
+    int stackSize = 0;    ///< bytes of all slots, without the word in front
+    bool complete = true; ///< every type is known
     bool passVariant = false;
     bool constructor = false, destructor = false;
     bool returns = false;

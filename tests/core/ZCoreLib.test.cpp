@@ -51,15 +51,34 @@ std::string text(const ZString& value) {
 
 TEST(CoreLib, OrderOfStartAndStop) {
     orv::LoadOrder load = orv::loadOrder();
-    EXPECT_EQ(names(load),
-              (std::vector<std::string>{"packs", "user path off", "memory debug", "splash open", "internal strings",
-                                        "ZSelector::open", "ZPointerIndex::open", "ZUnique::open", "ZLock::open",
-                                        "core lock", "names", "openModule", "splash plugins", "splash resources",
-                                        "application names", "application mode", "loaded mark", "splash launch"}));
+    EXPECT_EQ(names(load), (std::vector<std::string>{"packs",
+                                                     "user path off",
+                                                     "memory debug",
+                                                     "splash open",
+                                                     "internal strings",
+                                                     "ZSelector::open",
+                                                     "ZMethod::open",
+                                                     "ZMethodPtr::open",
+                                                     "ZMethodDispatch::open",
+                                                     "ZNamedMethod::open",
+                                                     "ZPointerIndex::open",
+                                                     "ZUnique::open",
+                                                     "ZLock::open",
+                                                     "core lock",
+                                                     "names",
+                                                     "openModule",
+                                                     "splash plugins",
+                                                     "splash resources",
+                                                     "application names",
+                                                     "application mode",
+                                                     "loaded mark",
+                                                     "splash launch"}));
     EXPECT_STREQ(load.steps[load.coreSteps - 1].name, "core lock");
     EXPECT_EQ(names(orv::unloadOrder()),
               (std::vector<std::string>{"first closing mark", "closeModule", "discard names", "core lock",
-                                        "ZLock::close", "ZUnique::close", "second closing mark", "ZPointerIndex::close",
+                                        "ZLock::close", "ZUnique::close", "second closing mark", "retired objects",
+                                        "ZPointerIndex::close", "ZMethodRef::close", "ZMethod::close",
+                                        "ZMethodPtr::close", "ZNamedMethod::close", "ZMethodDispatch::close",
                                         "ZSelector::close", "internal strings", "collation", "final drain", "packs"}));
 }
 
