@@ -314,6 +314,8 @@ public:
 
     // Enum steps and selector groups
 
+    /// The enumeration that this is the type of, or a variant of; null for other types.
+    virtual ZEnumType* enumType() const;
     virtual ZSelector nextEnumName(const ZSelector& name) const;
     virtual ZSelector prevEnumName(const ZSelector& name) const;
     virtual int nextEnumValue(int value) const;

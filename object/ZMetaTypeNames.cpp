@@ -231,10 +231,3 @@ ZSelector ZMetaType::getNamedSelector(const ZSelector& name) const {
     orv::eachBase(this, [&](ZMetaType* base) { return (found = base->getNamedSelector(name)).isEmpty(); });
     return found.isEmpty() && mainType ? mainType->getNamedSelector(name) : found;
 }
-
-// Enum steps: a type that is no enum has none
-
-ZSelector ZMetaType::nextEnumName(const ZSelector&) const { return {}; }
-ZSelector ZMetaType::prevEnumName(const ZSelector&) const { return {}; }
-int ZMetaType::nextEnumValue(int value) const { return value; }
-int ZMetaType::prevEnumValue(int value) const { return value; }

@@ -1,0 +1,105 @@
+#pragma once
+
+#include "object/ZEnum.h"
+#include "object/ZMetaType.h"
+#include "toolkit/epoch.h"
+
+namespace orv {
+struct EnumTable;
+namespace glue {
+struct EnumRow;
+}
+} // namespace orv
+
+/// The type of an enumeration: values are numbers of 1, 2, 4 or 8 bytes, its size, and a `ZEnum` gives them names. For
+/// a value of the type the names are properties of kind bool: whether all bits of the name are set, in an enumeration
+/// of bit flags, and else whether it is that value.
+///
+/// Any thread may ask. A change publishes a new table; what was given out of the old one by reference holds as long as
+/// a `toolkit::EpochGuard` of the caller is open, or nobody changes the table. Operations that change it answer false,
+/// with the table as it was, without memory.
+class ORV_API ZEnumType : public ZMetaType {
+public:
+    // Lifetime. As for metatypes; the size is that of an int.
+
+    ZEnumType(ZPackage* package, const ZSelector& name, const __ZPassMetaType* type = nullptr,
+              ZInternal* internal = nullptr);
+    ZEnumType(ZPackage* package, const ZSelector& name, const ZArrayT<ZEnumItem>& items,
+              const __ZPassMetaType* type = nullptr, ZInternal* internal = nullptr);
+    explicit ZEnumType(const ZEnumType* source, const __ZPassMetaType* type = nullptr, ZInternal* internal = nullptr);
+    explicit ZEnumType(const __ZPassMetaType* type = nullptr, ZInternal* internal = nullptr);
+    ~ZEnumType() override;
+
+    /// The items of a declaration, which stays in memory as long as the type. They are read at the first demand.
+    void setRow(const orv::glue::EnumRow* row);
+
+    // The table
+
+    virtual const ZEnum& data() const;
+    /// To be filled in place, before anybody else knows the type. A spare table without memory.
+    virtual ZEnum& data();
+    virtual bool setData(const ZEnum& table);
+    virtual bool add(const ZArrayT<ZEnumItem>& items);
+    virtual bool add(const ZSelector& name, int value);
+    /// False if there is none of the names, or nothing of the value.
+    virtual bool remove(const ZSelector& name);
+    virtual bool remove(int value);
+    virtual bool remove(const ZArrayT<ZSelector>& names);
+    virtual bool remove(const ZEnum& table);
+
+    // Asked of the table; see `ZEnum`
+
+    virtual ZSelector name(int value) const;
+    virtual bool names(ZArrayT<ZSelector>& names) const;
+    virtual int value(const ZSelector& name) const;
+    virtual bool value(const ZSelector& name, int* value) const;
+    virtual bool values(ZArrayT<int>& values) const;
+    virtual int resolve(const ZString& expression) const;
+    virtual bool isBitFlags() const;
+
+    // Values through untyped pointers, which needn't be aligned
+
+    int valueOf(const void* instance) const;
+    void setValueOf(void* instance, int value) const;
+
+    // Inherited operations for which the type of an enumeration has an answer of its own
+
+    ZEnumType* enumType() const override { return const_cast<ZEnumType*>(this); }
+    ZType* copy() const override;
+    int compare(const ZType* other) const override;
+    bool detach() override;
+    bool isDetached() const override;
+    bool constructInstance(void* instance) override;
+    bool destructInstance(void* instance) const override;
+    using ZMetaType::copyInstance;
+    bool copyInstance(void* target, const void* source) const override;
+    int compareInstance(const void* a, const void* b) const override;
+    bool isNullData(const void* instance) const override;
+    using ZMetaType::fromString;
+    /// Reads the text of a name, of several names of bit flags, or of a number.
+    bool fromString(void* instance, const ZString& text) const override;
+    /// The name of the value; where it has none, the names of its bits if they make it up, else the number.
+    bool toString(const void* instance, ZString& text) const override;
+    uint syntheticPropertyCount(const ZTypedPtr& typed) const override;
+    bool syntheticProperty(const ZTypedPtr& typed, const ZSelector& name, ZProperty& found,
+                           bool resolve) const override;
+    bool syntheticPropertyNames(const ZTypedPtr& typed, ZArrayT<ZSelector>& names) const override;
+    bool hasSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name) const override;
+    ZMetaType* getSyntheticPropertyType(const ZTypedPtr& typed, const ZSelector& name) const override;
+    ZVariant getSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name, bool expand) const override;
+    /// Clears its bits, or makes the value 0 if it is that one.
+    bool clearSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name) const override;
+    /// True sets the bits of the name, or the value; false is what `clearSyntheticProperty` does.
+    bool setSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name, const ZVariant& value,
+                              bool notify) const override;
+
+private:
+    const orv::EnumTable* table() const;
+    const orv::EnumTable* buildTable() const;
+    template <class F> bool change(F&& edit);
+    bool known(const ZSelector& name, int& value) const;
+
+    mutable toolkit::EpochPtr<orv::EnumTable> published; ///< null until first asked for
+    const orv::glue::EnumRow* row = nullptr;
+    ZEnum spare;
+};
