@@ -38,7 +38,7 @@ struct ZPackageLink {
 class ORV_API ZPackage : public ZObject {
 public:
     enum Flags : uint { None = 0, Public = 1, Plugin = 2, Dynamic = 4 };
-    using Types = ZHashMapT<ZSelector, ZRetainPtrT<ZMetaType>>;
+    using Types = ZMetaType::Types;
 
     explicit ZPackage(const __ZPassMetaType* type = nullptr, ZInternal* internal = nullptr);
     ~ZPackage() override;
@@ -61,6 +61,8 @@ public:
     ZModule* getModule() const { return module; }
     void setModule(ZModule* owner) { module = owner; }
     ZPackage* package() const override { return const_cast<ZPackage*>(this); }
+    /// The name under which it is found.
+    void setSelector(const ZSelector& name) override;
 
     // Start and stop
 
@@ -76,6 +78,8 @@ public:
     void resetBases();
     /// Calls the close function, once.
     void closePack();
+    /// Takes the types of its types and its own away, so that packages can end in any order. No lookup runs any more.
+    void forgetMetaTypes();
     /// Lets everything go: types, links to and from other packages, inline records. Once; later calls do nothing.
     void releasePackage();
 
@@ -130,7 +134,8 @@ public:
     // Selector groups
 
     bool selectorGroupNames(ZArrayT<ZSelector>& names) const;
-    const ZSelectorMap* selectorGroup(const ZSelector& name) const;
+    /// Empty if there is none.
+    ZSelectorMap selectorGroup(const ZSelector& name) const;
     bool setSelectorGroup(const ZSelector& name, const ZSelectorMap& group);
     /// The selector that a name stands for; `localOnly`: in this package's groups.
     ZSelector getNamedSelector(const ZSelector& name, bool localOnly) const;
@@ -145,10 +150,12 @@ private:
     friend struct ZPackageLink;
 
     ZPackageLink* findLink(const ZPackage* other) const;
-    bool addUsed(const ZPackage* other) const;
-    ZMetaType* findKnown(const ZSelector& name) const;
-    ZMetaType* makeInstance(const ZSelector& name) const;
-    void collectSelectors() const;
+    bool seesTypesOf(const ZPackage* other) const;
+    ZMetaType* find(const ZSelector& name, bool make, int depth) const;
+    ZMetaType* findNested(const ZSelector& name, bool make, int depth) const;
+    ZMetaType* findInstance(const ZSelector& name, int depth);
+    ZSelector localSelector(const ZSelector& name) const;
+    void releaseLinks();
     void releaseTypes();
 
     ZPackageLink* usedByHead = nullptr;
@@ -161,6 +168,7 @@ private:
     byte visited = 0;
 
     ZPackage* nextOpen = nullptr;
+    ZSelector packageName; ///< its selector, read under the lock of the list of packages
     ZModule* module = nullptr;
     Types types;
     orv::TypeIndex typeIndex;         ///< of `types`

@@ -14,6 +14,7 @@ template <class T, size_t N> constexpr int countOf(const T (&)[N]) { return int(
 // What a wrong row calls; the compiler's message names it.
 
 void getterHasAnotherType();
+void wordsAreTooLong();
 void baseIsVirtual();
 void fixedRowsAreNotInTheOrderOfTheirIndexes();
 
@@ -119,6 +120,7 @@ template <class T> struct Property : PropertyRow {
 template <class T, class Got>
 constexpr Property<T> propertyRow(const char* type, const char* name, const char* words, uint flags) {
     if (!std::is_same_v<T, Got>) getterHasAnotherType();
+    if (std::string_view(words).size() >= longestWords) wordsAreTooLong();
     return Property<T>(name, checkedType<T>(type), words, flags);
 }
 

@@ -9,6 +9,9 @@
 /// virtual operations for most of it, so the metatype asks those.
 namespace orv::glue {
 
+/// A zeroed counted block of the type's size, or of `least` bytes if that is more; null without memory.
+ORV_API void* newInstance(ZMetaType* type, size_t least);
+
 /// Converts to the tag that constructors take last, and to nothing else.
 struct TagProbe {
     template <class T>
@@ -57,7 +60,13 @@ template <class T> struct Life {
         else
             return buildWhole(at, nullptr, *from);
     }
-    static void* copyNew(const void* source) { return static_cast<const T*>(source)->copy(); }
+    static void* copyNew(const void* source) {
+        auto from = static_cast<const T*>(source);
+        void* made = newInstance(from->type(), sizeof(T));
+        if (!made || copy(made, source)) return made;
+        toolkit::freeBlock(made);
+        return nullptr;
+    }
     static bool detach(void* instance) { return static_cast<T*>(instance)->detach(); }
     static bool isDetached(const void* instance) { return static_cast<const T*>(instance)->isDetached(); }
     static int compare(const void* a, const void* b) {
@@ -80,7 +89,7 @@ template <class T> struct Life {
             if constexpr (!std::is_trivially_destructible_v<T> && requires(T & a) { a.~T(); }) made.destruct = destruct;
             if constexpr (copiesByPointer || (!isType && builds<const T&>)) made.copy = copy;
             if constexpr (isType) {
-                if constexpr (requires(const T& a) { a.copy(); }) made.copyNew = copyNew;
+                if constexpr (copiesByPointer) made.copyNew = copyNew;
             } else {
                 if constexpr (requires(T & a) { bool(a.detach()); }) made.detach = detach;
                 if constexpr (requires(const T& a) { bool(a.isDetached()); }) made.isDetached = isDetached;

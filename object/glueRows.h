@@ -66,6 +66,9 @@ struct MethodRow {
     bool isLife;    ///< a constructor or the destructor
 };
 
+/// Bytes in the words of a row, with their end.
+inline constexpr size_t longestWords = 256;
+
 struct PropertyRow {
     const char* name;
     const char* type;

@@ -1,0 +1,221 @@
+#include "module/ZPackage.h"
+
+#include "core/construct.h"
+#include "core/debug.h"
+#include "core/memlock.h"
+#include "module/packages.h"
+#include "object/ZInlineMethod.h"
+#include "object/packageTypes.h"
+#include "object/typeGeneration.h"
+#include "object/ztype.h"
+
+namespace {
+
+ZPackage* rootPackage = nullptr;
+
+/// All packages there are, for `findPackage`.
+struct OpenPackages {
+    ZSpinLock guard;
+    ZPackage* first = nullptr;
+};
+constinit OpenPackages open;
+
+} // namespace
+
+// Lifetime
+
+ZPackage::ZPackage(const __ZPassMetaType* type, ZInternal* given)
+    : ZObject(type ? type : orv::passType(ztype<ZPackage>()), given) {
+    if (!makelock(this, true, true)) ZError::fail();
+    setmemlocklabel(this, "ZPackage", 0);
+    if (!rootPackage) rootPackage = this;
+    ZScopedLock held(open.guard);
+    nextOpen = open.first;
+    open.first = this;
+}
+
+ZPackage::~ZPackage() {
+    {
+        ZScopedLock held(open.guard);
+        ZPackage** link = &open.first;
+        while (*link && *link != this) link = &(*link)->nextOpen;
+        if (*link) *link = nextOpen;
+    }
+    releasePackage();
+}
+
+ZPackage* ZPackage::root() { return toolkit::loadAcquire(rootPackage); }
+
+ZPackage* ZPackage::findPackage(const ZSelector& name) {
+    if (name.isEmpty()) return nullptr;
+    ZScopedLock held(open.guard);
+    for (ZPackage* package = open.first; package; package = package->nextOpen)
+        if (package->packageName == name) return package;
+    return nullptr;
+}
+
+void ZPackage::setSelector(const ZSelector& name) {
+    ZObject::setSelector(name);
+    ZScopedLock held(open.guard);
+    packageName = name;
+}
+
+// Start and stop
+
+bool ZPackage::setup() {
+    if (setupFunc && !setupFunc(this, false)) zdebug("package %s: not all types could be made", packageName.string());
+    if (isPublic()) publish(nullptr);
+    resetBases();
+    setupImplicitMap();
+    const bool done = !setupFunc || setupFunc(this, true);
+    ZInlineType::resetInvalid();
+    return done;
+}
+
+void ZPackage::resetBases() {
+    // Types made before that of metatypes have none yet; so has this package.
+    if (ZMetaType* own = ztype<ZPackage>(); own && !type()) setType(own);
+    ZMetaType* metaType = ztype<ZMetaType>();
+    const Types all = getTypes();
+    for (const auto& entry : all) {
+        ZMetaType* found = entry.value();
+        if (metaType && !found->type()) found->setType(metaType);
+        found->setRetainedMode();
+        if (!found->resetBase()) {
+            for (const ZSelector& base : found->getBaseNames())
+                if (!findType(base)) zdebug("type %s: base %s isn't known", found->getName().string(), base.string());
+        }
+    }
+}
+
+void ZPackage::setupImplicitMap() {
+    const Types all = getTypes();
+    for (const auto& entry : all) entry.value()->setupImplicitMap();
+}
+
+void ZPackage::closePack() {
+    if (TClosePackage close = std::exchange(closeFunc, nullptr)) close(this);
+}
+
+void ZPackage::forgetMetaTypes() {
+    const Types all = getTypes();
+    for (const auto& entry : all) entry.value()->setType(static_cast<ZMetaType*>(nullptr));
+    setType(static_cast<ZMetaType*>(nullptr));
+}
+
+void ZPackage::releasePackage() {
+    if (std::exchange(released, true)) return;
+    toolkit::store(instances, 0x3FFFFFFF);
+    const Types all = getTypes();
+    for (const auto& entry : all) entry.value()->setSingleton(nullptr);
+    closePack();
+    clearInlines();
+    for (const auto& entry : all) entry.value()->setPluginId({});
+    releaseLinks();
+    setType(static_cast<ZMetaType*>(nullptr));
+    releaseTypes();
+    if (root() == this) toolkit::storeRelease(rootPackage, static_cast<ZPackage*>(nullptr));
+}
+
+/// Who uses this package, and whom it uses, don't know it any more. A reference that a link holds goes with it; the
+/// last one to this package isn't among them, since its holder is here.
+void ZPackage::releaseLinks() {
+    for (ZPackageLink* link = usedByHead; link; link = usedByHead) {
+        ZPackage* user = link->user;
+        {
+            ZScopedLock held(*static_cast<const ZPackage*>(user));
+            user->usedIndex.clear();
+            user->usedTypesDirty = true;
+            link->unlink();
+        }
+        const int count = link->count;
+        zrelease(link);
+        for (int i = 0; i < count; ++i) decmemref(this);
+    }
+    usedIndex.clear();
+    for (ZPackageLink* link = usesHead; link; link = usesHead) {
+        ZPackage* used = link->used;
+        const int count = link->count;
+        link->unlink();
+        zrelease(link);
+        for (int i = 0; i < count; ++i) used->release();
+    }
+}
+
+/// In passes: types refer to each other, so none goes before all have let go. One that somebody else still holds lives
+/// on without a package.
+void ZPackage::releaseTypes() {
+    Types all;
+    {
+        ZScopedLock held(*static_cast<const ZPackage*>(this));
+        typeIndex.clear();
+        all.swap(types);
+    }
+    orv::typesChanged();
+    const Types& own = all;
+    for (const auto& entry : own) {
+        entry.value()->clearLinkedTypes();
+        entry.value()->setPackage(nullptr);
+    }
+    for (const auto& entry : own) {
+        entry.value()->clearVariants();
+        entry.value()->setType(static_cast<ZMetaType*>(nullptr));
+    }
+    for (const auto& entry : own) entry.value()->removeSubTypes();
+    while (all.count()) all.removeIndex(all.count() - 1);
+}
+
+// Inline records
+
+void ZPackage::clearInlines() {
+    inlineTypes.resetAll();
+    if (toolkit::load(inlineMethodCount) > 0) ZInlineMethod::clearMultiMethods(this);
+}
+void ZPackage::changeInlines(bool added) { toolkit::addFetch(inlineMethodCount, added ? 1 : -1); }
+
+// Selector groups
+
+bool ZPackage::selectorGroupNames(ZArrayT<ZSelector>& names) const {
+    ZScopedLock held(*this);
+    for (const auto& group : selectorGroups)
+        if (!names.append(group.key())) return false;
+    return true;
+}
+
+ZSelectorMap ZPackage::selectorGroup(const ZSelector& name) const {
+    ZScopedLock held(*this);
+    const ZSelectorMap* group = selectorGroups.get(name);
+    return group ? *group : ZSelectorMap();
+}
+
+bool ZPackage::setSelectorGroup(const ZSelector& name, const ZSelectorMap& group) {
+    ZScopedLock held(*static_cast<const ZPackage*>(this));
+    if (!selectorGroups.set(name, group)) return false;
+    selectorIndexDirty = true;
+    return true;
+}
+
+ZSelector ZPackage::localSelector(const ZSelector& name) const {
+    ZScopedLock held(*this);
+    if (selectorIndexDirty) {
+        ZSelectorMap all;
+        bool whole = true;
+        for (const auto& group : selectorGroups) whole &= all.append(group.value());
+        selectorIndex = all;
+        selectorIndexDirty = !whole;
+    }
+    return selectorIndex.get(name);
+}
+
+ZSelector ZPackage::getNamedSelector(const ZSelector& name, bool localOnly) const {
+    if (localOnly) return localSelector(name);
+    if (const ZSelector space = name.nameSpace(); !space.isEmpty()) {
+        const ZMetaType* type = findType(space);
+        return type ? type->getNamedSelector(name.baseName()) : ZSelector();
+    }
+    ZSelector found = localSelector(name);
+    for (const ZPackageLink* link = usesHead; link && found.isEmpty(); link = link->usesNext)
+        if (link->used != this) found = link->used->localSelector(name);
+    if (found.isEmpty() && root() && root() != this) found = root()->getNamedSelector(name, false);
+    return found;
+}

@@ -1,0 +1,132 @@
+#include "core/construct.h"
+#include "core/debug.h"
+#include "module/packages.h"
+#include "object/names.h"
+#include "object/typeGeneration.h"
+
+// How the packages of this library come and go.
+
+namespace {
+
+using orv::PackageRow;
+
+constexpr int mostPackages = 16;
+/// The open packages of this library, by their place in the list; each with one reference.
+ZPackage* opened[mostPackages];
+ZPackage* rootPackage = nullptr;
+int openCount = 0;
+
+int placeOf(const ZSelector& name) {
+    const auto rows = orv::corePackages();
+    for (int i = 0; i < rows.count; ++i)
+        if (name.check(rows.rows[i].name)) return i;
+    return -1;
+}
+
+bool makeType(ZPackage* package, const PackageRow& row, const orv::glue::ClassRow& type) {
+    if (orv::makeType(package, type)) return true;
+    zdebug("package %s: type %s couldn't be made", row.name, type.name);
+    return false;
+}
+
+/// The setup function of every package of the list. The first type that can't be made ends the making of types;
+/// packages are used whatever failed.
+bool setupPackage(ZPackage* package, bool finished) {
+    if (finished) return true;
+    const int place = placeOf(package->selector());
+    if (place < 0) return false;
+    const PackageRow& row = orv::corePackages().rows[place];
+    const orv::glue::List<orv::glue::ClassRow> primitives =
+        row.primitives ? *row.primitives : orv::glue::List<orv::glue::ClassRow>();
+    bool done = package->setTypeCount(uint(primitives.count + row.types.count));
+    for (int i = 0; i < primitives.count && done; ++i) done = makeType(package, row, primitives.rows[i]);
+    for (int i = 0; i < row.types.count && done; ++i) done = makeType(package, row, *row.types.rows[i]);
+    for (const char* used : row.uses)
+        if (!package->use(ZSelector(used))) zdebug("package %s: %s isn't there to be used", row.name, used);
+    return done;
+}
+
+ZPackage* makePackage(const PackageRow& row) {
+    auto package = zmake<ZPackage>();
+    if (!package) return nullptr;
+    package->setSelector(ZSelector(row.name));
+    package->setFlags(row.flags);
+    if (row.options) package->setOptions(ZSelector(row.options));
+    package->setSetupFunc(setupPackage);
+    if (row.close) package->setCloseFunc(row.close);
+    return package;
+}
+
+} // namespace
+
+extern "C" {
+
+/// What every module exports. The library's own is opened by its start and closed by its stop.
+ORV_API bool openModule(ZModule*) { return orv::openModule(); }
+ORV_API void closeModule(ZModule*) { orv::closeModule(); }
+/// A new package of that name, not set up; null if the module has none.
+ORV_API ZPackage* openPackage(ZModule*, const ZSelector& name) {
+    const int place = placeOf(name);
+    return place < 0 ? nullptr : makePackage(orv::corePackages().rows[place]);
+}
+}
+
+namespace orv {
+
+bool openModule() {
+    if (openCount++ > 0) return true;
+    if (!openNames(moduleNames())) return false;
+    rootPackage = zmake<ZPackage>();
+    if (!rootPackage) return false;
+    rootPackage->setSelector(ZSelector("root"));
+    return true;
+}
+
+void closeModule() {
+    if (openCount == 0 || --openCount > 0) return;
+    closePackages();
+    closeNames(moduleNames());
+}
+
+/// A package stands in its place before it is set up, so that packages may use each other in a circle.
+ZPackage* loadPackage(const ZSelector& name) {
+    if (ZPackage* known = ZPackage::findPackage(name)) return retain(known);
+    const int place = placeOf(name);
+    if (place < 0 || !openCount) return nullptr;
+    ZPackage* package = ::openPackage(nullptr, name);
+    if (!package) return nullptr;
+    opened[place] = package;
+    if (!package->setup()) zdebug("package %s isn't whole", name.string());
+    return retain(package);
+}
+
+bool openPackages() {
+    bool done = true;
+    for (const PackageRow& row : corePackages()) {
+        ZPackage* package = loadPackage(ZSelector(row.name));
+        done &= package != nullptr;
+        if (package) package->release();
+    }
+    // Types that were made before those of their metatypes.
+    for (ZPackage* package : opened)
+        if (package) package->resetBases();
+    return done;
+}
+
+void closePackages() {
+    ZArrayT<ZPackage*> all;
+    for (ZPackage* package : opened)
+        if (package && !all.append(package)) break;
+    ZPackage::topologicalOrdering(all);
+    for (ZPackage* package : std::as_const(all)) package->closePack();
+    for (ZPackage* package : opened)
+        if (package) package->forgetMetaTypes();
+    if (rootPackage) rootPackage->forgetMetaTypes();
+    for (ZPackage* package : std::as_const(all)) package->releasePackage();
+    for (ZPackage*& package : opened)
+        if (package) std::exchange(package, nullptr)->release();
+    if (rootPackage) std::exchange(rootPackage, nullptr)->release();
+    typesChanged();
+}
+
+} // namespace orv
