@@ -230,10 +230,9 @@ private:
     static void freeBlock(ZMetaType* type, Block* block);
     bool changeBlock(ularge capacity);
     bool takeType(ZMetaType* wanted);
-    bool makeGap(uint index, uint count);
-    void closeGap(uint index, uint count);
-    bool fillGap(uint index, uint count, const void* from, uint step);
-    bool sortBy(int (*compare)(const void*, const void*, void*), void* user);
+    void placeItems(uint index, uint count);
+    template <class F> bool sortBy(F&& compare);
+    template <class F> bool orderBy(int* order, F&& compare) const;
     bool blend(const ZVArray& a, const ZVArray& b, const ZBlendPos& pos);
 
     ZMetaType* type = nullptr;

@@ -9,8 +9,8 @@ class ORV_API ZVHashSet : public orv::ValueMap {
 public:
     // Lifetime. A constructor without memory raises `ZError::fail` and leaves the set empty.
 
-    constexpr ZVHashSet() = default;
-    explicit ZVHashSet(ZMetaType* type) : ValueMap(type) {}
+    constexpr ZVHashSet() : ValueMap(orv::MapForm::Set) {}
+    explicit ZVHashSet(ZMetaType* type) : ValueMap(orv::MapForm::Set, type) {}
     ZVHashSet(ZMetaType* type, uint capacity) : ZVHashSet(type, capacity, 100, 0) {}
     /// `hashBits` 0 lets the hash table follow the count.
     ZVHashSet(ZMetaType* type, uint capacity, int16 expand, uint hashBits);
@@ -70,9 +70,9 @@ public:
     uint usageAt(int index) const;
     /// Whether both hold the same values, whatever their order and usage.
     bool matches(const ZVHashSet& other) const;
-    /// A selector that isn't in the set: `format`, which has one number in it, with the lowest number above the count
-    /// that gives one. A set without a type takes that of selectors. With `add` the selector is added. Empty if there
-    /// is none, or no memory.
+    /// A selector that isn't in the set: `format`, which has one number in it ("item%d"), with the lowest number above
+    /// the count that gives one. A set without a type takes that of selectors. With `add` the selector is added. Empty
+    /// if there is none, or no memory.
     ZSelector createSelector(const ZString& format, bool add);
 
     // Removing
@@ -112,8 +112,8 @@ public:
     uint hashKey() const;
 
 private:
-    bool put(const void* item, bool count);
-    bool addAll(const ZVHashSet& made);
+    bool countUse(int index, bool more);
+    template <class F> bool addAll(uint values, F&& value);
 
     bool multi = false;
 };

@@ -9,7 +9,7 @@ class ORV_API ZVKeyMap : public orv::ValueMap {
 public:
     // Lifetime. A constructor without memory raises `ZError::fail` and leaves the map empty.
 
-    constexpr ZVKeyMap() = default;
+    constexpr ZVKeyMap() : ValueMap(orv::MapForm::Keyed) {}
     ZVKeyMap(ZMetaType* keyType, ZMetaType* valueType);
     ZVKeyMap(ZMetaType* keyType, ZMetaType* valueType, uint capacity)
         : ZVKeyMap(keyType, valueType, capacity, 100, 0) {}
@@ -25,6 +25,7 @@ public:
     ZVKeyMap& operator=(const ZVKeyMap& other);
     ZVKeyMap& operator=(ZVKeyMap&& other) noexcept;
     void assign(const ZVKeyMap& other) { *this = other; }
+    void swap(ZVKeyMap& other) noexcept;
     /// Drops the items and sets the map up anew. With `load` above 0 the hash bits follow from the capacity; the sizes
     /// count for what has no type and is held as bytes.
     bool init(uint capacity, int16 expand, uint hashBits, uint load, uint keySize, uint valueSize);
@@ -118,7 +119,6 @@ public:
     bool blendFrom(const ZVKeyMap* a, const ZVKeyMap* b, const ZBlendPos& pos);
 
 private:
-    bool put(const void* key, const void* item, bool search, bool link);
     bool putValue(const ZVariant& key, const ZVariant& value, bool search, bool link);
     bool takeKeyType(ZMetaType* wanted);
 

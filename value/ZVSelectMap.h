@@ -8,8 +8,8 @@ class ORV_API ZVSelectMap : public orv::ValueMap {
 public:
     // Lifetime. A constructor without memory raises `ZError::fail` and leaves the map empty.
 
-    constexpr ZVSelectMap() = default;
-    explicit ZVSelectMap(ZMetaType* type) : ValueMap(type) {}
+    constexpr ZVSelectMap() : ValueMap(orv::MapForm::Named) {}
+    explicit ZVSelectMap(ZMetaType* type) : ValueMap(orv::MapForm::Named, type) {}
     ZVSelectMap(ZMetaType* type, uint capacity) : ZVSelectMap(type, capacity, 100, 0) {}
     /// `hashBits` 0 lets the hash table follow the count.
     ZVSelectMap(ZMetaType* type, uint capacity, int16 expand, uint hashBits);
@@ -103,7 +103,4 @@ public:
     /// What lies between two maps of one type, of which one may be missing: each key's value blends with that of the
     /// other map, or with nothing. Maps of different types: the nearer one.
     bool blendFrom(const ZVSelectMap* a, const ZVSelectMap* b, const ZBlendPos& pos);
-
-private:
-    bool put(const ZSelector& key, const void* item);
 };

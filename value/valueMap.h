@@ -11,6 +11,8 @@
 namespace orv {
 
 class ValueMapData;
+/// What the items of a map are found by: names, keys of any type, or, in a set, their values.
+enum class MapForm : byte { Named, Keyed, Set };
 
 /// What the maps and the set whose types are known at run time have in common: one pointer to a counted ordered map,
 /// null until something is put in. A copy shares it; the first write to a shared one makes an own one. Items stand in
@@ -115,28 +117,45 @@ public:
     const void* block() const;
 
 protected:
-    enum Form : byte { Named, Keyed, Set };
-
-    constexpr ValueMap() = default;
+    explicit constexpr ValueMap(MapForm form) : form(form) {}
     ValueMap(const ValueMap& other);
     ValueMap(ValueMap&& other) noexcept
         : type(std::exchange(other.type, nullptr)), data(std::exchange(other.data, nullptr)),
-          typeName(std::move(other.typeName)) {}
-    explicit ValueMap(ZMetaType* type);
+          typeName(std::move(other.typeName)), form(other.form) {}
+    ValueMap(MapForm form, ZMetaType* type);
     ~ValueMap() { reset(); }
     void take(const ValueMap& other);
     void take(ValueMap&& other) noexcept;
+    void swap(ValueMap& other) noexcept;
     /// Drops items and type.
     void reset();
     bool inRange(int index) const { return index >= 0 && uint(index) < count(); }
+    /// The type for a map that has none, and no items; null is fine.
     bool takeType(ZMetaType* wanted);
-    bool own(Form form, ZMetaType* keyType, uint capacity = 1);
-    bool removeKeysAt(const ZArrayT<int>& indexes);
+    bool changeType(ZMetaType* wanted);
+    /// New data instead of the old; false, with the old data, without memory or for types that can't be held.
+    bool create(uint keyBytes, uint valueBytes, uint capacity, int16 expand, uint hashBits, uint load);
+    /// Makes the data this map's own, or makes it.
+    bool own();
+    /// Sets the value of a key, which `search` looks for.
+    bool putItem(const void* key, const void* item, bool search, bool link);
+    bool storeItem(int index, const void* item);
+    bool storeValue(int index, const ZVariant& value);
+    /// Another key for the item at a position; false if it is there already.
+    bool renameItem(int index, const void* key);
+    int findRaw(const void* key) const;
+    const void* rawKey(int index) const;
+    bool containsItems(const ValueMap& other) const;
+    bool matchItems(const ValueMap& other, real tolerance) const;
     int compareMaps(const ValueMap& other) const;
+    uint hashItems() const;
+    bool sortByKey(bool ascending);
+    int moveTarget(int from, int to, bool behind) const;
 
     ZMetaType* type = nullptr;
     ValueMapData* data = nullptr;
     ZSelector typeName;
+    MapForm form;
 };
 
 } // namespace orv

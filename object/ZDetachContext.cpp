@@ -1,0 +1,153 @@
+#include "object/ZDetachContext.h"
+
+#include "object/ZMetaType.h"
+#include "object/ztype.h"
+#include "value/ZVArray.h"
+#include "value/ZVHashSet.h"
+#include "value/ZVKeyMap.h"
+#include "value/ZVSelectMap.h"
+#include "value/ZVariant.h"
+
+/// One step deeper into what is detached; the outermost one is a detach of its own.
+class ZDetachContext::Level {
+public:
+    explicit Level(ZDetachContext& context) : context(context) { ++context.level; }
+    ~Level() {
+        if (--context.level == 0 && !context.keepsMap) context.map.clear();
+    }
+    Level(const Level&) = delete;
+    bool tooDeep() const { return context.level > deepest; }
+
+private:
+    ZDetachContext& context;
+};
+
+ZDetachContext::ZDetachContext(const __ZPassMetaType* type, ZInternal* internal)
+    : ZObject(type ? type : orv::passType(ztype<ZDetachContext>()), internal) {}
+ZDetachContext::~ZDetachContext() {
+    if (document) document->release();
+}
+
+void ZDetachContext::endDetach() {
+    if (level > 0) --level;
+    if (level == 0) map.clear();
+}
+
+ZType* ZDetachContext::detached(const ZType* instance) const {
+    if (!instance) return nullptr;
+    const auto* made = map.get(ZTypePtrKey(instance));
+    return made ? made->instance() : nullptr;
+}
+bool ZDetachContext::setDetached(const ZType* instance, ZType* made) {
+    if (!instance || !made) return false;
+    return map.set(ZTypePtrKey(instance), ZTypePtrKey(made));
+}
+
+ZType* ZDetachContext::replacement(ZType* instance, bool copyShared) {
+    if (!instance) return nullptr;
+    if (ZType* known = detached(instance)) return known->retain();
+    Level deeper(*this);
+    if (deeper.tooDeep()) return nullptr;
+    const bool copies = (copyShared || instance->isObject()) && instance->refcount() > 1;
+    ZType* made = copies ? instance->detachCopy(this) : instance->retain();
+    if (!made) return nullptr;
+    // Known before what it holds is looked at: that may hold the instance.
+    if (setDetached(instance, made) && (!copies || made->detach()) && made->deepDetachValue(this)) return made;
+    map.remove(ZTypePtrKey(instance));
+    made->release();
+    return nullptr;
+}
+
+ZType* ZDetachContext::detachType(ZType* instance) {
+    Level whole(*this);
+    return replacement(instance, false);
+}
+
+bool ZDetachContext::detachHeld(ZType*& instance) {
+    if (!instance) return true;
+    Level whole(*this);
+    ZType* made = replacement(instance, true);
+    if (!made) return false;
+    ZType* old = instance;
+    instance = made;
+    old->release();
+    return true;
+}
+
+template <class F> bool ZDetachContext::within(F&& detach) {
+    Level whole(*this);
+    return !whole.tooDeep() && detach();
+}
+
+/// What is no instance: containers hand this context on to what they hold.
+bool ZDetachContext::detachPlain(ZVariant& value) {
+    void* held = value.detach() ? value.getPtr() : nullptr;
+    switch (held ? value.typeIndexLabel() : ZMetaType::NoLabel) {
+    case ZMetaType::Array:
+        return static_cast<ZVArray*>(held)->deepDetach(this);
+    case ZMetaType::HashSet:
+        return static_cast<ZVHashSet*>(held)->deepDetach(this);
+    case ZMetaType::SelectMap:
+        return static_cast<ZVSelectMap*>(held)->deepDetach(this);
+    case ZMetaType::KeyMap:
+        return static_cast<ZVKeyMap*>(held)->deepDetach(this);
+    default:
+        return value.deepDetach(this);
+    }
+}
+
+bool ZDetachContext::detachVariant(ZVariant& value) {
+    return within([&] {
+        ZType* instance = value.toType();
+        if (!instance) return detachPlain(value);
+        instance = instance->retain();
+        if (!instance) return false;
+        // The variant's reference would count as somebody else's.
+        value.clear();
+        const bool done = detachHeld(instance);
+        const bool kept = value.setType(instance);
+        instance->release();
+        return done && kept;
+    });
+}
+bool ZDetachContext::detachArray(ZVArray& values) {
+    return within([&] { return values.deepDetach(this); });
+}
+bool ZDetachContext::detachHashSet(ZVHashSet& values) {
+    return within([&] { return values.deepDetach(this); });
+}
+bool ZDetachContext::detachSelectMap(ZVSelectMap& map) {
+    return within([&] { return map.deepDetach(this); });
+}
+bool ZDetachContext::detachKeyMap(ZVKeyMap& map) {
+    return within([&] { return map.deepDetach(this); });
+}
+bool ZDetachContext::detachArray(ZArrayT<ZVariant>& values) {
+    return within([&] {
+        for (uint i = 0; i < values.count(); ++i) {
+            ZVariant* value = values.entry(i);
+            if (!value || !detachVariant(*value)) return false;
+        }
+        return true;
+    });
+}
+
+template <class T> bool ZDetachContext::alone(T& value, bool (ZDetachContext::*detach)(T&)) {
+    ZDetachContext* context = zmake<ZDetachContext>();
+    if (!context) return false;
+    const bool done = (context->*detach)(value);
+    context->release();
+    return done;
+}
+bool ZDetachContext::detachValue(ZVariant& value) { return alone(value, &ZDetachContext::detachVariant); }
+bool ZDetachContext::detachValue(ZType*& instance) { return alone(instance, &ZDetachContext::detachHeld); }
+bool ZDetachContext::detachValue(ZVArray& values) { return alone<ZVArray>(values, &ZDetachContext::detachArray); }
+bool ZDetachContext::detachValue(ZVHashSet& values) { return alone(values, &ZDetachContext::detachHashSet); }
+bool ZDetachContext::detachValue(ZVSelectMap& map) { return alone(map, &ZDetachContext::detachSelectMap); }
+bool ZDetachContext::detachValue(ZVKeyMap& map) { return alone(map, &ZDetachContext::detachKeyMap); }
+
+void ZDetachContext::setDocumentState(ZObject* object) {
+    ZObject* old = document;
+    document = object ? static_cast<ZObject*>(object->retain()) : nullptr;
+    if (old) old->release();
+}
