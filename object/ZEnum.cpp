@@ -9,23 +9,6 @@
 
 namespace {
 
-/// The number that a text is, as `ZEnum::name` writes it or in base 10; false for any other text. Hexadecimal digits
-/// stand for all 32 bits.
-bool readNumber(const char* text, int length, int& value) {
-    if (orv::strtonumber(text, length, value, 10)) return true;
-    uint bits;
-    int radix = 10;
-    bool negative;
-    orv::strradix(text, length, &radix, false, &negative);
-    if (radix != 16 || !orv::strtonumber(text, length, bits, 10)) return false;
-    value = int(bits);
-    return true;
-}
-int numberOf(const ZSelector& name) {
-    int value = 0;
-    return readNumber(name.string(), name.length(), value) ? value : 0;
-}
-
 ZSelector hexName(int value, bool upper) {
     char text[16] = "0x";
     int length = orv::uinttostr(text + 2, int(sizeof text) - 2, ularge(uint(value)), 16, 0, false, upper);
@@ -45,6 +28,19 @@ template <class T> ZArrayT<T> arrayOf(const ZEnum& data, bool (ZEnum::*append)(Z
 int ZEnumItem::compare(const ZEnumItem& other) const {
     int order = zcompare(value, other.value);
     return order ? order : name.compare(other.name);
+}
+
+/// The number that a text is, as `name` writes it or in base 10; false for any other text. Hexadecimal digits stand for
+/// all 32 bits.
+bool ZEnum::readNumber(const char* text, int length, int& value) {
+    if (orv::strtonumber(text, length, value, 10)) return true;
+    uint bits;
+    int radix = 10;
+    bool negative;
+    orv::strradix(text, length, &radix, false, &negative);
+    if (radix != 16 || !orv::strtonumber(text, length, bits, 10)) return false;
+    value = int(bits);
+    return true;
 }
 
 // Changing
@@ -168,7 +164,8 @@ bool ZEnum::value(const ZSelector& name, int* value) const {
 }
 int ZEnum::value(const ZSelector& name) const {
     const int* found = byName.get(name);
-    return found ? *found : numberOf(name);
+    int number = 0;
+    return found ? *found : readNumber(name.string(), name.length(), number) ? number : 0;
 }
 bool ZEnum::valueLC(const ZSelector& lowerName, int* value) const {
     const int* found = byLowerName.get(lowerName);
@@ -177,7 +174,8 @@ bool ZEnum::valueLC(const ZSelector& lowerName, int* value) const {
 }
 int ZEnum::valueLC(const ZSelector& lowerName) const {
     const int* found = byLowerName.get(lowerName);
-    return found ? *found : numberOf(lowerName);
+    int number = 0;
+    return found ? *found : readNumber(lowerName.string(), lowerName.length(), number) ? number : 0;
 }
 
 ZSelector ZEnum::name(int value) const {
@@ -327,14 +325,6 @@ bool findEnumValue(const char* path, int length, int& value) {
     return items && items->value(name, &value);
 }
 
-int evaluateFull(const char* text, int length) {
-    int whole = 0;
-    if (findEnumValue(text, length, whole)) return whole;
-    return evaluate(text, length, [](const char* path, int n, int& value) {
-        if (!findEnumValue(path, n, value)) readNumber(path, n, value);
-    });
-}
-
 } // namespace
 
 int ZEnum::resolveText(const char* text, int length) const {
@@ -352,11 +342,18 @@ int ZEnum::resolve(const ZString& expression) const {
     return resolveText(text.text, text.length);
 }
 int ZEnum::resolve(const ZSelector& expression) const { return resolveText(expression.string(), expression.length()); }
+int ZEnum::resolveFull(const char* text, int length) {
+    int whole = 0;
+    if (findEnumValue(text, length, whole)) return whole;
+    return evaluate(text, length, [](const char* path, int n, int& value) {
+        if (!findEnumValue(path, n, value)) readNumber(path, n, value);
+    });
+}
 int ZEnum::resolveEnum(const ZString& expression) {
     const orv::detail::TextIn<char> text(expression.view());
-    return evaluateFull(text.text, text.length);
+    return resolveFull(text.text, text.length);
 }
-int ZEnum::resolveEnum(const ZSelector& expression) { return evaluateFull(expression.string(), expression.length()); }
+int ZEnum::resolveEnum(const ZSelector& expression) { return resolveFull(expression.string(), expression.length()); }
 
 bool ZEnum::enumValue(const ZSelector& path, int* value) {
     int found;

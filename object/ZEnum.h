@@ -147,7 +147,9 @@ private:
     using Names = ZHashMapT<ZSelector, ZKeyValueT<ZSelector, int>>;
     using Items = ZKeyMapT<ZValueKeyT<int>, ZEnumItem>;
 
+    static bool readNumber(const char* text, int length, int& value);
     int resolveText(const char* text, int length) const;
+    static int resolveFull(const char* text, int length);
     void joinBits(uint bits);
     void callByOther(int value);
     int step(int value, int by) const;

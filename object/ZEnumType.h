@@ -68,7 +68,6 @@ public:
     ZType* copy() const override;
     int compare(const ZType* other) const override;
     bool detach() override;
-    bool isDetached() const override;
     bool constructInstance(void* instance) override;
     bool destructInstance(void* instance) const override;
     using ZMetaType::copyInstance;
@@ -76,10 +75,8 @@ public:
     int compareInstance(const void* a, const void* b) const override;
     bool isNullData(const void* instance) const override;
     using ZMetaType::fromString;
-    /// Reads the text of a name, of several names of bit flags, or of a number.
+    /// Reads a number, a name, or several of both of bit flags; makes no selector.
     bool fromString(void* instance, const ZString& text) const override;
-    /// The name of the value; where it has none, the names of its bits if they make it up, else the number.
-    bool toString(const void* instance, ZString& text) const override;
     uint syntheticPropertyCount(const ZTypedPtr& typed) const override;
     bool syntheticProperty(const ZTypedPtr& typed, const ZSelector& name, ZProperty& found,
                            bool resolve) const override;
@@ -94,10 +91,12 @@ public:
                               bool notify) const override;
 
 private:
-    const orv::EnumTable* table() const;
-    const orv::EnumTable* buildTable() const;
+    orv::EnumTable* table() const;
+    orv::EnumTable* buildTable() const;
     template <class F> bool change(F&& edit);
+    bool readWord(const char* text, int length, int& value) const;
     bool known(const ZSelector& name, int& value) const;
+    bool isSet(const void* instance, int item) const;
 
     mutable toolkit::EpochPtr<orv::EnumTable> published; ///< null until first asked for
     const orv::glue::EnumRow* row = nullptr;

@@ -1,6 +1,7 @@
 #include "object/ZEnumType.h"
+#include "object/ZMetaTypeData.h"
 
-// The steps of an enumeration, asked of a type that may be none: it has no names, and each value stays where it is.
+// The enumerations nested in a type, and the steps of an enumeration, asked of a type that may be none: it has no names, and each value stays where it is.
 
 ZEnumType* ZMetaType::enumType() const {
     const ZMetaType* data = getDataType();
@@ -26,4 +27,17 @@ int ZMetaType::prevEnumValue(int value) const {
     toolkit::EpochGuard guard;
     const ZEnumType* items = enumType();
     return items ? items->data().prevValue(value) : value;
+}
+
+bool ZMetaType::collectEnums(ZArrayT<ZEnumType*>& enums) const {
+    const uint before = enums.count();
+    bool whole = true;
+    auto collect = [&](const ZMetaType* type) {
+        for (const auto& entry : type->getTypes())
+            if (ZEnumType* items = entry.value()->enumType(); items && whole) whole = enums.append(items);
+        return whole;
+    };
+    if (collect(this)) orv::eachAncestor(this, [&](const orv::Ancestor& base) { return collect(base.type); });
+    if (!whole) enums.remove(before, enums.count() - before);
+    return whole;
 }
