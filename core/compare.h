@@ -11,10 +11,13 @@ concept zcomparable = requires(const T& a) {
 }
 || requires(const T& a) { a < a; };
 
-/// The order of two values: the class's own `compare`, else `<` on numbers, enums and pointers; not-a-number comes last
+/// The order of two values: the class's own `order`, which classes have whose `compare` is more lenient than sorting
+/// allows, or its `compare`, else `<` on numbers, enums and pointers; not-a-number comes last
 /// and is equal to itself. Negative, 0 or positive.
 template <class T> inline int zcompare(const T& a, const T& b) {
-    if constexpr (requires { a.compare(b); })
+    if constexpr (requires { a.order(b); })
+        return a.order(b);
+    else if constexpr (requires { a.compare(b); })
         return a.compare(b);
     else if constexpr (std::is_floating_point_v<T>) {
         const bool numbers = a == a && b == b;

@@ -5,6 +5,7 @@
 #include "object/kindValues.h"
 #include "toolkit/epoch.h"
 #include "toolkit/hash.h"
+#include "value/ZVariant.h"
 
 #include <cstring>
 
@@ -32,6 +33,7 @@ int orderValues(const ZMetaType* type, const void* a, const void* b) {
     if (!type) return 0;
     if (isPlainKind(type->kind())) return orderKind(type->kind(), a, b, type->byteSize());
     if (type->kind() == ZMetaType::Pointer || type->holdsZType()) return type->compareInstance(a, b);
+    if (type->isVariant()) return static_cast<const ZVariant*>(a)->order(*static_cast<const ZVariant*>(b));
     toolkit::EpochGuard guard;
     if (hasOrder(type)) return type->compareInstance(a, b);
     int order = std::memcmp(a, b, type->byteSize());
@@ -51,6 +53,7 @@ uint hashValue(const ZMetaType* type, const void* value) {
             return hashValue(target ? type->mainOrSelf()->actualType(target) : nullptr, target);
         return toolkit::hashData(0, value, sizeof target, hashLimit);
     }
+    if (type->isVariant()) return static_cast<const ZVariant*>(value)->hashKey();
     toolkit::EpochGuard guard;
     ZMethod* method = type->getHashMethod();
     if (method && method->hasFunc() && method->fastWords() == 0) return callHash(method, value);
