@@ -4,9 +4,13 @@
 #include "object/ZMethod.h"
 #include "object/ZProperty.h"
 #include "toolkit/epoch.h"
+#include "value/typedInstance.h"
 
 namespace orv::plain {
 namespace {
+
+/// Longer rests of a path aren't asked for as one name.
+constexpr int longestRest = 512;
 
 void give(ZTypedPtr* typed, const ZTypedPtr& place) {
     if (typed) *typed = place;
@@ -14,46 +18,128 @@ void give(ZTypedPtr* typed, const ZTypedPtr& place) {
 bool isSynthetic(const ZTypedPtr& at, const ZSelector& name) {
     return at.type->isSynthetic() && at.type->hasSyntheticProperty(at, name);
 }
-/// The value of the first part of a path, and the parts behind it.
-ZVariant firstOf(const ZTypedPtr& at, const ZSelector& path, ZSelector& rest) {
-    rest = path.suffix();
-    return getProperty(at, nullptr, path.param(0), true);
+
+bool hasOwn(const ZTypedPtr& at, const ZSelector& name) {
+    return at.type->hasPropertyDef(name) || isSynthetic(at, name);
 }
 
-/// Writes a path into a map: to the key of that whole name if there is one, else into the value under its first part,
-/// else as a new key.
-bool setInMap(ZVariant& map, const ZSelector& path, const ZVariant& value) {
-    if (!map.hasKey(path) && path.deepName()) {
-        const ZSelector first = path.param(0);
-        if (map.hasKey(first)) {
-            ZVariant part = map.itemByKey(first);
-            if (part.isZType()) return part.setProperty(path.suffix(), value);
-            return part.detach() && part.setProperty(path.suffix(), value) && map.setItem(first, part);
+/// A property of the value itself, without a look at paths.
+bool readOwn(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name, bool expand, ZVariant& value) {
+    ZTypedPtr place(at);
+    if (at.type->getPropertyDef(&place, name, value)) {
+        give(typed, place);
+        if (expand) value = value.expand();
+        return true;
+    }
+    if (!isSynthetic(at, name)) return false;
+    give(typed, at);
+    value = at.type->getSyntheticProperty(at, name, expand);
+    return true;
+}
+
+bool writeOwn(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name, const ZVariant& value, bool notify) {
+    toolkit::EpochGuard guard;
+    ZTypedPtr place(at);
+    if (ZProperty* found = at.type->findPropertyDef(&place, name)) {
+        if (found->readOnly()) return false;
+        place = at;
+        ZMethod* setter = at.type->setterMethod(&place, name, false);
+        if (!setter || !place.type->setVariant(setter, place.instance, value)) return false;
+        give(typed, place);
+        return true;
+    }
+    if (!isSynthetic(at, name)) return false;
+    give(typed, at);
+    return at.type->setSyntheticProperty(at, name, value, notify);
+}
+
+/// Follows a path, value by value, to what has the rest of it as a property of its own: an instance, or the value that
+/// the last part is asked of. `found` is false if it leads nowhere.
+struct PathEnd {
+    bool found = false;
+    ZVariant holder; ///< keeps `at` alive
+    ZTypedPtr at;
+    ZSelector name;
+
+    PathEnd(const ZTypedPtr& from, const ZSelector& path) {
+        const int parts = path.deepName() ? path.parcount() : 0;
+        at = from;
+        for (int i = 0; i + 1 < parts; ++i) {
+            ZVariant next;
+            if (!readOwn(at, nullptr, path.param(i), true, next) || next.isNull()) return;
+            holder = std::move(next);
+            at = ZTypedPtr(holder);
+            name = path.param(i + 1);
+            if (i + 2 == parts) {
+                found = at.type != nullptr;
+                return;
+            }
+            const bool isInstance = detail::instanceOf(at);
+            if (!isInstance && (!at.type || !at.type->isSynthetic() || parts - i > longestRest)) continue;
+            name = path.extract(i + 1, parts);
+            if (isInstance || isSynthetic(at, name)) {
+                found = true;
+                return;
+            }
         }
     }
-    return map.setItem(path, value);
+    /// What the caller may be told of the place: one that outlives the search.
+    ZTypedPtr* place(ZTypedPtr* typed) const { return holder.isZType() ? typed : nullptr; }
+};
+
+/// Whether a map is written under the whole rest of a path rather than in the value of its first part.
+bool takesRest(const ZVariant& map, const ZSelector& path, int from, int parts) {
+    if (from + 1 == parts || !map.hasKey(path.param(from))) return true;
+    return parts - from <= longestRest && map.hasKey(path.extract(from, parts));
 }
 
-bool setDeep(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& path, const ZVariant& value, bool notify) {
-    ZSelector rest;
-    ZVariant part = firstOf(at, path, rest);
-    if (part.isNull() || rest.isEmpty()) return false;
-    // An instance is shared by who refers to it: it is written itself.
-    if (part.isZType()) return part.setProperty(rest, value);
-    if (!part.detach()) return false;
-    const bool isMap = part.typeIndexLabel() == ZMetaType::SelectMap;
-    if (!(isMap ? setInMap(part, rest, value) : part.setProperty(rest, value))) return false;
-    return setProperty(at, typed, path.param(0), part, notify);
+/// Writes a path: each value on the way is taken out and made private, the last one is changed, and all are put back.
+/// An instance is shared by who refers to it: it is written itself, and the way ends there.
+bool writePath(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& path, const ZVariant& value, bool notify) {
+    const int parts = path.parcount();
+    ZArrayT<ZVariant> way;
+    for (int i = 0;; ++i) {
+        if (i == parts) return false;
+        const ZSelector name = path.param(i);
+        if (i == 0) {
+            ZVariant first;
+            if (parts < 2 || !readOwn(at, nullptr, name, true, first) || !way.append(std::move(first))) return false;
+        } else {
+            ZVariant& holder = way[uint(i - 1)];
+            if (holder.isZType()) return holder.setProperty(i + 1 == parts ? name : path.extract(i, parts), value);
+            if (holder.isNull() || !holder.detach()) return false;
+            const bool isMap = holder.typeIndexLabel() == ZMetaType::SelectMap;
+            if (isMap && takesRest(holder, path, i, parts)) {
+                if (!holder.setItem(i + 1 == parts ? name : path.extract(i, parts), value)) return false;
+                break;
+            }
+            if (i + 1 == parts) {
+                if (!writeOwn(ZTypedPtr(holder), nullptr, name, value, notify)) return false;
+                break;
+            }
+            ZVariant next;
+            if (isMap)
+                next = holder.itemByKey(name);
+            else if (!readOwn(ZTypedPtr(holder), nullptr, name, true, next))
+                return false;
+            if (!way.append(std::move(next))) return false;
+        }
+    }
+    for (uint i = way.count(); --i > 0;) {
+        const ZVariant part = way[i];
+        ZVariant& holder = way[i - 1];
+        const bool isMap = holder.typeIndexLabel() == ZMetaType::SelectMap;
+        const ZSelector name = path.param(int(i));
+        if (!(isMap ? holder.setItem(name, part) : writeOwn(ZTypedPtr(holder), nullptr, name, part, notify)))
+            return false;
+    }
+    return writeOwn(at, typed, path.param(0), way[0], notify);
 }
 
 } // namespace
 
 bool property(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name, ZProperty& found, bool resolve) {
     if (name.isEmpty()) return false;
-    if (isSynthetic(at, name)) {
-        give(typed, at);
-        return at.type->syntheticProperty(at, name, found, resolve);
-    }
     ZTypedPtr place(at);
     if (at.type->propertyDef(&place, name, found)) {
         ZVariant value;
@@ -62,10 +148,12 @@ bool property(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name, ZPro
         give(typed, place);
         return true;
     }
-    if (!name.deepName()) return false;
-    ZSelector rest;
-    ZVariant part = firstOf(at, name, rest);
-    return !part.isNull() && ZTypedPtr(part).property(part.isZType() ? typed : nullptr, rest, found, resolve);
+    if (isSynthetic(at, name)) {
+        give(typed, at);
+        return at.type->syntheticProperty(at, name, found, resolve);
+    }
+    PathEnd end(at, name);
+    return end.found && end.at.property(end.place(typed), end.name, found, resolve);
 }
 
 ZProperty* findProperty(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name) {
@@ -89,33 +177,29 @@ ZProperty* findPropertyPath(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelect
 bool hasProperty(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name) {
     if (name.isEmpty()) return false;
     ZTypedPtr place(at);
-    if (isSynthetic(at, name) || at.type->hasPropertyDef(&place, name)) {
+    if (at.type->hasPropertyDef(&place, name) || isSynthetic(at, name)) {
         give(typed, place);
         return true;
     }
-    if (!name.deepName()) return false;
-    ZSelector rest;
-    ZVariant part = firstOf(at, name, rest);
-    return !part.isNull() && ZTypedPtr(part).hasProperty(part.isZType() ? typed : nullptr, rest);
+    PathEnd end(at, name);
+    return end.found && end.at.hasProperty(end.place(typed), end.name);
 }
 
 ZMetaType* getPropertyType(const ZTypedPtr& at, const ZSelector& name) { return propertyType(at, nullptr, name); }
 
 ZMetaType* propertyType(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name) {
     if (name.isEmpty()) return nullptr;
-    if (isSynthetic(at, name)) {
-        give(typed, at);
-        return at.type->getSyntheticPropertyType(at, name);
-    }
     ZTypedPtr place(at);
     if (ZMetaType* type = at.type->propertyDefType(&place, name)) {
         give(typed, place);
         return type;
     }
-    if (!name.deepName()) return nullptr;
-    ZSelector rest;
-    ZVariant part = firstOf(at, name, rest);
-    return part.isNull() ? nullptr : ZTypedPtr(part).propertyType(part.isZType() ? typed : nullptr, rest);
+    if (isSynthetic(at, name)) {
+        give(typed, at);
+        return at.type->getSyntheticPropertyType(at, name);
+    }
+    PathEnd end(at, name);
+    return end.found ? end.at.propertyType(end.place(typed), end.name) : nullptr;
 }
 
 ZSelector propertyOptions(const ZTypedPtr& at, const ZSelector& name) {
@@ -131,22 +215,10 @@ bool matchingPropertyType(const ZTypedPtr& at, const ZSelector& name, const ZMet
 }
 
 ZVariant getProperty(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name, bool expand) {
-    if (name.isEmpty()) return {};
-    if (isSynthetic(at, name)) {
-        give(typed, at);
-        return at.type->getSyntheticProperty(at, name, expand);
-    }
     ZVariant value;
-    ZTypedPtr place(at);
-    if (at.type->getPropertyDef(&place, name, value)) {
-        give(typed, place);
-        return expand ? value.expand() : value;
-    }
-    if (!name.deepName()) return {};
-    ZSelector rest;
-    ZVariant part = firstOf(at, name, rest);
-    if (part.isNull() || rest.isEmpty()) return {};
-    return ZTypedPtr(part).getProperty(part.isZType() ? typed : nullptr, rest, expand);
+    if (name.isEmpty() || readOwn(at, typed, name, expand, value)) return value;
+    PathEnd end(at, name);
+    return end.found ? end.at.getProperty(end.place(typed), end.name, expand) : ZVariant();
 }
 
 bool resolveProperty(const ZTypedPtr& at, const ZSelector& name, ZVariant& value) {
@@ -162,21 +234,8 @@ ZVariant storedProperty(const ZTypedPtr& at, const ZSelector& name) {
 
 bool setProperty(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name, const ZVariant& value, bool notify) {
     if (name.isEmpty()) return false;
-    toolkit::EpochGuard guard;
-    ZTypedPtr place(at);
-    if (ZProperty* found = at.type->findPropertyDef(&place, name)) {
-        if (found->readOnly()) return false;
-        place = at;
-        ZMethod* setter = at.type->setterMethod(&place, name, false);
-        if (!setter || !place.type->setVariant(setter, place.instance, value)) return false;
-        give(typed, place);
-        return true;
-    }
-    if (isSynthetic(at, name)) {
-        give(typed, at);
-        return at.type->setSyntheticProperty(at, name, value, notify);
-    }
-    return name.type() == ZSelector::UID && setDeep(at, typed, name, value, notify);
+    if (name.type() != ZSelector::UID || hasOwn(at, name)) return writeOwn(at, typed, name, value, notify);
+    return writePath(at, typed, name, value, notify);
 }
 
 bool containsVariableProperty(const ZTypedPtr& at) {
