@@ -259,8 +259,13 @@ bool ZVariant::initText(ZMetaType* type, const ZString& text) {
         typeBits = tagged(type);
         // Enums read the names of their items too.
         const int kind = type->kind();
-        if ((isPlainKind(kind) && kindFromString(kind, data, text)) ||
-            ((!isPlainKind(kind) || kind == ZMetaType::Enum) && type->fromString(data, text)))
+        int number;
+        if (kind == ZMetaType::Enum && text.toInt(number)) {
+            detail::setEnumNumber(type, data, number);
+            return true;
+        }
+        if (isPlainKind(kind) && kind != ZMetaType::Enum ? kindFromString(kind, data, text)
+                                                         : type->fromString(data, text))
             return true;
         clear();
         return false;
@@ -441,7 +446,7 @@ bool ZVariant::isNullData() const {
     if (!value) return true;
     ZMetaType* data = valueType();
     if (!data) return false;
-    if (isPlainKind(data->kind())) return isNullKind(data->kind(), value, data->byteSize());
+    if (detail::hasPlainKind(data)) return isNullKind(data->kind(), value, data->byteSize());
     return data->isNullData(value);
 }
 bool ZVariant::isPointer() const { return type() && type()->kind() == ZMetaType::Pointer; }

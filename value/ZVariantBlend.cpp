@@ -29,7 +29,7 @@ bool ZVariant::setIdentity() {
     void* value = getPtr();
     ZMetaType* own = valueType();
     if (!value || !own) return false;
-    if (isPlainKind(own->kind()) && isInline()) {
+    if (detail::hasPlainKind(own) && isInline()) {
         destructKind(own->kind(), value);
         constructKind(own->kind(), value, own->byteSize());
         return true;

@@ -37,8 +37,8 @@ template <class F> int ZVariant::compareWith(const ZVariant& other, F&& compareV
 
 int ZVariant::compare(const ZVariant& other) const {
     return compareWith(other, [](ZMetaType* type, const void* a, const void* b) {
-        return isPlainKind(type->kind()) ? compareKind(type->kind(), a, b, type->byteSize())
-                                         : type->compareInstance(a, b);
+        return detail::hasPlainKind(type) ? compareKind(type->kind(), a, b, type->byteSize())
+                                          : type->compareInstance(a, b);
     });
 }
 
@@ -98,6 +98,7 @@ bool ZVariant::matchValue(const ZVariant& other, real tolerance) const {
     if (!a || !b) return a == b;
     ZMetaType* own = isInline() ? type : detail::pointedType(type);
     if (!own) return a == b;
+    if (own->kind() == ZMetaType::Enum) return detail::enumNumber(own, a) == detail::enumNumber(own, b);
     if (isPlainKind(own->kind())) return plainMatch(own->kind(), a, b, own->byteSize(), tolerance);
     if (own->isVariant()) return static_cast<const ZVariant*>(a)->compare(*static_cast<const ZVariant*>(b)) == 0;
     bool answer = false;

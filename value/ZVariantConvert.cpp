@@ -13,17 +13,24 @@ namespace {
 struct Source {
     int kind = -1;
     const void* value = nullptr;
+    int enumValue;
 
     explicit Source(const ZVariant& variant) : value(variant.getPtr()) {
         ZMetaType* type = variant.type();
         if (!type || !value) return;
         kind = type->kind();
-        if (ORV_LIKELY(kind <= ZMetaType::String)) return;
-        // The kind of what a pointer, or a type that stands for another, leads to.
-        ZMetaType* own = detail::pointedType(type);
-        ZMetaType* data = own ? own->getDataType() : nullptr;
-        kind = data ? data->kind() : -1;
+        if (ORV_UNLIKELY(kind > ZMetaType::String)) {
+            // The kind of what a pointer, or a type that stands for another, leads to.
+            ZMetaType* own = detail::pointedType(type);
+            type = own ? own->getDataType() : nullptr;
+            kind = type ? type->kind() : -1;
+        }
+        if (ORV_UNLIKELY(kind == ZMetaType::Enum)) {
+            enumValue = detail::enumNumber(type, value);
+            value = &enumValue;
+        }
     }
+    Source(const Source&) = delete;
     const ZString& text() const { return *static_cast<const ZString*>(value); }
     const ZSelector& name() const { return *static_cast<const ZSelector*>(value); }
 };
@@ -65,6 +72,21 @@ bool readInteger(const ZVariant& variant, T* out, FromText fromText, FromName fr
 }
 
 } // namespace
+
+int detail::enumNumber(const ZMetaType* type, const void* value) {
+    switch (type->byteSize()) {
+    case 1:
+        return plainAt<int8>(value);
+    case 2:
+        return plainAt<int16>(value);
+    default:
+        return plainAt<int>(value);
+    }
+}
+void detail::setEnumNumber(const ZMetaType* type, void* value, int number) {
+    const large wide = number;
+    std::memcpy(value, &wide, type->byteSize() < sizeof wide ? type->byteSize() : sizeof wide);
+}
 
 // Getters
 
@@ -141,7 +163,7 @@ ZString ZVariant::toString() const {
         return kindToString(source.kind, source.value);
     ZString text;
     ZMetaType* own = valueType();
-    if (own && source.value) own->toString(source.value, text);
+    if (own && source.value) own->toString(getPtr(), text);
     return text;
 }
 
@@ -171,7 +193,10 @@ bool ZVariant::initFrom(ZMetaType* type, const ZVariant& value) {
     Source source(value);
     if (value.type() == type && !value.isNull()) return value.plain() ? (takeBytes(value), true) : copyFrom(value);
     if (isNumberKind(kind) && isNumberKind(source.kind)) {
-        if (!convertKind(kind, data, source.kind, source.value)) return false;
+        if (kind == ZMetaType::Enum)
+            detail::setEnumNumber(type, data, value.toInt());
+        else if (!convertKind(kind, data, source.kind, source.value))
+            return false;
         typeBits = tagged(type);
         return true;
     }

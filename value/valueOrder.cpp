@@ -1,11 +1,13 @@
 #include "value/valueOrder.h"
 
+#include "core/compare.h"
 #include "object/ZMetaType.h"
 #include "object/ZMethod.h"
 #include "object/kindValues.h"
 #include "toolkit/epoch.h"
 #include "toolkit/hash.h"
 #include "value/ZVariant.h"
+#include "value/variantTypes.h"
 
 #include <cstring>
 
@@ -31,8 +33,8 @@ int orderValues(const ZMetaType* type, const void* a, const void* b) {
     if (a == b) return 0;
     if (!a || !b) return a ? -1 : 1;
     if (!type) return 0;
-    if (isPlainKind(type->kind())) return orderKind(type->kind(), a, b, type->byteSize());
-    if (type->kind() == ZMetaType::Pointer || type->holdsZType()) return type->compareInstance(a, b);
+    if (detail::hasPlainKind(type)) return orderKind(type->kind(), a, b, type->byteSize());
+    if (type->kind() <= ZMetaType::Pointer || type->holdsZType()) return type->compareInstance(a, b);
     if (type->isVariant()) return static_cast<const ZVariant*>(a)->order(*static_cast<const ZVariant*>(b));
     toolkit::EpochGuard guard;
     if (hasOrder(type)) return type->compareInstance(a, b);
@@ -43,7 +45,8 @@ int orderValues(const ZMetaType* type, const void* a, const void* b) {
 uint hashValue(const ZMetaType* type, const void* value) {
     if (!type || !value) return 0;
     const int kind = type->kind();
-    if (isPlainKind(kind)) return hashKind(kind, value, type->byteSize());
+    if (detail::hasPlainKind(type)) return hashKind(kind, value, type->byteSize());
+    if (kind == ZMetaType::Enum) return zhashkey(detail::enumNumber(type, value));
     if (type->holdsZType()) return static_cast<const ZType*>(value)->hashKey();
     if (kind == ZMetaType::Pointer) {
         // Pointers are equal when what they point to is.

@@ -12,6 +12,16 @@ ZMetaType* variantType(ZMetaType* type);
 /// Null for pointers to pointers and to anything.
 ZMetaType* pointedType(ZMetaType* type);
 
+/// The number that a value of an enum type stands for; enums have 1, 2, 4 or 8 bytes.
+int enumNumber(const ZMetaType* type, const void* value);
+/// Writes it to `type->byteSize()` bytes.
+void setEnumNumber(const ZMetaType* type, void* value, int number);
+
+/// Whether the operations of object/kindValues.h hold for values of the type: enums may have any size.
+inline bool hasPlainKind(const ZMetaType* type) {
+    return type->kind() <= ZMetaType::String && (type->kind() != ZMetaType::Enum || type->byteSize() == sizeof(int));
+}
+
 /// Whether values of the type are pointers to an instance of a `ZType` class.
 bool refersToInstance(const ZMetaType* type);
 
