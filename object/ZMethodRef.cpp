@@ -98,7 +98,7 @@ ZVariant construct(const ZMethod* constructor, ZMetaType* type, const ZVariant* 
     }
     ZVariant made;
     if (type->holdsZType()) {
-        made.setValue(type->getPtrType(), &memory, false, false);
+        made.setValue(type->getPtrType(), memory, false, false);
     } else if (made.setValue(type, memory, false, false) && type->heldInline()) {
         zfree(memory);
     }

@@ -116,11 +116,11 @@ ZVariant wrapAddress(const MethodParam& param, void* address, bool owned) {
     if (!address || !param.data || param.pointers > 1) return {};
     ZVariant wrapped;
     if (param.data->holdsZType()) {
-        wrapped.setValue(param.data->getPtrType(), &address, !owned, false);
+        wrapped.setValue(param.data->getPtrType(), address, !owned, false);
     } else if (param.passing == Passing::Reference) {
         return copiedValue(param, address);
     } else if (owned) {
-        wrapped.setValue(param.type, &address, false, false);
+        wrapped.setValue(param.type, address, false, false);
     } else if (param.kind == ZMetaType::Char && param.isConst) {
         return ZVariant(ZString(static_cast<const char*>(address)));
     } else if (param.kind != ZMetaType::Void && param.kind != ZMetaType::Unknown && param.data->byteSize()) {

@@ -82,8 +82,7 @@ bool takeBuilt(ZMethod* method, const void* instance, const AccessorWord* words,
     if (!memory) return false;
     ArgumentBlock block(memory, words, count);
     method->getStacked()(instance, method, block.bytes);
-    if (plan.type->heldInline()) return result.setValue(plan.type, memory, false, false);
-    if (!plan.type->holdsZType()) return result.setValue(plan.type, memory, false, true);
+    if (!plan.type->holdsZType()) return result.setValue(plan.type, memory, false, false);
     auto own = static_cast<ZType*>(memory);
     result.setType(own);
     own->release();
@@ -177,7 +176,7 @@ bool callAccessor(ZMethod* method, const void* instance, const AccessorWord* wor
     }
     case ReadPlan::Pointer: {
         void* pointer = callFast(method, instance, words, count);
-        return result.setValue(plan.type, &pointer, !plan.owned, false);
+        return result.setValue(plan.type, pointer, !plan.owned, false);
     }
     case ReadPlan::Address:
         return takeCopy(plan, callFast(method, instance, words, count), result);

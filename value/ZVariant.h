@@ -132,9 +132,9 @@ public:
     bool setValue(const void* value);
     /// The value that a text stands for. False, with the variant as it was, if it stands for none.
     bool setValue(ZMetaType* type, const ZString& text);
-    /// The general form. With `dereference` the address is that of a pointer to the value. Without `copy` the value
-    /// changes hands: one that lives in the variant is taken out of the memory, which is raw then; a reference is taken
-    /// over from the caller.
+    /// The general form. The address is that of the value; for pointer types and `ZType` classes, the pointer itself.
+    /// With `dereference` it is read from there first. Without `copy` the value changes hands: one that lives in the
+    /// variant is taken out of the memory, which is raw then; of others the caller's reference is taken over.
     bool setValue(ZMetaType* type, const void* value, bool copy, bool dereference);
     bool assign(const ZVariant& other) {
         if (ORV_UNLIKELY(!(plain() && other.plain()))) return assignFrom(other);
