@@ -7,6 +7,7 @@
 #include "object/ZObjectData.h"
 #include "object/kindValues.h"
 #include "object/packageTypes.h"
+#include "object/ztype.h"
 
 #include <cstring>
 
@@ -14,8 +15,12 @@ namespace {
 
 constexpr int metaRoom = orv::internalRoom(sizeof(orv::MetaTypeData));
 
-/// The label of a type's lock; it has to outlive the lock, so it says only what stands in memory for ever.
-constexpr const char* lockText = "ZMetaType";
+/// The label of the lock of a type that is going: the text with its name goes before the lock does.
+constexpr const char* lastLabel = "ZMetaType";
+constexpr const char* labelStart = "ZMetaType - ";
+
+/// The tag for a metatype that was given none.
+const __ZPassMetaType* ownTag(const __ZPassMetaType* type) { return type ? type : orv::passType(ztype<ZMetaType>()); }
 
 } // namespace
 
@@ -39,14 +44,14 @@ ZMetaType::ZMetaType(const __ZPassMetaType* type, ZInternal* given)
     : ZMetaType(nullptr, ZSelector(), Unknown, type, given) {}
 
 ZMetaType::ZMetaType(ZPackage* package, const ZSelector& name, Type kind, const __ZPassMetaType* type, ZInternal* given)
-    : ZObject(type, ZInternal::direct(nullptr, internalSizeOfType(true), given)) {
+    : ZObject(ownTag(type), ZInternal::direct(nullptr, internalSizeOfType(true), given)) {
     setup(name, kind);
     enterPackage(package);
 }
 
 ZMetaType::ZMetaType(ZPackage* package, const ZSelector& name, Type kind, const ZArrayT<ZSelector>& baseNames,
                      const __ZPassMetaType* type, ZInternal* given)
-    : ZObject(type, ZInternal::direct(nullptr, internalSizeOfType(true), given)) {
+    : ZObject(ownTag(type), ZInternal::direct(nullptr, internalSizeOfType(true), given)) {
     setup(name, kind);
     if (!own) return;
     own->package = package;
@@ -56,7 +61,7 @@ ZMetaType::ZMetaType(ZPackage* package, const ZSelector& name, Type kind, const 
 
 ZMetaType::ZMetaType(ZPackage* package, const ZSelector& name, Type kind, const ZArrayT<ZMetaType*>& baseTypes,
                      const __ZPassMetaType* type, ZInternal* given)
-    : ZObject(type, ZInternal::direct(nullptr, internalSizeOfType(true), given)) {
+    : ZObject(ownTag(type), ZInternal::direct(nullptr, internalSizeOfType(true), given)) {
     setup(name, kind);
     if (!own) return;
     if (!setBaseTypes(baseTypes)) ZError::fail();
@@ -64,7 +69,7 @@ ZMetaType::ZMetaType(ZPackage* package, const ZSelector& name, Type kind, const 
 }
 
 ZMetaType::ZMetaType(const ZMetaType* source, const __ZPassMetaType* type, ZInternal* given)
-    : ZObject(source, type, ZInternal::direct(nullptr, internalSizeOfType(true), given)) {
+    : ZObject(source, ownTag(type), ZInternal::direct(nullptr, internalSizeOfType(true), given)) {
     setup(source->own->name, source->typeKind);
     if (!own) return;
     typeSize = source->typeSize;
@@ -94,13 +99,28 @@ void ZMetaType::setup(const ZSelector& name, Type kind) {
         return;
     }
     own = ::new (part) orv::MetaTypeData;
-    setmemlocklabel(this, lockText, 0);
+    labelLock(name);
     own->name = name;
     own->ptrCount = name.ptrCount();
     own->isReference = name.isReference();
     setIsMetaType(true);
     setSelector(name);
     updateInline();
+}
+
+/// The label's text isn't copied by the lock; the type keeps it.
+void ZMetaType::labelLock(const ZSelector& name) {
+    const size_t start = std::strlen(labelStart), length = size_t(name.length());
+    auto text = static_cast<char*>(__zalloc(start + length + 1));
+    if (!text) {
+        ZError::fail();
+        return;
+    }
+    std::memcpy(text, labelStart, start);
+    if (length) std::memcpy(text + start, name.string(), length);
+    text[start + length] = 0;
+    own->lockLabel = text;
+    setmemlocklabel(this, text, 0);
 }
 
 void ZMetaType::copyRecord(const orv::MetaTypeData& source) {
@@ -140,6 +160,10 @@ ZMetaType::~ZMetaType() {
     setSingleton(nullptr);
     leaveMainType();
     if (own->package && !mainType) orv::unlinkPackageType(own->package, this);
+    setmemlocklabel(this, lastLabel, 0);
+    zfree(own->lockLabel);
+    orv::retireAncestors(own->ancestors.publish(nullptr));
+    orv::retireStored(own->stored.publish(nullptr));
     own->~MetaTypeData();
     own = nullptr;
 }

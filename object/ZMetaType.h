@@ -187,7 +187,7 @@ public:
     /// A copy of a value in a counted block of its own, built by what builds copies in place; null if that fails.
     void* copyToBlock(const void* source) const;
     /// The record of an operation that is called on instances, see `orv::MetaTypeData::InlineOperation`.
-    const ZInlineMethod& operation(int which) const;
+    const ZInlineMethod& inlineOperation(int which) const;
     /// The type whose bases count for this one: that of a qualified variant is its main type.
     const ZMetaType* relationType() const;
     /// The declared bases and aliases as they are now.
@@ -778,6 +778,7 @@ protected:
 
     /// Makes the private part; a failure is raised without memory.
     void setup(const ZSelector& name, Type kind);
+    void labelLock(const ZSelector& name);
     void copyRecord(const orv::MetaTypeData& source);
     bool copyBases(const orv::MetaTypeData& source);
     void enterPackage(ZPackage* package);
@@ -785,6 +786,12 @@ protected:
     ZSelector operationName(int which) const;
     /// The type that flags, words and callbacks stand in: that of a qualified variant is its main type.
     const ZMetaType* described() const;
+    bool blendPointer(void* instance, const void* a, const void* b, const ZBlendPos& pos) const;
+    void changeImplicitTo(ZMetaType* type, bool add);
+    void clearImplicitMap();
+    bool constructByMethod(void* instance, const ZVariant& source);
+    bool constructPointer(void* instance, const ZVariant& source);
+    bool buildInstance(void* zeroed);
     ZSelector derefReference() const;
     ZMetaType* findNested(const ZSelector& name) const;
     /// Lets the main type go, which goes itself.

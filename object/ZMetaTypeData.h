@@ -27,6 +27,21 @@ struct AncestorList : toolkit::EpochLink {
     const Ancestor* entries() const { return reinterpret_cast<const Ancestor*>(this + 1); }
 };
 
+/// A stored property of a type, its own or inherited. Borrowed: its table holds the record.
+struct StoredProperty {
+    ZProperty* property;
+    int offset; ///< of the field in an instance of the type that has the list; -1 if there is no field
+};
+
+/// All stored properties of a type. Published whole; replaced when tables change.
+struct StoredList : toolkit::EpochLink {
+    ularge tables; ///< see `tableGeneration`
+    ularge types;  ///< see `typeGeneration`
+    uint count;
+    StoredProperty* entries() { return reinterpret_cast<StoredProperty*>(this + 1); }
+    const StoredProperty* entries() const { return reinterpret_cast<const StoredProperty*>(this + 1); }
+};
+
 /// A declared base or alias. Its type is null as long as the name can't be resolved.
 struct BaseLink {
     ZSelector name;
@@ -39,6 +54,12 @@ inline void basesChanged() {
     typesChanged();
     tablesChanged();
 }
+
+/// A category that extends a type; its package holds it.
+struct CategoryLink {
+    ZSelector name;
+    ZTypeCategory* category = nullptr;
+};
 
 enum TableState : byte { tableUnbuilt, tableBuilding, tableBuilt };
 
@@ -64,6 +85,8 @@ struct MetaTypeData {
     ZLock change;   ///< "ZMetaType::change_lock"
     ZLock basetype; ///< "ZMetaType::basetype_lock": bases, aliases, descendants, conversions
     ZLock variants; ///< "ZMetaType::variants_lock": variants and copies
+
+    char* lockLabel = nullptr; ///< text of the label of the type's own lock
 
     // Set before the type can be found, fixed then
 
@@ -92,14 +115,13 @@ struct MetaTypeData {
     int internalOffset = 0;
     bool dynamicInternal = false;
     int calculatedInternalSize = -1;
-    int storedPropertyCount = -1;
 
     // Base graph
 
     ZArrayT<BaseLink> bases;
     ZArrayT<BaseLink> aliases;
-    ZListT<ZMetaType*> descendants; ///< not retained: each leaves the list when it goes
-    ZArrayT<ZMetaType*> implicitTo, implicitFrom;
+    ZListT<ZMetaType*> descendants;              ///< not retained: each leaves the list when it goes
+    ZListT<ZMetaType*> implicitTo, implicitFrom; ///< not retained: who goes leaves the lists of others
     toolkit::EpochPtr<AncestorList> ancestors;
     ZMetaType* primaryBase = nullptr;
     bool singleBase = false;
@@ -114,7 +136,7 @@ struct MetaTypeData {
     ZMetaType* ownerType = nullptr; ///< the one that this is nested in
     ZMetaType::Types nested;
     byte typesState = tableUnbuilt; ///< of `nested`
-    ZArrayT<ZTypeCategory*> categories;
+    ZArrayT<CategoryLink> categories;
 
     // Callbacks and what was made of them
 
@@ -134,6 +156,7 @@ struct MetaTypeData {
 
     MethodTables methods;
     PropertyTables properties;
+    toolkit::EpochPtr<StoredList> stored;
     /// Operations that a metatype calls on instances of its type.
     enum InlineOperation {
         inlineConstructor,
@@ -176,6 +199,10 @@ template <class F> void eachBase(const ZMetaType* type, F use) {
         if (link.type && !use(link.type)) return;
 }
 
+/// The stored properties of a type, borrowed under an open guard. Null without memory.
+const StoredList* storedOf(const ZMetaType* type);
+void retireStored(StoredList* list);
+
 /// Gathers the ancestors of a type.
 struct AncestorWalk {
     Ancestor* entries = nullptr;
@@ -190,6 +217,21 @@ struct AncestorWalk {
 private:
     bool add(const ZMetaType* type, int offset, uint depth, bool isAlias);
     bool addLinks(const Ancestor& of);
+};
+
+/// Gathers the stored properties of a type and its bases.
+struct StoredWalk {
+    StoredProperty* entries = nullptr;
+    uint count = 0, room = 0;
+
+    StoredWalk() = default;
+    StoredWalk(const StoredWalk&) = delete;
+    ~StoredWalk() { zfree(entries); }
+    /// False without memory.
+    bool collect(const ZMetaType* type, int offset, int depth);
+
+private:
+    bool add(ZProperty* property, int offset);
 };
 
 } // namespace orv

@@ -29,7 +29,7 @@ void* pointee(const void* instance) {
 /// False if the type declares none.
 bool callOperation(const ZMetaType* type, Data::InlineOperation which, const void* instance, void* result) {
     toolkit::EpochGuard guard;
-    ZMethod* method = type->operation(which).getMethod();
+    ZMethod* method = type->inlineOperation(which).getMethod();
     if (!method || !method->hasStacked()) return false;
     int offset = 0;
     if (method->getOwner() && !type->upcastOffset(method->getOwner(), offset)) return false;
@@ -75,7 +75,7 @@ void* ZMetaType::createInstance() {
     }
     ZTypeLabel<ZMetaType> label;
     void* instance = __znalloc(size);
-    if (!instance || constructInstance(instance)) return instance;
+    if (!instance || buildInstance(instance)) return instance;
     toolkit::freeBlock(instance);
     return nullptr;
 }
@@ -113,6 +113,12 @@ void* ZMetaType::retainInstance(void* instance) const {
 }
 
 bool ZMetaType::constructInstance(void* instance) {
+    if (!instance) return false;
+    std::memset(instance, 0, typeSize);
+    return buildInstance(instance);
+}
+
+bool ZMetaType::buildInstance(void* instance) {
     if (auto construct = callback<bool (*)(void*, ZMetaType*)>(this, ConstructInstance))
         return construct(instance, this);
     if (orv::isPlainKind(typeKind)) {
@@ -126,9 +132,8 @@ bool ZMetaType::constructInstance(void* instance) {
         return true;
     }
     // What no class stands behind is zero bytes, unless the type declares a constructor.
-    std::memset(instance, 0, typeSize);
     toolkit::EpochGuard guard;
-    ZMethod* method = operation(Data::inlineConstructor).getMethod();
+    ZMethod* method = inlineOperation(Data::inlineConstructor).getMethod();
     if (!method || !method->hasStacked()) return typeKind < Dynamic;
     ZFailGuard failures;
     const __ZPassMetaType* block[1] = {orv::passType(this)};
@@ -167,7 +172,10 @@ void* ZMetaType::copyToBlock(const void* source) const {
 
 bool ZMetaType::copyInstance(void* target, const void* source) const {
     if (!target || !source) return false;
-    if (auto copy = callback<bool (*)(void*, const void*)>(this, CopyInstance1)) return copy(target, source);
+    if (auto copy = callback<bool (*)(void*, const void*)>(this, CopyInstance1)) {
+        std::memset(target, 0, typeSize);
+        return copy(target, source);
+    }
     if (orv::isPlainKind(typeKind)) {
         orv::constructKind(typeKind, target, typeSize);
         orv::copyKind(typeKind, target, source, typeSize);
@@ -322,7 +330,7 @@ ZSelector ZMetaType::operationName(int which) const {
     }
 }
 
-const ZInlineMethod& ZMetaType::operation(int which) const {
+const ZInlineMethod& ZMetaType::inlineOperation(int which) const {
     Data& data = *described()->own;
     const uint bit = 1u << which;
     if (ORV_LIKELY(toolkit::loadAcquire(data.operationsAimed) & bit)) return data.operations[which];

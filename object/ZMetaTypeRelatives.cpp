@@ -212,8 +212,15 @@ ZArrayT<ZMetaType*> ZMetaType::getCopies() const {
 void ZMetaType::clearLinkedTypes() {
     releaseBases();
     releaseAliases();
-    ZScopedLock held(own->basetype);
-    own->implicitTo = {};
-    own->implicitFrom = {};
-    own->templateType = nullptr;
+    clearImplicitMap();
+    ZListT<ZMetaType*> targets;
+    {
+        ZScopedLock held(own->basetype);
+        targets = std::exchange(own->implicitTo, {});
+    }
+    for (ZMetaType* target : targets) {
+        ZScopedLock held(target->own->basetype);
+        target->own->implicitFrom.remove(this);
+    }
+    toolkit::storeRelease(own->templateType, nullptr);
 }

@@ -4,13 +4,15 @@
 #include "core/memlock.h"
 #include "object/ZMetaType.h"
 #include "object/ZPropertyPtr.h"
+#include "object/ztype.h"
 
 // Lifetime
 
-ZType::ZType(const __ZPassMetaType* type) : metaType(orv::passedType(type)) {
+ZType::ZType(const __ZPassMetaType* type) : metaType(type ? orv::passedType(type) : ztype<ZType>()) {
     if (metaType) metaType->beginInstance(this);
 }
-ZType::ZType(const ZType* source, const __ZPassMetaType* type) : metaType(orv::passedType(type)) {
+ZType::ZType(const ZType* source, const __ZPassMetaType* type)
+    : metaType(type ? orv::passedType(type) : ztype<ZType>()) {
     if (source) dynamicProperties = source->dynamicProperties;
     if (metaType) metaType->beginInstance(this);
 }
