@@ -154,6 +154,8 @@ void ZMetaType::copyRecord(const orv::MetaTypeData& source) {
 
 ZMetaType::~ZMetaType() {
     if (!own) return;
+    // Only an instance knows its private copy.
+    if (!own->localType) orv::typesRemoved();
     clearVariants();
     clearLinkedTypes();
     clearSubTypes();
@@ -210,7 +212,7 @@ ZMetaType::Type ZMetaType::getType(bool data) const { return data ? getDataType(
 void ZMetaType::setTypeType(Type kind) {
     typeKind = kind;
     updateInline();
-    orv::basesChanged();
+    orv::typesChanged();
 }
 uint ZMetaType::getSize() const { return typeSize; }
 void ZMetaType::setSize(uint bytes) {
@@ -260,7 +262,7 @@ void ZMetaType::setFlags(uint flags) {
             base->resetWrapper();
             return true;
         });
-    if (old != flags) orv::basesChanged();
+    if (old != flags) orv::typesChanged();
 }
 bool ZMetaType::polymorphic() const { return getFlags() & Polymorphic; }
 bool ZMetaType::storable() const { return getFlags() & Storable; }

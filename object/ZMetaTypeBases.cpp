@@ -240,7 +240,7 @@ void ZMetaType::setBaseOffset(int index, int bytes) {
         if (!link) return;
         link->offset = bytes;
     }
-    orv::basesChanged();
+    orv::typesChanged();
 }
 
 ZMetaType* ZMetaType::primaryBase() const { return toolkit::loadAcquire(relationType()->own->primaryBase); }
@@ -261,7 +261,7 @@ void ZMetaType::basesWereSet() {
     toolkit::storeRelease(own->primaryBase, first);
     toolkit::store(own->singleBase, count == 1 && (first->baseCount() == 0 || first->isSingleBase()));
     own->calculatedInternalSize = -1;
-    orv::basesChanged();
+    orv::typesChanged();
 }
 
 bool ZMetaType::acceptsBase(const ZMetaType* base) const {
@@ -409,7 +409,7 @@ void ZMetaType::releaseAliases() {
         aliases = std::exchange(own->aliases, {});
     }
     if (aliases.isEmpty()) return;
-    orv::basesChanged();
+    orv::typesChanged();
     for (const orv::BaseLink& link : std::as_const(aliases))
         if (link.type) link.type->release();
 }
@@ -429,7 +429,7 @@ bool ZMetaType::addAlias(ZMetaType* type) {
         if (!own->aliases.append(link)) return false;
     }
     type->retain();
-    orv::basesChanged();
+    orv::typesChanged();
     return true;
 }
 bool ZMetaType::addAlias(const ZSelector& name) {

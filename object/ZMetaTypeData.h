@@ -5,7 +5,6 @@
 #include "object/ZMetaType.h"
 #include "object/methodTables.h"
 #include "object/propertyTables.h"
-#include "object/tableGeneration.h"
 #include "object/typeGeneration.h"
 #include "toolkit/epoch.h"
 
@@ -35,8 +34,7 @@ struct StoredProperty {
 
 /// All stored properties of a type. Published whole; replaced when tables change.
 struct StoredList : toolkit::EpochLink {
-    ularge tables; ///< see `tableGeneration`
-    ularge types;  ///< see `typeGeneration`
+    ularge generation; ///< see `typeGeneration`
     uint count;
     StoredProperty* entries() { return reinterpret_cast<StoredProperty*>(this + 1); }
     const StoredProperty* entries() const { return reinterpret_cast<const StoredProperty*>(this + 1); }
@@ -48,12 +46,6 @@ struct BaseLink {
     ZMetaType* type = nullptr; ///< one reference
     int offset = 0;
 };
-
-/// To be called when a base, an alias, a word or a flag of a type that is in use has changed.
-inline void basesChanged() {
-    typesChanged();
-    tablesChanged();
-}
 
 /// A category that extends a type; its package holds it.
 struct CategoryLink {
@@ -181,8 +173,8 @@ struct MetaTypeData {
 };
 
 /// The ancestors of a type, borrowed under an open guard. Null without memory.
-const AncestorList* ancestorsOf(const ZMetaType* type);
-void retireAncestors(AncestorList* list);
+ORV_API const AncestorList* ancestorsOf(const ZMetaType* type);
+ORV_API void retireAncestors(AncestorList* list);
 
 /// Calls `use(const Ancestor&)` for each ancestor, nearest first, until one answers false. Without memory for none.
 template <class F> void eachAncestor(const ZMetaType* type, F use) {

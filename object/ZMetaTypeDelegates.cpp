@@ -48,7 +48,7 @@ void ZMetaType::updateDelegate(ZObject* delegate) {
 }
 
 void ZMetaType::changed() {
-    orv::basesChanged();
+    orv::typesChanged();
     eachObject(this, [](ZObject* object) { object->resetMethods(); });
 }
 

@@ -138,7 +138,7 @@ void ZMetaType::removeSubTypes() {
 }
 void ZMetaType::resetSubTypes() {
     clearSubTypes();
-    orv::basesChanged();
+    orv::typesChanged();
 }
 
 bool ZMetaType::createTypes() {

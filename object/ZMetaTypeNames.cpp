@@ -101,7 +101,7 @@ ZSelector ZMetaType::nameLabel() const {
 void ZMetaType::setNameLabel(const ZSelector& label) { writeField(*own, own->nameLabel, label); }
 ZSelector ZMetaType::getExtraFlags() const { return readField(*described()->own, described()->own->extraFlags); }
 void ZMetaType::setExtraFlags(const ZSelector& words) {
-    if (writeField(*own, own->extraFlags, words)) orv::basesChanged();
+    if (writeField(*own, own->extraFlags, words)) orv::typesChanged();
 }
 ZSelector ZMetaType::getSandBoxName() const { return readField(*described()->own, described()->own->sandBoxName); }
 void ZMetaType::setSandBoxName(const ZSelector& name) { writeField(*own, own->sandBoxName, name); }

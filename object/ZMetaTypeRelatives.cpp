@@ -129,9 +129,9 @@ void ZMetaType::clearVariants() {
         gone.swap(own->qualified);
     }
     if (gone.isEmpty()) return;
+    orv::typesRemoved();
     // Whoever still holds one has a type of its own now, with what it knew of this one.
     for (const auto& entry : std::as_const(gone)) entry.value()->standAlone();
-    orv::basesChanged();
 }
 
 void ZMetaType::standAlone() {

@@ -30,9 +30,7 @@ bool StoredWalk::collect(const ZMetaType* type, int offset, int depth) {
     type->relationType()->copyLinks(bases, aliases);
     for (const BaseLink& link : std::as_const(bases))
         if (link.type && !collect(link.type, offset + link.offset, depth + 1)) return false;
-    const ZMetaType* declared = type->relationType();
-    const_cast<ZMetaType*>(declared)->createProperties();
-    for (const ZPropertyPtr& entry : declared->record().properties.typeTree())
+    for (const ZPropertyPtr& entry : declaredProperties(type->relationType()))
         if (ZProperty* property = entry.property())
             if (property->storable() && !add(property, property->offset() < 0 ? -1 : offset + property->offset()))
                 return false;
@@ -48,15 +46,15 @@ const StoredList* storedOf(const ZMetaType* type) {
     type = type->relationType();
     auto& cell = const_cast<MetaTypeData&>(type->record()).stored;
     for (;;) {
-        const ularge tables = tableGeneration(), types = typeGeneration();
+        const ularge now = typeGeneration();
         StoredList* known = cell.load();
-        if (ORV_LIKELY(known && known->tables == tables && known->types == types)) return known;
+        if (ORV_LIKELY(known && known->generation == now)) return known;
         StoredWalk walk;
         if (!walk.collect(type, 0, 0)) return nullptr;
         const size_t bytes = walk.count * sizeof(StoredProperty);
         auto fresh = static_cast<StoredList*>(__zalloc(sizeof(StoredList) + bytes));
         if (!fresh) return nullptr;
-        ::new (fresh) StoredList{{}, tables, types, walk.count};
+        ::new (fresh) StoredList{{}, now, walk.count};
         if (bytes) __builtin_memcpy(fresh->entries(), walk.entries, bytes);
         // Building a table at the first demand is no change, but one that came meanwhile makes this list an old one.
         if (cell.publishOver(known, fresh)) {

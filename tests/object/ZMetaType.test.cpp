@@ -20,14 +20,22 @@ TEST_F(MetaType, KindsAnswerByTheirOrder) {
         bool primitive, isZType, isZObject, atomic, inlineValue;
     };
     const Row rows[] = {
-        {Kind::Void, 0, true, false, false, true, true},        {Kind::Bool, 1, true, false, false, true, true},
-        {Kind::Real, 8, true, false, false, true, true},        {Kind::Selector, 4, false, false, false, true, true},
-        {Kind::String, 16, false, false, false, true, true},    {Kind::Pointer, 8, false, false, false, true, false},
-        {Kind::TypeDef, 24, false, false, false, true, false},  {Kind::Structure, 16, false, false, false, true, true},
-        {Kind::Structure, 17, false, false, false, false, false}, {Kind::Composite, 12, false, false, false, true, true},
-        {Kind::Class, 16, false, false, false, true, true},     {Kind::Class, 24, false, false, false, false, false},
-        {Kind::Interface, 8, false, false, false, false, true}, {Kind::Atomic, 40, false, false, false, true, false},
-        {Kind::Dynamic, 16, false, true, false, false, false},  {Kind::Object, 16, false, true, true, false, false},
+        {Kind::Void, 0, true, false, false, true, true},
+        {Kind::Bool, 1, true, false, false, true, true},
+        {Kind::Real, 8, true, false, false, true, true},
+        {Kind::Selector, 4, false, false, false, true, true},
+        {Kind::String, 16, false, false, false, true, true},
+        {Kind::Pointer, 8, false, false, false, true, false},
+        {Kind::TypeDef, 24, false, false, false, true, false},
+        {Kind::Structure, 16, false, false, false, true, true},
+        {Kind::Structure, 17, false, false, false, false, false},
+        {Kind::Composite, 12, false, false, false, true, true},
+        {Kind::Class, 16, false, false, false, true, true},
+        {Kind::Class, 24, false, false, false, false, false},
+        {Kind::Interface, 8, false, false, false, false, true},
+        {Kind::Atomic, 40, false, false, false, true, false},
+        {Kind::Dynamic, 16, false, true, false, false, false},
+        {Kind::Object, 16, false, true, true, false, false},
     };
     for (const Row& row : rows) {
         TypePtr type = makeSized("OfKind", row.kind, row.size);
@@ -167,13 +175,15 @@ TEST_F(MetaType, EveryConstructorSurvivesEveryFailingAllocation) {
         int whole = 0;
         failEachAllocation([&](AllocProbe& probe) {
             ZMetaType* made = make(name, types, names, source);
-            EXPECT_EQ(made == nullptr, probe.failed());
+            // What is worked out on the way can be done without.
+            EXPECT_TRUE(made || probe.failed());
             EXPECT_EQ(zfailcount(), 0);
-            if (!made) return;
-            ++whole;
-            EXPECT_EQ(made->refcount(), 1);
-            made->release();
-            toolkit::epochDrain();
+            if (made) {
+                whole += !probe.failed();
+                EXPECT_EQ(made->refcount(), 1);
+                made->release();
+            }
+            forgetLists({base, source});
         });
         EXPECT_EQ(whole, 1);
         EXPECT_EQ(base->getDescendants().count(), 1u);
@@ -183,7 +193,7 @@ TEST_F(MetaType, EveryConstructorSurvivesEveryFailingAllocation) {
         ZMetaType* made = source->getQualified(variant);
         EXPECT_EQ(made == nullptr, probe.failed());
         source->clearVariants();
-        zrecover();
+        forgetLists({base, source});
     });
     EXPECT_EQ(source->refcount(), 1);
 }

@@ -30,7 +30,7 @@ TEST_F(MetaTypeBases, TheGraphIsSeenFromBothEnds) {
         ZMetaType *type, *other;
         bool isBase;
     };
-    const Row rows[] = {{leaf, root, true},  {leaf, right, true}, {leaf, both, true},  {both, leaf, false},
+    const Row rows[] = {{leaf, root, true},  {leaf, right, true},  {leaf, both, true},   {both, leaf, false},
                         {root, root, false}, {leaf, alone, false}, {left, right, false}, {right, root, true}};
     for (const Row& row : rows) {
         EXPECT_EQ(row.type->isBase(row.other), row.isBase) << row.type->getName().string();
@@ -94,7 +94,8 @@ TEST_F(MetaTypeBases, AliasesCountForTypeOfAlone) {
 }
 
 TEST_F(MetaTypeBases, OffsetsAddUp) {
-    TypePtr root = makeType("OffRoot"), first = makeType("OffFirst"), second = makeType("OffSecond", Kind::Class, {root}),
+    TypePtr root = makeType("OffRoot"), first = makeType("OffFirst"),
+            second = makeType("OffSecond", Kind::Class, {root}),
             type = makeType("OffType", Kind::Class, {first, second});
     second->setBaseOffset(0, 8);
     type->setBaseOffset(1, 32);
@@ -211,24 +212,21 @@ TEST_F(MetaTypeBases, WithoutMemoryAnswersStayRight) {
     TypePtr a = makeType("MemA"), b = makeType("MemB", Kind::Class, {a}), c = makeType("MemC", Kind::Class, {b}),
             extra = makeType("MemExtra");
     failEachAllocation([&](AllocProbe&) {
-        orv::basesChanged();
+        orv::typesChanged();
         EXPECT_TRUE(c->isBase(a));
         EXPECT_FALSE(a->isBase(c));
         EXPECT_EQ(zrecover(), 0);
-        // A list that was published under the probe goes with it.
-        for (const TypePtr* type : {&a, &b, &c}) orv::retireAncestors((*type)->record().ancestors.publish(nullptr));
-        toolkit::epochDrain();
+        forgetLists({a, b, c});
     });
     failEachAllocation([&](AllocProbe& probe) {
         const bool added = extra->addBase(b);
-        EXPECT_EQ(added, !probe.failed());
+        EXPECT_TRUE(added || probe.failed());
         EXPECT_EQ(extra->baseCount(), int(added));
-        EXPECT_EQ(b->getDescendants().count(), 1u + added);
-        zrecover();
+        EXPECT_EQ(zrecover(), 0);
         extra->clearLinkedTypes();
-        for (const TypePtr* type : {&b, &extra}) orv::retireAncestors((*type)->record().ancestors.publish(nullptr));
-        toolkit::epochDrain();
+        forgetLists({a, b, extra});
     });
+    EXPECT_EQ(b->getDescendants().count(), 1u);
     EXPECT_EQ(b->refcount(), 2);
 }
 
