@@ -226,7 +226,7 @@ std::vector<ZMetaType*> declaredTypes() {
     ZPackage* root = ZPackage::root();
     if (!root) return types;
     for (ZMetaType* type : root->getUsedTypes()) types.push_back(type);
-    for (const auto& entry : root->getTypes()) types.push_back(entry.get());
+    for (const auto& entry : root->getTypes()) types.push_back(entry.value());
     auto name = [](const ZMetaType* type) { return std::string_view(type->getName().string()); };
     std::sort(types.begin(), types.end(), [&](const ZMetaType* a, const ZMetaType* b) { return name(a) < name(b); });
     types.erase(std::unique(types.begin(), types.end()), types.end());
