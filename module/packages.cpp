@@ -22,16 +22,15 @@ constexpr const ClassRow* ztlTypes[] = {
 };
 
 constexpr const ClassRow* baseTypes[] = {
-    &Row<ZAtomicInt>::row, &Row<ZLock>::row,       &Row<ZUnique>::row,   &Row<ZChar>::row,
-    &Row<ZString>::row,    &Row<ZStringPair>::row, &Row<ZInteger>::row,  &Row<ZCharBuffer>::row,
-    &Row<ZRange>::row,     &Row<ZTime>::row,       &Row<ZDateTime>::row, &Row<ZBlendPos>::row,
-    &Row<ZFileName>::row,  &Row<ZFileInfo>::row,   &Row<ZTypedPtr>::row, &Row<ZVariant>::row,
+    &Row<ZAtomicInt>::row,  &Row<ZLock>::row,     &Row<ZUnique>::row,     &Row<ZChar>::row,       &Row<ZString>::row,
+    &Row<ZStringPair>::row, &Row<ZInteger>::row,  &Row<ZCharBuffer>::row, &Row<ZRange>::row,      &Row<ZTime>::row,
+    &Row<ZDateTime>::row,   &Row<ZBlendPos>::row, &Row<ZFileName>::row,   &Row<ZFileInfo>::row,   &Row<ZTypedPtr>::row,
+    &Row<ZVariant>::row,    &Row<ZVArray>::row,   &Row<ZVHashSet>::row,   &Row<ZVSelectMap>::row, &Row<ZVKeyMap>::row,
 };
 
 constexpr const ClassRow* objectTypes[] = {
-    &Row<ZType>::row,
-    &Row<ZObject>::row,
-    &Row<ZMetaType>::row,
+    &Row<ZType>::row, &Row<ZObject>::row,    &Row<ZMetaType>::row,
+    &Row<ZEnum>::row, &Row<ZMethodRef>::row, &Row<ZPropertyRef>::row,
 };
 
 constexpr const char* ztlUses[] = {"orv.core.base", "orv.core.object"};
