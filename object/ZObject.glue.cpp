@@ -28,7 +28,7 @@ template <> struct Table<ZObject> : Declares<ZObject> {
         ORV_METHOD(bool, isObject, (), const),
         ORV_METHOD(void, deleting, (), , "unsafe"),
         ORV_METHOD(void, release, (), , "unsafe"),
-        ORV_METHOD(ZType*, copy, (), const, "creator unsafe"),
+        ORV_METHOD(ZType*, copy, (), const, "creator"),
         ORV_METHOD(ZSelector, typeName, (), const),
         ORV_METHOD(ZObject*, memberObject, (const ZSelector&), const),
         ORV_METHOD(bool, hasLocalMethod, (const ZSelector&, const ZSelector&), const),
