@@ -88,24 +88,26 @@ public:
     // Inherited operations for which an object has an answer of its own
 
     bool isObject() const override { return true; }
-    void deleting() override;
     void release() override;
     ZType* copy() const override;
     ZSelector typeName() const override;
+    bool setType(ZMetaType* type) override;
+    bool replaceType(ZMetaType* type) override;
+    /// A child, by a deep name part for part.
     ZObject* memberObject(const ZSelector& name) const override;
     bool hasLocalMethod(const ZSelector& selector, const ZSelector& qualifier) const override;
     bool definesName(const ZSelector& name) const override;
     bool implements(const ZSelector& selector, const ZSelector& qualifier) const override;
     ZMethod* method(ZTypedPtr* typed, const ZSelector& selector, const ZSelector& qualifier) const override;
     ZMethod* method(const ZSelector& selector, const ZSelector& qualifier) const override;
-    ZMethod* baseMethod(ZTypedPtr* typed, const ZSelector& selector, const ZSelector& qualifier) const override;
     ZMethod* multimethod(int* distance, ZTypedPtr* typed, const ZSelector& name, const ZArrayT<ZMetaType*>& types,
                          bool implicit, bool skipResult, bool exact, const ZSelector& qualifier) const override;
     ZMethod* multimethod(const ZSelector& name, const ZArrayT<ZMetaType*>& types) const override;
-    ZMethod* baseMultimethod(int* distance, ZTypedPtr* typed, const ZSelector& name, const ZArrayT<ZMetaType*>& types,
-                             bool implicit, bool skipResult, bool exact, const ZSelector& qualifier) const override;
     void propertyDelegationChanged(const ZProperty& property) override;
-    void delegatePropertyChanged(const ZSelector& name) override;
+    bool delegatePropertyNames(ZArrayT<ZSelector>& names) const override;
+    using ZType::baseMethod;
+    using ZType::baseMultimethod;
+    using ZType::setType;
 
     // Life. A discarded object is released late, by its queue; without one `discard` answers false and does nothing.
 
@@ -160,7 +162,7 @@ public:
     /// An object doesn't descend from itself.
     virtual bool isDescendantOf(const ZObject* other) const;
     virtual bool isParentOf(const ZObject* other) const;
-    /// The nearest of this object and its ancestors that is `other` or that it descends from; null if there is none.
+    /// The nearest of this object and its ancestors that `other` descends from; null if there is none.
     virtual ZObject* sharedAncestor(const ZObject* other) const;
     /// The object that the longest prefix of a deep name leads to, `field` being the rest; this object, and the whole
     /// name, if none does.
