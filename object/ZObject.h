@@ -103,11 +103,10 @@ public:
     ZMethod* multimethod(int* distance, ZTypedPtr* typed, const ZSelector& name, const ZArrayT<ZMetaType*>& types,
                          bool implicit, bool skipResult, bool exact, const ZSelector& qualifier) const override;
     ZMethod* multimethod(const ZSelector& name, const ZArrayT<ZMetaType*>& types) const override;
-    void propertyDelegationChanged(const ZProperty& property) override;
-    bool delegatePropertyNames(ZArrayT<ZSelector>& names) const override;
     using ZType::baseMethod;
     using ZType::baseMultimethod;
     using ZType::setType;
+    void propertyDelegationChanged(const ZProperty&) override { resetPropertyDelegates(); }
 
     // Life. A discarded object is released late, by its queue; without one `discard` answers false and does nothing.
 
@@ -119,7 +118,7 @@ public:
     virtual bool markForDiscard();
     virtual bool discard();
     /// Called when an event is queued for this object.
-    virtual void addedToEvent(ZEvent* event);
+    virtual void addedToEvent(ZEvent*) {}
     /// Takes it back from the queue; false if it wasn't discarded.
     virtual bool revive();
 
@@ -351,12 +350,14 @@ public:
 
     // Property delegates: a delegate named "property" that is a bag of values, made on the first `setPropDelegate`
 
-    virtual void resetPropertyDelegates();
+    /// For classes that keep something about the properties that delegate: they have changed.
+    virtual void resetPropertyDelegates() {}
     virtual bool hasPropDelegate(const ZSelector& name) const;
     virtual ZVariant getPropDelegate(const ZSelector& name) const;
     virtual bool setPropDelegate(const ZSelector& name, const ZVariant& value);
     virtual bool removePropDelegate(const ZSelector& name);
-    virtual void notifyResource(const ZSelector& name);
+    /// For classes that use resources: one of that name has changed.
+    virtual void notifyResource(const ZSelector&) {}
 
     // Strings, see object/absentResources.cpp
 

@@ -72,7 +72,7 @@ struct ObjectData {
         MultiStale = 1 << 16,     ///< the table of multi-methods
         ExtStale = 1 << 17,       ///< the table of extensions
         DispatchUsed = 1 << 18,   ///< entries may have found methods
-        PropNamesStale = 1 << 19, ///< the names of properties that delegate
+        Delegated = 1 << 19,      ///< was a delegate of others
         Copied = AutoBind | CopyMembers | TypeDelegate
     };
 
@@ -105,7 +105,6 @@ struct ObjectData {
     ZObject::DispatchTable dispatch;
     ZArrayT<ZMetaType*> extendTypes;
     ZArrayT<ZInlineMethod*> inlineRecords;
-    ZArrayT<ZSelector> propertyDelegates;
 
     // Delegates are changed under the lock of the graph and this one, and read under either.
 

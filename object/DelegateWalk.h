@@ -1,0 +1,62 @@
+#pragma once
+
+#include "object/ZObjectData.h"
+
+namespace orv {
+
+/// A walk through an object, its delegates, and theirs, each once. It keeps its own stack, so that chains may be of any
+/// length, and holds a reference to each delegate that it is at; lists may change meanwhile, and no lock is held
+/// between steps. Without memory it ends early.
+class DelegateWalk {
+public:
+    /// Which delegates come ahead of an object, and which behind it, in this order; whether its parent comes last, if
+    /// `parentDelegate` has `Dispatch`.
+    struct Plan {
+        uint before;
+        uint behind[2];
+        bool parents;
+    };
+
+    DelegateWalk(ZObject* root, const Plan& plan) : plan(plan) { push(root); }
+    ~DelegateWalk();
+    DelegateWalk(const DelegateWalk&) = delete;
+
+    /// The next object in turn, to be used until the next call; null at the end.
+    ZObject* next();
+    /// Whether the walk has come to its end for lack of memory.
+    bool outOfMemory() const { return failed; }
+
+private:
+    enum Phase : byte { Before, Self, Behind, BehindLast, Parent, Done };
+    struct Frame {
+        ZObject* object;
+        const ZObject* last; ///< the delegate that was answered last; only compared
+        uint index;
+        uint changed; ///< `ObjectData::delegatesChanged` as the index was worked out
+        Phase phase;
+    };
+    /// Addresses that were seen, by open addressing.
+    struct Seen {
+        uint mask, count;
+        const void** places() { return reinterpret_cast<const void**>(this + 1); }
+    };
+    static constexpr uint ownFrames = 8;
+
+    bool push(ZObject* object);
+    void pop();
+    ZObject* step(Frame& frame, uint wanted);
+    bool markSeen(const ZObject* object);
+    bool growFrames();
+    bool growSeen();
+
+    const Plan plan;
+    Frame* frames = own;
+    uint depth = 0, room = ownFrames;
+    bool failed = false;
+    uint seenCount = 0;
+    Seen* seen = nullptr;
+    const void* firstSeen[ownFrames];
+    Frame own[ownFrames];
+};
+
+} // namespace orv
