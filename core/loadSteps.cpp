@@ -9,6 +9,7 @@
 #include "object/ZMethodPtr.h"
 #include "object/ZMethodRef.h"
 #include "object/ZNamedMethod.h"
+#include "object/ZObject.h"
 #include "text/strtable.h"
 #include "toolkit/atomic.h"
 #include "toolkit/environment.h"
@@ -93,6 +94,7 @@ constexpr orv::LoadStep unloadSteps[] = {
     {"discard names", When::Always, [](Run& run) { Steps::clearNames(*run.core); }},
     {"core lock", When::Always, [](Run&) { Steps::destroyCoreLock(); }},
     {"ZLock::close", When::Always, [](Run&) { ZLock::close(); }},
+    {"ZObject::closeNamed", When::Always, [](Run&) { ZObject::closeNamed(); }},
     {"ZUnique::close", When::Always, [](Run&) { ZUnique::close(); }},
     {"second closing mark", When::Always, [](Run&) { toolkit::store(orv::coreState.typesClosed, true); }},
     {"retired objects", When::Always, [](Run&) { toolkit::epochDrain(); }},

@@ -156,6 +156,7 @@ ZMetaType::~ZMetaType() {
     if (!own) return;
     // Only an instance knows its private copy.
     if (!own->localType) orv::typesRemoved();
+    dropObjects();
     clearVariants();
     clearLinkedTypes();
     clearSubTypes();

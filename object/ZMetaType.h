@@ -808,6 +808,8 @@ protected:
     /// Joins, and leaves, the list of instances; takes the write lock.
     void linkObject(ZObject* object);
     void unlinkObject(ZObject* object);
+    /// Objects that are left when the type goes have none any more.
+    void dropObjects();
 
     ZMetaType* mainType = nullptr;
     Type typeKind = Unknown;

@@ -55,6 +55,10 @@ void ZMetaType::unlinkObject(ZObject* object) {
     unlock();
 }
 
+void ZMetaType::dropObjects() {
+    while (ZObject* object = getTypeFirst()) object->setType(static_cast<ZMetaType*>(nullptr));
+}
+
 // The one instance that stands for the type
 
 bool ZMetaType::hasSingleton() const { return getSingleton() != nullptr; }

@@ -29,6 +29,8 @@ public:
     const ZSelector& qualifier() const { return words; }
     /// The reference that it was made with, or the last lookup's.
     ZMethodRef reference() const;
+    /// Whether it is always the method that it was made with.
+    bool isBound() const { return bound; }
     /// Forgets what was looked up.
     void reset() const;
 

@@ -128,12 +128,11 @@ ZObject::ZObject(const ZObject* source, const __ZPassMetaType* type, ZInternal* 
         priv->methods = from->methods;
         priv->extMethods = from->extMethods;
         priv->dispatch = from->dispatch;
-        // What an entry has found belongs to one object.
+        // What entries find belongs to one object; copies of them haven't found anything.
         if (!priv->dispatch.detach()) {
             ZError::fail();
             return;
         }
-        for (const ZMethodDispatch& entry : priv->dispatch) entry.reset();
         priv->set(toolkit::load(from->bits) & (ObjectData::Methods | ObjectData::ExtMethods | ObjectData::Dispatch),
                   true);
     }
@@ -325,4 +324,19 @@ void ZObject::setGlobalNamed(bool on) {
         publishNamed();
     else
         removeNamed();
+}
+
+// What the object's surroundings keep here
+
+ZThread* ZObject::objectThread() const { return priv ? priv->thread : nullptr; }
+void ZObject::setObjectThread(ZThread* thread) {
+    if (priv) priv->thread = thread;
+}
+ZAnimation* ZObject::objectAnimation() const { return priv ? priv->animation : nullptr; }
+void ZObject::setObjectAnimation(ZAnimation* animation) {
+    if (priv) priv->animation = animation;
+}
+ZEvent* ZObject::currentEvent() const { return priv ? priv->currentEvent : nullptr; }
+void ZObject::setCurrentEvent(ZEvent* event) {
+    if (priv) priv->currentEvent = event;
 }

@@ -69,10 +69,10 @@ struct ObjectData {
         CopyMembers = 8192,
         TypeDelegate = 16384,
         GlobalNamed = 32768,
-        MultiStale = 1 << 16,     ///< the table of multi-methods
-        ExtStale = 1 << 17,       ///< the table of extensions
-        DispatchUsed = 1 << 18,   ///< entries may have found methods
-        Delegated = 1 << 19,      ///< was a delegate of others
+        MultiStale = 1 << 16,   ///< the table of multi-methods
+        ExtStale = 1 << 17,     ///< the table of extensions
+        DispatchUsed = 1 << 18, ///< entries may have found methods
+        Delegated = 1 << 19,    ///< was a delegate of others
         Copied = AutoBind | CopyMembers | TypeDelegate
     };
 
@@ -95,7 +95,6 @@ struct ObjectData {
     ZThread* thread = nullptr;
     ZAnimation* animation = nullptr;
     ZEvent* currentEvent = nullptr;
-    ZStringResource* stringRes = nullptr;
     ZObject* nextToDelete = nullptr;
 
     LazyLock lock; ///< "object method lock", of what follows
@@ -108,12 +107,12 @@ struct ObjectData {
 
     // Delegates are changed under the lock of the graph and this one, and read under either.
 
-    ZArrayT<ZObject*> delegates;          ///< each retained
-    NameIndex* delegateNames = nullptr;   ///< of the graph
-    ZArrayT<ZObject*> delegatedBy;        ///< of the graph
-    uint delegatesChanged = 0;            ///< rises with each change
-    int delegateCount = 0;                ///< those whose type has more than binding, events and resources
-    uint visited = 0;                     ///< of the graph: the walk that came here last
+    ZArrayT<ZObject*> delegates;        ///< each retained
+    NameIndex* delegateNames = nullptr; ///< of the graph
+    ZArrayT<ZObject*> delegatedBy;      ///< of the graph
+    uint delegatesChanged = 0;          ///< rises with each change
+    int delegateCount = 0;              ///< those whose type has more than binding, events and resources
+    uint visited = 0;                   ///< of the graph: the walk that came here last
 };
 
 /// Holds the lock of an object alone. Without memory for one it is false, and holds nothing.

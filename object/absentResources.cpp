@@ -1,4 +1,5 @@
 #include "object/ZMetaType.h"
+#include "object/ZObject.h"
 #include "value/ZVariant.h"
 
 // What types answer about resources and their strings while the library has none: nothing is found, a text is its own
@@ -51,3 +52,10 @@ bool ZMetaType::selectStyle(const ZSelector&, const ZSelector&) { return false; 
 bool ZType::loadPersistentProperties() { return false; }
 bool ZType::loadPersistentProperties(const ZSelector&) { return false; }
 bool ZType::storePersistentProperties() const { return false; }
+
+ZStringResource* ZObject::getObjectStringRes() const { return nullptr; }
+ZStringResource* ZObject::getStringResource() const { return nullptr; }
+bool ZObject::setStringRes(ZStringResource*) { return false; }
+bool ZObject::setStringRes(const ZSelector&) { return false; }
+void ZObject::resourceChanged(const ZSelector&) {}
+void ZObject::resourceChanged(ZResource*) {}

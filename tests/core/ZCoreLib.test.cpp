@@ -74,12 +74,26 @@ TEST(CoreLib, OrderOfStartAndStop) {
                                                      "loaded mark",
                                                      "splash launch"}));
     EXPECT_STREQ(load.steps[load.coreSteps - 1].name, "core lock");
-    EXPECT_EQ(names(orv::unloadOrder()),
-              (std::vector<std::string>{"first closing mark", "closeModule", "discard names", "core lock",
-                                        "ZLock::close", "ZUnique::close", "second closing mark", "retired objects",
-                                        "ZPointerIndex::close", "ZMethodRef::close", "ZMethod::close",
-                                        "ZMethodPtr::close", "ZNamedMethod::close", "ZMethodDispatch::close",
-                                        "ZSelector::close", "internal strings", "collation", "final drain", "packs"}));
+    EXPECT_EQ(names(orv::unloadOrder()), (std::vector<std::string>{"first closing mark",
+                                                                   "closeModule",
+                                                                   "discard names",
+                                                                   "core lock",
+                                                                   "ZLock::close",
+                                                                   "ZObject::closeNamed",
+                                                                   "ZUnique::close",
+                                                                   "second closing mark",
+                                                                   "retired objects",
+                                                                   "ZPointerIndex::close",
+                                                                   "ZMethodRef::close",
+                                                                   "ZMethod::close",
+                                                                   "ZMethodPtr::close",
+                                                                   "ZNamedMethod::close",
+                                                                   "ZMethodDispatch::close",
+                                                                   "ZSelector::close",
+                                                                   "internal strings",
+                                                                   "collation",
+                                                                   "final drain",
+                                                                   "packs"}));
 }
 
 TEST(CoreLib, SwitchesChooseTheSteps) {

@@ -1,0 +1,247 @@
+#include "core/ZRetainPtrT.h"
+#include "core/construct.h"
+#include "object/DelegateWalk.h"
+#include "object/ZMetaType.h"
+#include "object/ZMethodCall.h"
+#include "object/ZObject.h"
+#include "object/ZObjectData.h"
+#include "object/dispatchEntries.h"
+#include "object/methodLookup.h"
+#include "object/names.h"
+#include "value/ZTypedPtr.h"
+#include "value/ZVariant.h"
+
+// Signals: entries that tie a name to methods, and the walk that a signal takes.
+
+using orv::ObjectData;
+using DispatchTable = ZObject::DispatchTable;
+using Arguments = ZArrayT<ZVariant>;
+
+namespace {
+
+DispatchTable entries(const ZObject* object) {
+    ObjectData* data = ObjectData::of(object);
+    if (!data || !data->has(ObjectData::Dispatch)) return {};
+    orv::ObjectRead held(*data);
+    return data->dispatch;
+}
+
+/// Whether the one parameter is the array of all arguments.
+bool takesArray(const ZMethod& method) {
+    return method.paramCount() == 1 && method.paramType(1).mainType() == zsel<"ZArrayT<ZVariant>">();
+}
+
+bool callEntry(const ZMethodDispatch& entry, ZObject* object, const Arguments& arguments, bool asArray) {
+    toolkit::EpochGuard guard;
+    const ZMethodRef target = entry.getMethod(object);
+    ZMethod* method = target.getMethod();
+    if (!method || (asArray && !takesArray(*method))) return false;
+    const void* instance = target.getInstance() ? target.getInstance() : object;
+    const ZMetaType* type = target.getInstance() ? target.getType() : object->type();
+    const orv::MethodParams* params = method->params(type);
+    if (!params || params->constructor || params->destructor) return false;
+    ZFailGuard failures;
+    ZMethodCall call;
+    bool ready = call.setup(instance, method, type);
+    if (ready && asArray) ready = call.addp(&arguments);
+    for (uint i = 0; ready && !asArray && i < arguments.count() && int(i) + 1 < call.getParCount(); ++i)
+        ready = call.add(arguments.data()[i]);
+    const bool ran = ready && call.invoke();
+    failures.forget();
+    // A method that says nothing has answered.
+    return ran && (!call.hasReturn() || call.takeResult().toBool());
+}
+
+/// The object that the first part of a path leads to, and the rest of the path.
+ZVariant firstOfPath(const ZObject* object, const ZSelector& name, ZSelector& rest) {
+    if (name.type() != ZSelector::UID || name.parcount() < 2 || name.parcount() > ZObject::depthLimit) return {};
+    ZVariant value = object->getProperty(name.param(0));
+    if (value.toObject()) rest = name.extract(1, name.parcount());
+    return value;
+}
+
+constexpr orv::DelegateWalk::Plan dispatchPlan = {0, {ZObject::Dispatch, ZObject::Extension}, true};
+
+bool dispatch(ZObject* root, const ZSelector& name, const Arguments& arguments, bool asArray) {
+    if (name.isEmpty()) return false;
+    // Its own handler may let the last reference go.
+    const ZRetainPtrT<ZObject> kept(root);
+    if (!kept.get()) return false;
+    bool answered = false;
+    auto visit = [&](ZObject* object) {
+        ZSelector rest;
+        const ZVariant value = firstOfPath(object, name, rest);
+        if (ZObject* next = rest.isEmpty() ? nullptr : value.toObject())
+            answered |= asArray ? next->callDispatch(rest, arguments) : next->dispatchArgs(rest, arguments);
+        object->cleanDispatch();
+        answered |= orv::callEntries(entries(object), object, name, arguments, asArray);
+        if (ZMetaType* type = object->type())
+            answered |=
+                asArray ? type->typeCallDispatch(object, name, arguments) : type->typeDispatch(object, name, arguments);
+    };
+    ObjectData* data = ObjectData::of(root);
+    const bool alone = !data || (!toolkit::load(data->delegateCount) && !(data->parentDelegate & ZObject::Dispatch));
+    if (alone) {
+        visit(root);
+    } else {
+        orv::DelegateWalk walk(root, dispatchPlan);
+        while (ZObject* object = walk.next()) visit(object);
+    }
+    return answered;
+}
+
+} // namespace
+
+namespace orv {
+
+bool callEntries(const DispatchTable& table, ZObject* object, const ZSelector& name, const ZArrayT<ZVariant>& arguments,
+                 bool asArray) {
+    bool answered = false;
+    for (const ZMethodDispatch* entry = table.find(name); entry; entry = table.findNext(entry))
+        answered |= callEntry(*entry, object, arguments, asArray);
+    return answered;
+}
+
+} // namespace orv
+
+bool ZObject::callDispatch(const ZSelector& name, const ZArrayT<ZVariant>& arguments) {
+    return dispatch(this, name, arguments, true);
+}
+bool ZObject::callDispatch(const ZSelector& name) { return callDispatch(name, ZArrayT<ZVariant>()); }
+bool ZObject::callDispatch(const ZSelector& name, const ZVariant& argument) {
+    ZArrayT<ZVariant> arguments;
+    return arguments.append(argument) && callDispatch(name, arguments);
+}
+bool ZObject::dispatchArgs(const ZSelector& name, const ZArrayT<ZVariant>& arguments) {
+    return dispatch(this, name, arguments, false);
+}
+
+// The table
+
+void ZObject::useDispatch() {
+    if (priv) priv->set(ObjectData::DispatchUsed, true);
+}
+void ZObject::cleanDispatch() {
+    if (!priv || !priv->has(ObjectData::DispatchUsed)) return;
+    if (!priv->has(ObjectData::Dispatch)) return priv->set(ObjectData::DispatchUsed, false);
+    orv::ObjectWrite held(this);
+    if (!priv->has(ObjectData::DispatchUsed)) return;
+    priv->set(ObjectData::DispatchUsed, false);
+    for (const ZMethodDispatch& entry : priv->dispatch) entry.reset();
+}
+
+bool ZObject::hasDispatch() const { return priv && priv->has(ObjectData::Dispatch); }
+bool ZObject::hasDispatch(const ZSelector& name) const { return entries(this).contains(name); }
+const ZMethodDispatch* ZObject::findDispatch(const ZSelector& name) const { return entries(this).find(name); }
+const ZMethodDispatch* ZObject::findDispatch(const ZMethodDispatch& dispatch) const {
+    const DispatchTable table = entries(this);
+    for (const ZMethodDispatch* entry = table.find(dispatch.dispatchName()); entry; entry = table.findNext(entry))
+        if (entry->compare(dispatch) == 0) return entry;
+    return nullptr;
+}
+ZObject::DispatchTable ZObject::getMethodDispatch() const { return entries(this); }
+bool ZObject::getMethodDispatch(ZArrayT<ZSelector>& names) const {
+    for (const ZMethodDispatch& entry : entries(this))
+        if (!names.contains(entry.dispatchName()) && !names.append(entry.dispatchName())) return false;
+    return true;
+}
+
+bool ZObject::addDispatch(const ZMethodDispatch& dispatch) {
+    if (!priv || dispatch.dispatchName().isEmpty()) return false;
+    const ZMethodRef bound = dispatch.isBound() ? dispatch.reference() : ZMethodRef();
+    if (ZMethod* method = bound.getMethod(); method && !bound.getInstance()) {
+        toolkit::EpochGuard guard;
+        // One that its own instance answers needs no copy here.
+        if (!this->method(method->getSelector(), method->getQualifier()) && !setMethod(method, false)) return false;
+    }
+    ZMethodDispatch* entry = ZMethodDispatch::create(dispatch);
+    if (!entry) return false;
+    {
+        orv::ObjectWrite held(this);
+        if (held && priv->dispatch.add(entry)) {
+            priv->set(ObjectData::Dispatch, true);
+            entry = nullptr;
+        }
+    }
+    if (entry) {
+        entry->release();
+        return false;
+    }
+    useDispatch();
+    return true;
+}
+bool ZObject::addDispatch(const ZSelector& name) { return addDispatch(ZMethodDispatch(name)); }
+bool ZObject::addDispatch(const ZSelector& name, const ZSelector& methodName, const ZSelector& qualifier) {
+    return addDispatch(ZMethodDispatch(name, methodName, qualifier));
+}
+bool ZObject::addDispatch(const ZSelector& name, const ZMethodRef& method) {
+    return method.isValid() && addDispatch(ZMethodDispatch(name, method));
+}
+bool ZObject::addDispatch(const DispatchTable& dispatch) {
+    for (const ZMethodDispatch& entry : dispatch)
+        if (!findDispatch(entry) && !addDispatch(entry)) return false;
+    return true;
+}
+
+bool ZObject::removeDispatch() {
+    if (!hasDispatch()) return false;
+    orv::ObjectWrite held(this);
+    if (!held) return false;
+    priv->dispatch.clear();
+    priv->set(ObjectData::Dispatch, false);
+    return true;
+}
+
+namespace {
+/// Takes out the entries of a name that `leaves` says; false if there are none, and without memory.
+template <class Leaves> bool removeEntries(ZObject* object, const ZSelector& name, Leaves leaves) {
+    if (!object->hasDispatch()) return false;
+    ObjectData& data = ObjectData::at(object);
+    orv::ObjectWrite held(object);
+    if (!held || !data.dispatch.detach()) return false;
+    bool any = false;
+    for (const ZMethodDispatch* entry = data.dispatch.find(name); entry;) {
+        const ZMethodDispatch* next = data.dispatch.findNext(entry);
+        if (leaves(*entry)) any |= data.dispatch.remove(entry);
+        entry = next;
+    }
+    data.set(ObjectData::Dispatch, !data.dispatch.isEmpty());
+    return any;
+}
+} // namespace
+
+bool ZObject::removeDispatch(const ZSelector& name) {
+    return removeEntries(this, name, [](const ZMethodDispatch&) { return true; });
+}
+bool ZObject::removeDispatch(const ZMethodDispatch& dispatch) {
+    return removeEntries(this, dispatch.dispatchName(),
+                         [&](const ZMethodDispatch& entry) { return entry.compare(dispatch) == 0; });
+}
+
+ZObject& ZObject::operator+=(const ZMethodDispatch& dispatch) {
+    if (!addDispatch(dispatch)) ZError::fail();
+    return *this;
+}
+ZObject& ZObject::operator-=(const ZMethodDispatch& dispatch) {
+    removeDispatch(dispatch);
+    return *this;
+}
+
+// By name alone
+
+bool ZObject::allowNameInvoke(const ZSelector& name) const {
+    ZSelector field;
+    const ZObject* target = resolveFieldName(name, field);
+    if (field.isEmpty()) return false;
+    return (field.type() != ZSelector::Method && target->hasDispatch(field)) || target->hasMethod(field, {});
+}
+ZVariant ZObject::invokeName(const ZSelector& name) {
+    ZSelector field;
+    const ZRetainPtrT<ZObject> target(resolveFieldName(name, field));
+    if (!target.get() || field.isEmpty()) return {};
+    if (field.type() != ZSelector::Method && target->callDispatch(field)) return ZVariant(true);
+    toolkit::EpochGuard guard;
+    ZTypedPtr typed(target.get());
+    ZMethod* found = target->method(&typed, field, {});
+    return found ? orv::callFound(found, typed.instance, typed.type, nullptr, 0) : ZVariant();
+}

@@ -1,0 +1,141 @@
+#include "object/ZObject.h"
+#include "core/ZInternal.h"
+#include "object/ZMetaType.h"
+#include "object/ZMethodDispatch.h"
+#include "object/ZMethodPtr.h"
+#include "object/ZPropertyPtr.h"
+#include "tests/support/CoreScope.h"
+#include "toolkit/epoch.h"
+#include "value/ZVariant.h"
+
+#include <string>
+
+namespace {
+
+class ZObjectLife : public CoreTest {};
+
+std::string gone;
+/// Tells of its end.
+class Told : public ZObject {
+public:
+    Told(const char* name, ZObject* parent = nullptr) {
+        setSelector(name);
+        if (parent) setParent(parent);
+    }
+    ~Told() override { gone += selector().string(); }
+    void deleting() override {
+        gone += "!";
+        // On its way out it can be asked, but not held.
+        EXPECT_EQ(retain(), nullptr);
+        release();
+    }
+};
+
+TEST_F(ZObjectLife, EndsOnceAndInOrder) {
+    gone.clear();
+    Told* root = zmake<Told>("r");
+    zmake<Told>("a", root)->release();
+    zmake<Told>("b", root)->release();
+    zmake<Told>("c", root->first())->release();
+    Told* kept = zmake<Told>("k", root);
+    root->release();
+    // Parents go ahead of their children.
+    EXPECT_EQ(gone, "!r!a!c!b");
+    EXPECT_EQ(kept->getParent(), nullptr);
+    kept->release();
+    EXPECT_EQ(gone, "!r!a!c!b!k");
+}
+
+TEST_F(ZObjectLife, WithoutAQueueNothingIsDiscarded) {
+    ZObject* object = zmake<ZObject>();
+    EXPECT_FALSE(object->discard() || object->markForDiscard() || object->isDiscarded() || object->revive());
+    object->releaseDiscarded();
+    object->cancelDiscarded();
+    EXPECT_EQ(object->refcount(), 1);
+    object->release();
+}
+
+TEST_F(ZObjectLife, InstancesOfAType) {
+    ZMetaType* type = zmake<ZMetaType>(nullptr, "TestObject", ZMetaType::Object);
+    ZMetaType* other = zmake<ZMetaType>(nullptr, "OtherObject", ZMetaType::Object);
+    ZObject* a = zmake<ZObject>(orv::passType(type));
+    ZObject* b = zmake<ZObject>(orv::passType(type));
+    EXPECT_TRUE(a->isTypeLinked());
+    EXPECT_STREQ(a->getTypeName().string(), "TestObject");
+    EXPECT_EQ(type->getTypeFirst(), a);
+    EXPECT_EQ(a->getTypeNext(), b);
+    EXPECT_EQ(b->getTypePrev(), a);
+    a->setParent(b);
+    EXPECT_EQ(b->getFirst(type), a);
+    EXPECT_EQ(b->getFirst(other), nullptr);
+    EXPECT_TRUE(a->replaceType(other));
+    EXPECT_EQ(type->getTypeFirst(), b);
+    EXPECT_EQ(other->getTypeLast(), a);
+    a->typeUnlink();
+    EXPECT_EQ(other->getTypeFirst(), nullptr);
+    a->typeLink();
+    b->release();
+    EXPECT_EQ(type->getTypeFirst(), nullptr);
+    other->release(); // its object has no type from now on
+    EXPECT_EQ(a->type(), nullptr);
+    EXPECT_FALSE(a->isTypeLinked());
+    a->setTypeName("Orphan");
+    EXPECT_STREQ(a->getTypeName().string(), "Orphan");
+    for (ZObject* end : {a, static_cast<ZObject*>(type)}) end->release();
+}
+
+TEST_F(ZObjectLife, CopyTakesWhatBelongsToIt) {
+    ZObject *object = zmake<ZObject>(), *part = zmake<ZObject>(), *delegate = zmake<ZObject>();
+    object->setSelector("object");
+    object->setDelegateType(ZObject::Priority);
+    object->setParentDelegate(ZObject::Dispatch);
+    object->setAutoBind(true);
+    object->addDispatch("signal");
+    object->addDelegate(delegate, false);
+    object->publishNamed();
+    part->setSelector("part");
+    part->setParent(object);
+    part->release();
+
+    auto plain = static_cast<ZObject*>(object->copy());
+    EXPECT_EQ(plain->selector(), object->selector());
+    EXPECT_EQ(plain->delegateType(), ZObject::Priority);
+    EXPECT_EQ(plain->parentDelegate(), ZObject::Dispatch);
+    EXPECT_TRUE(plain->getAutoBind() && plain->hasDispatch("signal"));
+    EXPECT_FALSE(plain->first() || plain->hasDelegate());
+    EXPECT_EQ(ZObject::publishedObject("object"), object);
+    object->setCopyMembers(true);
+    auto whole = static_cast<ZObject*>(object->copy());
+    ASSERT_EQ(whole->countObjects(), 1);
+    EXPECT_NE(whole->first(), part);
+    EXPECT_EQ(whole->first()->refcount(), 1);
+    EXPECT_TRUE(whole->copyMembers());
+    ZObject* deep = object->deepCopy(); // no second copies
+    EXPECT_EQ(deep->countObjects(), 1);
+    for (ZObject* end : {object, plain, whole, deep, delegate}) end->release();
+}
+
+TEST_F(ZObjectLife, DeepCopyRewires) {
+    ZObject *object = zmake<ZObject>(), *part = zmake<ZObject>(), *outside = zmake<ZObject>();
+    part->setSelector("part");
+    part->setDelegateType(ZObject::Binder);
+    part->setParent(object);
+    object->addDelegate(part, false);
+    outside->setSelector("outside");
+    object->addDelegate(outside, false);
+
+    ZObject* made = object->deepCopy();
+    ASSERT_NE(made, nullptr);
+    ZObject *madePart = made->getFirst(ZSelector("part")), *madeOutside = made->findDelegate("outside");
+    ASSERT_TRUE(madePart && madeOutside);
+    EXPECT_NE(madePart, part);
+    EXPECT_NE(madeOutside, outside);
+    EXPECT_TRUE(made->hasDelegate(madePart));
+    EXPECT_EQ(made->getDelegates().count(), 2u);
+    EXPECT_EQ(madePart->delegateType(), ZObject::Binder);
+    EXPECT_EQ(madeOutside->refcount(), 1);
+    EXPECT_EQ(part->refcount(), 3);
+    for (ZObject* end : {object, part, outside, made}) end->release();
+}
+
+} // namespace

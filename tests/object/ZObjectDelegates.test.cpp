@@ -1,0 +1,227 @@
+#include "object/ZMethodDispatch.h"
+#include "object/ZMethodPtr.h"
+#include "object/ZObject.h"
+#include "tests/support/CoreScope.h"
+#include "toolkit/epoch.h"
+#include "value/ZTypedPtr.h"
+#include "value/ZVariant.h"
+
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+class ZObjectDelegates : public CoreTest {};
+
+ZObject* make(const char* name, uint type = ZObject::None) {
+    auto object = zmake<ZObject>();
+    object->setSelector(name);
+    object->setDelegateType(ZObject::DelegateType(type));
+    return object;
+}
+
+std::string calls;
+/// A method that writes a letter down, and what it was called on.
+void note(const void*, ZMethod* method, void*) { calls += *static_cast<const char*>(method->getContext()); }
+bool give(ZObject* object, const char* signature, const char* letter, const char* qualifier = "") {
+    ZMethod* method = ZMethod::create(signature, qualifier, 0, ZMethod::emptyFunc, note);
+    if (!method) return false;
+    method->setContext(const_cast<char*>(letter));
+    const bool done = object->setMethod(method, true);
+    ZMethod::release(method);
+    return done;
+}
+std::string found(const ZObject* object, const char* signature, const char* qualifier = "") {
+    toolkit::EpochGuard guard;
+    ZTypedPtr typed;
+    ZMethod* method = object->method(&typed, signature, qualifier);
+    return method ? static_cast<const char*>(method->getContext()) : "";
+}
+
+TEST_F(ZObjectDelegates, OwnMethods) {
+    ZObject* object = make("object");
+    EXPECT_FALSE(object->hasMethods());
+    EXPECT_TRUE(give(object, "void run()", "a") && give(object, "void run(int)", "b") &&
+                give(object, "void run()", "c", "const"));
+    EXPECT_EQ(object->methodCount(), 3);
+    EXPECT_EQ(found(object, "void run()"), "a");
+    EXPECT_EQ(found(object, "void run(int)"), "b");
+    EXPECT_EQ(found(object, "void run()", "const"), "c");
+    EXPECT_EQ(found(object, "run"), "a");
+    EXPECT_EQ(found(object, "void run(bool)"), "");
+    EXPECT_TRUE(give(object, "void run()", "d"));
+    EXPECT_EQ(object->methodCount(), 3);
+    EXPECT_EQ(found(object, "void run()"), "d");
+    {
+        ZMethod* method = ZMethod::create("void run()", "", 0, ZMethod::emptyFunc, note);
+        EXPECT_FALSE(object->setMethod(method, false));
+        ZMethod::release(method);
+    }
+    auto copied = static_cast<ZObject*>(object->copy());
+    EXPECT_TRUE(copied->removeMethod("void run(int)", {}));
+    EXPECT_FALSE(copied->removeMethod("void run(int)", {}));
+    EXPECT_EQ(copied->methodCount(), 2);
+    EXPECT_EQ(found(object, "void run(int)"), "b");
+    EXPECT_TRUE(object->removeMethods("run"));
+    EXPECT_FALSE(object->hasMethods() || object->removeMethods());
+    for (ZObject* end : {object, copied}) end->release();
+}
+
+struct OrderRow {
+    uint type;
+    const char* expected; ///< what answers when the owner has the method too
+};
+TEST_F(ZObjectDelegates, WhoAnswersFirst) {
+    const OrderRow rows[] = {{ZObject::Extension, "d"}, {ZObject::Priority, "d"}, {ZObject::Binder, "o"},
+                             {ZObject::Dispatch, "o"},  {ZObject::Event, "o"},    {ZObject::None, "o"}};
+    for (const OrderRow& row : rows) {
+        ZObject *owner = make("owner"), *delegate = make("delegate", row.type);
+        give(delegate, "void run()", "d");
+        EXPECT_TRUE(owner->addDelegate(delegate, false));
+        const bool looksThere =
+            row.type & (ZObject::Extension | ZObject::Priority | ZObject::Binder | ZObject::Dispatch);
+        EXPECT_EQ(found(owner, "void run()"), looksThere ? "d" : "") << row.type;
+        give(owner, "void run()", "o");
+        EXPECT_EQ(found(owner, "void run()"), row.expected) << row.type;
+        for (ZObject* end : {owner, delegate}) end->release();
+    }
+}
+
+TEST_F(ZObjectDelegates, MethodIsCalledOnWhoHasIt) {
+    ZObject *owner = make("owner"), *delegate = make("delegate", ZObject::Binder);
+    give(delegate, "void run()", "d");
+    owner->addDelegate(delegate, false);
+    toolkit::EpochGuard guard;
+    ZTypedPtr typed(owner);
+    EXPECT_NE(owner->method(&typed, "void run()", {}), nullptr);
+    EXPECT_EQ(ZTypedPtr(delegate).compare(typed), 0);
+    for (ZObject* end : {owner, delegate}) end->release();
+}
+
+TEST_F(ZObjectDelegates, ExtensionFollowsItsDelegates) {
+    ZObject *owner = make("owner"), *delegate = make("delegate", ZObject::Extension);
+    owner->addDelegate(delegate, false);
+    toolkit::EpochGuard guard;
+    EXPECT_EQ(owner->methodBySelector("void run()", {}), nullptr);
+    give(delegate, "void run()", "d");
+    EXPECT_NE(owner->methodBySelector("void run()", {}), nullptr);
+    EXPECT_NE(owner->findMultimethod(nullptr, "run", {}, true, true, false, {}), nullptr);
+    delegate->setDelegateType(ZObject::Binder);
+    EXPECT_EQ(owner->methodBySelector("void run()", {}), nullptr);
+    delegate->setDelegateType(ZObject::Extension);
+    EXPECT_NE(owner->extMethodNode("run"), nullptr);
+    EXPECT_TRUE(owner->removeDelegate(delegate));
+    EXPECT_EQ(owner->methodBySelector("void run()", {}), nullptr);
+    for (ZObject* end : {owner, delegate}) end->release();
+}
+
+TEST_F(ZObjectDelegates, AddingAndRemoving) {
+    ZObject *owner = make("owner"), *a = make("a"), *same = make("a"), *unnamed = make(""), *other = make("");
+    EXPECT_FALSE(owner->addDelegate(nullptr, false) || owner->addDelegate(owner, false));
+    EXPECT_TRUE(owner->addDelegate(a, false) && owner->addDelegate(a, false));
+    EXPECT_EQ(a->refcount(), 2);
+    EXPECT_FALSE(owner->addDelegate(same, false));
+    EXPECT_TRUE(owner->addDelegate(unnamed, false) && owner->addDelegate(other, false));
+    EXPECT_EQ(owner->getDelegates().count(), 3u);
+    EXPECT_EQ(owner->findDelegate("a"), a);
+    EXPECT_EQ(owner->findDelegate(ZSelector()), nullptr);
+    EXPECT_FALSE(a->addDelegate(owner, false));
+    EXPECT_TRUE(a->addDelegate(same, false));
+    EXPECT_FALSE(same->addDelegate(owner, false)) << "a cycle over two";
+    EXPECT_TRUE(owner->removeDelegate(ZSelector("a")));
+    EXPECT_TRUE(same->addDelegate(owner, false));
+    EXPECT_FALSE(owner->removeDelegate(a));
+    EXPECT_EQ(a->refcount(), 1);
+
+    ZObject* member = make("member", ZObject::Child);
+    EXPECT_TRUE(owner->addDelegate(member, false));
+    EXPECT_EQ(member->getParent(), owner);
+    EXPECT_EQ(member->refcount(), 3);
+    EXPECT_TRUE(owner->removeDelegate(member));
+    EXPECT_EQ(member->refcount(), 1);
+    for (ZObject* end : {a, same, unnamed, other, member, owner}) end->release();
+}
+
+TEST_F(ZObjectDelegates, EndsInAnyOrder) {
+    ZObject *owner = make("owner"), *second = make("second"), *delegate = make("delegate", ZObject::Binder);
+    owner->addDelegate(delegate, false);
+    second->addDelegate(delegate, false);
+    delegate->release();
+    EXPECT_EQ(delegate->refcount(), 2);
+    owner->release();
+    EXPECT_EQ(delegate->refcount(), 1);
+    EXPECT_TRUE(second->hasDelegate(delegate));
+    second->release();
+}
+
+TEST_F(ZObjectDelegates, Detach) {
+    ZObject *owner = make("owner"), *shared = make("shared"), *own = make("own");
+    owner->addDelegate(shared, false);
+    owner->addDelegate(own, false);
+    own->release();
+    EXPECT_TRUE(owner->detachDelegates());
+    EXPECT_FALSE(owner->hasDelegate(shared));
+    EXPECT_TRUE(owner->hasDelegate(own));
+    ZObject* copied = owner->findDelegate("shared");
+    ASSERT_NE(copied, nullptr);
+    EXPECT_EQ(copied->refcount(), 1);
+    EXPECT_EQ(shared->refcount(), 1);
+    for (ZObject* end : {owner, shared}) end->release();
+}
+
+struct WordRow {
+    const char* words;
+    uint type;
+};
+TEST_F(ZObjectDelegates, Words) {
+    const WordRow rows[] = {{"", ZObject::Extension},
+                            {"binder", 1},
+                            {"dispatch priority", 6},
+                            {"extension event property resource child", 8 | 32 | 64 | 128 | 256},
+                            {"priorevent", 0}};
+    for (const WordRow& row : rows) EXPECT_EQ(uint(ZObject::scanDelegate(row.words)), row.type) << row.words;
+}
+
+// Dispatch
+
+// Size
+
+TEST_F(ZObjectDelegates, HundredThousandInOneList) {
+    constexpr int count = 100000;
+    ZObject* owner = make("owner");
+    std::vector<ZObject*> all;
+    for (int i = 0; i < count; ++i) {
+        ZObject* delegate = make(("d" + std::to_string(i)).c_str(), ZObject::Binder);
+        ASSERT_TRUE(owner->addDelegate(delegate, false));
+        delegate->release();
+        all.push_back(delegate);
+    }
+    EXPECT_EQ(owner->findDelegate("d77777"), all[77777]);
+    give(all.back(), "void run()", "z");
+    EXPECT_EQ(found(owner, "void run()"), "z");
+    owner->release();
+}
+
+TEST_F(ZObjectDelegates, LookupsWhileListsChange) {
+    ZObject *owner = make("owner"), *fixed = make("fixed", ZObject::Binder), *moving = make("moving", ZObject::Binder);
+    give(fixed, "void run()", "f");
+    owner->addDelegate(fixed, false);
+    bool stop = false;
+    int missed = 0;
+    std::thread reader([&] {
+        while (!toolkit::loadAcquire(stop)) missed += found(owner, "void run()") != "f";
+    });
+    for (int i = 0; i < 2000; ++i) {
+        owner->addDelegate(moving, false);
+        give(moving, "void other()", "m");
+        moving->removeMethods();
+        owner->removeDelegate(moving);
+    }
+    toolkit::storeRelease(stop, true);
+    reader.join();
+    EXPECT_EQ(missed, 0);
+    for (ZObject* end : {owner, fixed, moving}) end->release();
+}
+
+} // namespace
