@@ -59,6 +59,10 @@ ZEnumType::~ZEnumType() { zrelease(published.publish(nullptr)); }
 
 ZType* ZEnumType::copy() const { return zmake<ZEnumType>(this, orv::passType(type())); }
 
+ZMetaType* ZEnumType::makeVariant(const ZSelector& name) {
+    return name.ptrCount() ? ZMetaType::makeVariant(name) : zmake<ZEnumType>(name, this);
+}
+
 void ZEnumType::setRow(const orv::glue::EnumRow* declared) {
     row = declared;
     setSize(uint(declared->size));
@@ -67,6 +71,7 @@ void ZEnumType::setRow(const orv::glue::EnumRow* declared) {
 // The table
 
 EnumTable* ZEnumType::table() const {
+    if (const ZEnumType* main = tableType(); main != this) return main->table();
     if (EnumTable* known = published.load(); ORV_LIKELY(known != nullptr)) return known;
     if (!own) return nullptr;
     ZScopedLock held(own->change);
@@ -90,9 +95,10 @@ EnumTable* ZEnumType::buildTable() const {
 
 /// Publishes an edited copy of the table.
 template <class F> bool ZEnumType::change(F&& edit) {
+    if (!own) return false;
+    if (const ZEnumType* main = tableType(); main != this) return const_cast<ZEnumType*>(main)->change(edit);
     EnumTable* old;
     {
-        if (!own) return false;
         ZScopedLock held(own->change);
         const EnumTable* known = buildTable();
         EnumTable* made = known ? zmake<EnumTable>(known->data) : nullptr;

@@ -28,6 +28,8 @@ public:
               const __ZPassMetaType* type = nullptr, ZInternal* internal = nullptr);
     explicit ZEnumType(const ZEnumType* source, const __ZPassMetaType* type = nullptr, ZInternal* internal = nullptr);
     explicit ZEnumType(const __ZPassMetaType* type = nullptr, ZInternal* internal = nullptr);
+    /// A variant, see `getQualified`: it has the table of its main type.
+    ZEnumType(const ZSelector& name, ZEnumType* main) : ZMetaType(main, name) {}
     ~ZEnumType() override;
 
     /// The items of a declaration, which stays in memory as long as the type. They are read at the first demand.
@@ -64,7 +66,7 @@ public:
 
     // Inherited operations for which the type of an enumeration has an answer of its own
 
-    ZEnumType* enumType() const override { return const_cast<ZEnumType*>(this); }
+    ZEnumType* enumType() const override { return const_cast<ZEnumType*>(tableType()); }
     ZType* copy() const override;
     int compare(const ZType* other) const override;
     bool detach() override;
@@ -90,7 +92,12 @@ public:
     bool setSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name, const ZVariant& value,
                               bool notify) const override;
 
+protected:
+    ZMetaType* makeVariant(const ZSelector& name) override;
+
 private:
+    /// The type itself, or the main type of a variant.
+    const ZEnumType* tableType() const { return static_cast<const ZEnumType*>(described()); }
     orv::EnumTable* table() const;
     orv::EnumTable* buildTable() const;
     template <class F> bool change(F&& edit);

@@ -316,6 +316,8 @@ public:
 
     /// The enumeration that this is the type of, or a variant of; null for other types.
     virtual ZEnumType* enumType() const;
+    /// The same for a composite.
+    virtual ZCompositeType* compositeType() const;
     virtual ZSelector nextEnumName(const ZSelector& name) const;
     virtual ZSelector prevEnumName(const ZSelector& name) const;
     virtual int nextEnumValue(int value) const;
@@ -783,6 +785,9 @@ protected:
     bool copyBases(const orv::MetaTypeData& source);
     void enterPackage(ZPackage* package);
     void leaveMainType();
+    /// A new variant of this type, with one reference. Where the class has operations of its own on instances, variants
+    /// that are no pointers are of the class too.
+    virtual ZMetaType* makeVariant(const ZSelector& name);
     ZSelector operationName(int which) const;
     /// The type that flags, words and callbacks stand in: that of a qualified variant is its main type.
     const ZMetaType* described() const;

@@ -8,6 +8,11 @@ ZEnumType* ZMetaType::enumType() const {
     return data == this ? nullptr : data->enumType();
 }
 
+ZCompositeType* ZMetaType::compositeType() const {
+    const ZMetaType* data = getDataType();
+    return data == this ? nullptr : data->compositeType();
+}
+
 ZSelector ZMetaType::nextEnumName(const ZSelector& name) const {
     toolkit::EpochGuard guard;
     const ZEnumType* items = enumType();

@@ -66,13 +66,15 @@ ZMetaType* ZMetaType::getQualified(const ZSelector& name) const {
     return const_cast<ZMetaType*>(relationType())->createQualified(name);
 }
 
+ZMetaType* ZMetaType::makeVariant(const ZSelector& name) { return zmake<ZMetaType>(this, name); }
+
 ZMetaType* ZMetaType::createQualified(const ZSelector& name) {
     if (relationType() != this) return const_cast<ZMetaType*>(relationType())->createQualified(name);
     if (!allowedVariant(this, name)) {
         zdebug("%s is no variant of type %s\n", name.string(), own->name.string());
         return nullptr;
     }
-    auto made = zmake<ZMetaType>(this, name);
+    ZMetaType* made = makeVariant(name);
     if (!made) return nullptr;
     ZMetaType* known = nullptr;
     {
