@@ -15,7 +15,10 @@ using detail::instanceOf;
 ZTypedPtr::ZTypedPtr(const ZTypedPtr* other) {
     if (other) *this = *other;
 }
-ZTypedPtr::ZTypedPtr(const ZVariant& value) : type(value.mainType()), instance(const_cast<void*>(value.getPtr())) {}
+ZTypedPtr::ZTypedPtr(const ZVariant& value) : type(value.mainType()), instance(const_cast<void*>(value.getPtr())) {
+    // A pointer to a pointer leads to no value that the type knows.
+    if (type && type->kind() == ZMetaType::Pointer) *this = ZTypedPtr();
+}
 ZTypedPtr::ZTypedPtr(const ZVariant* value) {
     if (value) *this = ZTypedPtr(*value);
 }

@@ -391,8 +391,14 @@ bool ZVariant::resetType() {
 ZMetaType* ZVariant::mainType() const {
     ZMetaType* type = this->type();
     if (!type) return nullptr;
-    if (ORV_UNLIKELY(detail::refersToInstance(type)) && refcount(held()) > 0)
-        if (ZMetaType* actual = static_cast<ZType*>(held())->type()) return actual;
+    if (type->kind() < ZMetaType::Pointer) return type;
+    if (type->kind() == ZMetaType::Pointer) {
+        if (type->getPtrCount() != 1) return type;
+        ZMetaType* main = type->mainOrSelf();
+        if (main->holdsZType() && refcount(held()) > 0)
+            if (ZMetaType* actual = static_cast<ZType*>(held())->type()) return actual;
+        return main;
+    }
     return type->isLocalType() ? type : type->mainOrSelf();
 }
 ZMetaType* ZVariant::valueType() const {

@@ -58,7 +58,9 @@ public:
         return *this;
     }
 
-    ZVariant(bool value) { setNumber(ztype<bool>(), value); }
+    /// Only of a bool: a pointer doesn't become one.
+    template <class T>
+    requires std::is_same_v<T, bool> ZVariant(T value) { setNumber(ztype<bool>(), value); }
     ZVariant(char value) { setNumber(ztype<char>(), value); }
     ZVariant(int8 value) { setNumber(ztype<char>(), value); }
     ZVariant(byte value) { setNumber(ztype<byte>(), value); }
@@ -216,7 +218,7 @@ public:
     /// Null for the null variant and a bare block.
     ZMetaType* type() const { return reinterpret_cast<ZMetaType*>(typeBits & ~tagMask); }
     /// That of the held instance, which may be derived; without one, and for other values, the type without qualifiers
-    /// and "*".
+    /// and "*". Pointers to pointers are a type of their own.
     ZMetaType* mainType() const;
     /// The kind of the main type; 0 for null.
     int typeType() const;

@@ -6,6 +6,7 @@
 #include "object/names.h"
 #include "toolkit/epoch.h"
 #include "toolkit/hash.h"
+#include "toolkit/thread.h"
 #include "value/ZTypedPtr.h"
 #include "value/ZVariant.h"
 #include "value/valueOrder.h"
@@ -73,7 +74,7 @@ bool storedMatch(const ZVariant& a, const ZVariant& b, real tolerance, const ZVa
 
 /// How deep values are compared in values.
 constexpr int deepestMatch = 512;
-thread_local constinit int matchDepth = 0;
+ORV_THREAD_LOCAL int matchDepth = 0;
 struct MatchLevel {
     MatchLevel() { ++matchDepth; }
     ~MatchLevel() { --matchDepth; }
