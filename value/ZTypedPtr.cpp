@@ -6,6 +6,7 @@
 #include "object/ZMethodRef.h"
 #include "object/ZObject.h"
 #include "toolkit/epoch.h"
+#include "value/ZVArray.h"
 #include "value/ZVariant.h"
 #include "value/typedInstance.h"
 
@@ -174,6 +175,13 @@ ZVariant ZTypedPtr::invoke(const ZSelector& name, const ZArrayT<ZVariant>& argum
     if (!splitPath(name, first, rest)) return {};
     ZVariant part = getProperty(first);
     return ZTypedPtr(part).invoke(rest, arguments);
+}
+
+ZVariant ZTypedPtr::invoke(const ZSelector& name, const ZVArray& arguments) const {
+    ZArrayT<ZVariant> list;
+    for (int i = 0, count = int(arguments.count()); i < count; ++i)
+        if (!list.append(arguments.variant(i))) return {};
+    return invoke(name, list);
 }
 
 bool ZTypedPtr::callV(const ZSelector& name) const { return callV(name, {}); }
