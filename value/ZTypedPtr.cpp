@@ -5,9 +5,11 @@
 #include "object/ZMethod.h"
 #include "object/ZMethodRef.h"
 #include "object/ZObject.h"
+#include "object/methodLookup.h"
 #include "toolkit/epoch.h"
 #include "value/ZVArray.h"
 #include "value/ZVariant.h"
+#include "value/plainProperties.h"
 #include "value/typedInstance.h"
 
 using namespace orv;
@@ -41,29 +43,25 @@ void settle(ZTypedPtr* typed, const ZTypedPtr& place) {
     if (typed && !typed->instance) *typed = place;
 }
 
-/// Takes a path, or a signature that names one, apart: the property that it begins with, and what is asked of its
-/// value.
-bool splitPath(const ZSelector& selector, ZSelector& first, ZSelector& rest) {
+/// Follows a path, or a signature that names one, and asks what it leads to; `ask(end, rest)`.
+template <class F> auto onPath(const ZTypedPtr& at, const ZSelector& selector, F&& ask) {
+    using Answer = decltype(ask(std::declval<const plain::PathEnd&>(), selector));
     const bool isSignature = selector.type() == ZSelector::Method;
     const ZSelector path = isSignature ? selector.methodName() : selector;
-    if (!path.deepName() || path.parcount() < 2) return false;
-    first = path.param(0);
-    if (!isSignature) {
-        rest = path.suffix();
-        return true;
-    }
-    rest = selector;
-    return rest.setMethodName(path.suffix());
+    if (!path.deepName() || path.parcount() < 2) return Answer();
+    const plain::PathEnd end(at, path);
+    if (!end.found) return Answer();
+    ZSelector rest = isSignature ? selector : end.name;
+    return isSignature && !rest.setMethodName(end.name) ? Answer() : ask(end, rest);
 }
 
-/// Asks the value of a path's first part for the rest. A value that isn't an instance ends here: who wants the method's
-/// place gets no method of such a one, nor who has a place already.
-template <class F> ZMethod* onPath(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& selector, F&& find) {
-    ZSelector first, rest;
-    if ((typed && typed->instance) || !splitPath(selector, first, rest)) return nullptr;
-    ZVariant part = at.getProperty(first);
-    if (part.isNull() || (typed && !part.isZType())) return nullptr;
-    return find(ZTypedPtr(part), typed, rest);
+/// The same for a method. A value that isn't an instance ends with the search: who wants the method's place gets no
+/// method of such a one, nor who has a place already.
+template <class F> ZMethod* methodOnPath(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& selector, F&& find) {
+    if (typed && typed->instance) return nullptr;
+    return onPath(at, selector, [&](const plain::PathEnd& end, const ZSelector& rest) -> ZMethod* {
+        return typed && !end.holder.isZType() ? nullptr : find(end.at, rest);
+    });
 }
 
 } // namespace
@@ -77,8 +75,8 @@ ZMethod* ZTypedPtr::method(ZTypedPtr* typed, const ZSelector& selector, const ZS
         settle(typed, place);
         return found;
     }
-    return onPath(*this, typed, selector, [&](const ZTypedPtr& part, ZTypedPtr* partPlace, const ZSelector& rest) {
-        return part.method(partPlace, rest, qualifier);
+    return methodOnPath(*this, typed, selector, [&](const ZTypedPtr& part, const ZSelector& rest) {
+        return part.method(typed, rest, qualifier);
     });
 }
 ZMethod* ZTypedPtr::method(const ZSelector& selector, const ZSelector& qualifier) const {
@@ -106,8 +104,8 @@ ZMethod* ZTypedPtr::multimethod(int* distance, ZTypedPtr* typed, const ZSelector
         settle(typed, place);
         return found;
     }
-    return onPath(*this, typed, name, [&](const ZTypedPtr& part, ZTypedPtr* partPlace, const ZSelector& rest) {
-        return part.multimethod(distance, partPlace, rest, types, implicit, skipResult, exact, qualifier);
+    return methodOnPath(*this, typed, name, [&](const ZTypedPtr& part, const ZSelector& rest) {
+        return part.multimethod(distance, typed, rest, types, implicit, skipResult, exact, qualifier);
     });
 }
 ZMethod* ZTypedPtr::multimethod(const ZSelector& name, const ZArrayT<ZMetaType*>& types) const {
@@ -136,45 +134,15 @@ bool ZTypedPtr::definesName(const ZSelector& name) const {
     return type && (type->hasPropertyDef(name) || type->hasMultimethodType(name, {}));
 }
 
-namespace {
-
-/// Finds what a call of a name, or of a signature, with arguments of those types runs; entry 0 is the result, which
-/// doesn't count. A signature that the type has is taken as it is.
-ZMethodRef resolve(const ZTypedPtr& at, const ZSelector& name, const ZArrayT<ZMetaType*>& types,
-                   const ZSelector& qualifier) {
-    toolkit::EpochGuard guard;
-    ZTypedPtr place;
-    ZMethod* found = nullptr;
-    ZSelector called = name;
-    if (name.type() == ZSelector::Method) {
-        called = name.method();
-        found = at.method(&place, called, qualifier);
-        called = called.methodName();
-    }
-    if (!found) {
-        place = ZTypedPtr();
-        found = at.multimethod(nullptr, &place, called, types, true, true, false, qualifier);
-    }
-    if (!found) return {};
-    if (!place.instance) place = at;
-    return {found, place.instance, place.type};
-}
-
-} // namespace
-
 ZVariant ZTypedPtr::invoke(const ZSelector& name, const ZArrayT<ZVariant>& arguments) const {
     if (!type) return {};
-    ZArrayT<ZMetaType*> types;
-    if (!types.append(nullptr)) return {};
-    for (const ZVariant& argument : arguments)
-        if (!types.append(argument.type())) return {};
-    if (ZMethodRef ref = resolve(*this, name, types, name.methodQualifier()); ref.isValid())
-        return ref.invoke(arguments);
-    // The value of a path's first part lives as long as the call.
-    ZSelector first, rest;
-    if (!splitPath(name, first, rest)) return {};
-    ZVariant part = getProperty(first);
-    return ZTypedPtr(part).invoke(rest, arguments);
+    if (ZType* object = instanceOf(*this); object && object->isObject()) return object->invoke(name, arguments);
+    bool followed = false;
+    ZVariant answer = onPath(*this, name, [&](const plain::PathEnd& end, const ZSelector& rest) {
+        followed = true;
+        return end.at.invoke(rest, arguments);
+    });
+    return followed ? answer : invokeByType(instance, type, name, arguments.data(), int(arguments.count()));
 }
 
 ZVariant ZTypedPtr::invoke(const ZSelector& name, const ZVArray& arguments) const {
@@ -187,17 +155,24 @@ ZVariant ZTypedPtr::invoke(const ZSelector& name, const ZVArray& arguments) cons
 bool ZTypedPtr::callV(const ZSelector& name) const { return callV(name, {}); }
 bool ZTypedPtr::callV(const ZSelector& name, const ZSelector& qualifier) const {
     if (!type) return false;
-    ZArrayT<ZMetaType*> types;
-    if (!types.append(nullptr)) return false;
-    const ZSelector asked = qualifier.isEmpty() ? name.methodQualifier() : qualifier;
-    if (ZMethodRef ref = resolve(*this, name, types, asked); ref.isValid()) {
+    ZTypedPtr place;
+    ZMethodRef ref;
+    {
+        toolkit::EpochGuard guard;
+        ZMethod* found = nullptr;
+        if (name.type() == ZSelector::Method)
+            found = method(&place, name.method(), qualifier.isEmpty() ? name.methodQualifier() : qualifier);
+        else if (ZArrayT<ZMetaType*> types; types.append(nullptr))
+            found = multimethod(nullptr, &place, name, types, true, true, false, qualifier);
+        if (found && !place.instance) place = *this;
+        if (found) ref.set(found, place.instance, place.type);
+    }
+    if (ref.isValid()) {
         ref.invoke(nullptr, 0);
         return true;
     }
-    ZSelector first, rest;
-    if (!splitPath(name, first, rest)) return false;
-    ZVariant part = getProperty(first);
-    return ZTypedPtr(part).callV(rest, qualifier);
+    return onPath(*this, name,
+                  [&](const plain::PathEnd& end, const ZSelector& rest) { return end.at.callV(rest, qualifier); });
 }
 
 // Accessor methods

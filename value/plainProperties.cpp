@@ -53,40 +53,6 @@ bool writeOwn(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name, cons
     return at.type->setSyntheticProperty(at, name, value, notify);
 }
 
-/// Follows a path, value by value, to what has the rest of it as a property of its own: an instance, or the value that
-/// the last part is asked of. `found` is false if it leads nowhere.
-struct PathEnd {
-    bool found = false;
-    ZVariant holder; ///< keeps `at` alive
-    ZTypedPtr at;
-    ZSelector name;
-
-    PathEnd(const ZTypedPtr& from, const ZSelector& path) {
-        const int parts = path.deepName() ? path.parcount() : 0;
-        at = from;
-        for (int i = 0; i + 1 < parts; ++i) {
-            ZVariant next;
-            if (!readOwn(at, nullptr, path.param(i), true, next) || next.isNull()) return;
-            holder = std::move(next);
-            at = ZTypedPtr(holder);
-            name = path.param(i + 1);
-            if (i + 2 == parts) {
-                found = at.type != nullptr;
-                return;
-            }
-            const bool isInstance = detail::instanceOf(at);
-            if (!isInstance && (!at.type || !at.type->isSynthetic() || parts - i > longestRest)) continue;
-            name = path.extract(i + 1, parts);
-            if (isInstance || isSynthetic(at, name)) {
-                found = true;
-                return;
-            }
-        }
-    }
-    /// What the caller may be told of the place: one that outlives the search.
-    ZTypedPtr* place(ZTypedPtr* typed) const { return holder.isZType() ? typed : nullptr; }
-};
-
 /// Whether a map is written under the whole rest of a path rather than in the value of its first part.
 bool takesRest(const ZVariant& map, const ZSelector& path, int from, int parts) {
     if (from + 1 == parts || !map.hasKey(path.param(from))) return true;
@@ -137,6 +103,27 @@ bool writePath(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& path, con
 }
 
 } // namespace
+
+PathEnd::PathEnd(const ZTypedPtr& from, const ZSelector& path) : at(from) {
+    const int parts = path.deepName() ? path.parcount() : 0;
+    for (int i = 0; i + 1 < parts; ++i) {
+        ZVariant next;
+        if (!readOwn(at, nullptr, path.param(i), true, next) || next.isNull()) return;
+        holder = std::move(next);
+        at = ZTypedPtr(holder);
+        if (!at.type) return;
+        const bool isInstance = detail::instanceOf(at);
+        if (i + 2 == parts)
+            name = path.param(i + 1);
+        else if (isInstance || (at.type->isSynthetic() && parts - i <= longestRest))
+            name = path.extract(i + 1, parts);
+        else
+            continue;
+        found = i + 2 == parts || isInstance || isSynthetic(at, name);
+        if (found) return;
+    }
+}
+ZTypedPtr* PathEnd::place(ZTypedPtr* typed) const { return holder.isZType() ? typed : nullptr; }
 
 bool property(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name, ZProperty& found, bool resolve) {
     if (name.isEmpty()) return false;

@@ -9,6 +9,19 @@
 /// type of `at` is never null. `typed` may be null; it gets the part of the value that has the property.
 namespace orv::plain {
 
+/// Follows a path, value by value, to what is asked for the rest of it: an instance, or the value that the last part is
+/// asked of. `found` is false if it leads nowhere.
+struct PathEnd {
+    bool found = false;
+    ZVariant holder; ///< keeps `at` alive
+    ZTypedPtr at;
+    ZSelector name;
+
+    PathEnd(const ZTypedPtr& from, const ZSelector& path);
+    /// What a caller may be told of the place: it has to outlive the search.
+    ZTypedPtr* place(ZTypedPtr* typed) const;
+};
+
 // One property
 
 bool property(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name, ZProperty& found, bool resolve);
