@@ -205,8 +205,8 @@ public:
     /// Copies the value into raw memory of the type's size; of a value held by reference the pointer, with `retain` a
     /// counted one.
     bool getValue(void* target, bool retain) const;
-    /// The value as a `T`: a number, text or selector converted, a pointer to a class if what is held is of the class,
-    /// any other type if the value is of it; else `T()`.
+    /// The value as a `T`: a number, text or selector converted, a pointer to a class if what is held by reference is
+    /// of the class, any other type if the value is of it; else `T()`.
     template <class T> T getValueT() const;
     /// A new counted copy of the value; null without a value or memory.
     void* copyValue() const;
@@ -592,3 +592,37 @@ private:
     alignas(8) byte data[16] = {};
 };
 static_assert(sizeof(ZVariant) == 24);
+
+template <class T> T ZVariant::getValueT() const {
+    if constexpr (std::is_same_v<T, ZVariant>)
+        return expand();
+    else if constexpr (std::is_same_v<T, bool>)
+        return toBool();
+    else if constexpr (std::is_same_v<T, ZString>)
+        return toString();
+    else if constexpr (std::is_same_v<T, ZSelector>)
+        return toSelector();
+    else if constexpr (std::is_enum_v<T>)
+        return T(toInt());
+    else if constexpr (std::is_same_v<T, float>)
+        return toFloat();
+    else if constexpr (std::is_floating_point_v<T>)
+        return T(toDouble());
+    else if constexpr (std::is_integral_v<T> && sizeof(T) == 1)
+        return std::is_signed_v<T> ? T(toChar()) : T(toByte());
+    else if constexpr (std::is_integral_v<T> && sizeof(T) == 2)
+        return std::is_signed_v<T> ? T(toShort()) : T(toWord());
+    else if constexpr (std::is_integral_v<T> && sizeof(T) == 4)
+        return std::is_signed_v<T> ? T(toInt()) : T(toUInt());
+    else if constexpr (std::is_integral_v<T>)
+        return std::is_signed_v<T> ? T(toLarge()) : T(toULarge());
+    else if constexpr (std::is_pointer_v<T>) {
+        using Target = std::remove_cv_t<std::remove_pointer_t<T>>;
+        if (isInline() || !isType(ztype<Target>())) return nullptr;
+        if constexpr (std::is_base_of_v<ZType, Target>)
+            return static_cast<T>(toType());
+        else
+            return static_cast<T>(held());
+    } else
+        return getPtr() && mainType() == ztype<T>() ? *static_cast<const T*>(getPtr()) : T();
+}
