@@ -263,7 +263,7 @@ public:
     int compare(const ZVariant& other) const;
     /// A total order for sorting and keys, the same as `compare` but for reals: -0 equals 0, not-a-number comes last.
     int order(const ZVariant& other) const;
-    /// The same for values that `order` finds equal; 0 for null.
+    /// The same for values that `order` finds equal; 0 without a type.
     uint hashKey() const;
     bool operator==(const ZVariant& other) const { return compare(other) == 0; }
     /// Equality in which reals may differ by `tolerance`, also in containers and stored properties.

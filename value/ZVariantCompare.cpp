@@ -5,7 +5,6 @@
 #include "object/kindValues.h"
 #include "object/names.h"
 #include "toolkit/epoch.h"
-#include "toolkit/hash.h"
 #include "toolkit/thread.h"
 #include "value/ZTypedPtr.h"
 #include "value/ZVariant.h"
@@ -49,9 +48,8 @@ int ZVariant::order(const ZVariant& other) const {
 
 uint ZVariant::hashKey() const {
     if (ZMetaType* type = isInline() ? this->type() : valueType()) return hashValue(type, getPtr());
-    // Blocks are equal by their bytes, other targets by their address.
-    if (!type()) return held() ? toolkit::hashData(0, held(), memsize(held()), 0x100000) : 0;
-    return ptrKey().hashKey();
+    // Targets without a type of their own are equal by their address.
+    return type() ? ptrKey().hashKey() : 0;
 }
 
 // Equality with a tolerance
