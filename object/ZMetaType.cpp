@@ -161,6 +161,7 @@ ZMetaType::~ZMetaType() {
     clearLinkedTypes();
     clearSubTypes();
     setSingleton(nullptr);
+    setTypeDelegates({});
     leaveMainType();
     if (own->package && !mainType) orv::unlinkPackageType(own->package, this);
     setmemlocklabel(this, lastLabel, 0);
@@ -334,7 +335,9 @@ int ZMetaType::calcInternalSize(bool whole) const {
 
 ZTypeCallback ZMetaType::getCallback(CallBack index) const {
     if (uint(index) >= CallBackCount) return nullptr;
-    return toolkit::loadAcquire(described()->own->callbacks[index]);
+    // What a pointer points to has its own callbacks.
+    const ZMetaType* type = typeKind == Pointer ? this : described();
+    return toolkit::loadAcquire(type->own->callbacks[index]);
 }
 void ZMetaType::setCallback(CallBack index, ZTypeCallback function) {
     if (uint(index) < CallBackCount) toolkit::storeRelease(own->callbacks[index], function);

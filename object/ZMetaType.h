@@ -175,10 +175,10 @@ public:
     bool holdsZType() const { return typeKind >= Dynamic; }
     /// What each instance calls as it starts and as it ends.
     void beginInstance(ZType* instance) {
-        if (watchesInstances) addInstance(instance);
+        if (toolkit::load(watchesInstances)) addInstance(instance);
     }
     void endInstance(ZType* instance) {
-        if (watchesInstances) removeInstance(instance);
+        if (toolkit::load(watchesInstances)) removeInstance(instance);
     }
     ZMetaType* mainOrSelf() const { return mainType ? mainType : const_cast<ZMetaType*>(this); }
     /// The callback that instances of the type have: its own, its main type's, or, for a `ZType` class, that of its

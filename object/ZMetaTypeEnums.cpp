@@ -1,7 +1,8 @@
 #include "object/ZEnumType.h"
 #include "object/ZMetaTypeData.h"
 
-// The enumerations nested in a type, and the steps of an enumeration, asked of a type that may be none: it has no names, and each value stays where it is.
+// The enumerations nested in a type, and the steps of an enumeration, asked of a type that may be none: it has no
+// names, and each value stays where it is.
 
 ZEnumType* ZMetaType::enumType() const {
     const ZMetaType* data = getDataType();

@@ -47,7 +47,7 @@ int sign(int order) { return (order > 0) - (order < 0); }
 } // namespace
 
 ZTypeCallback ZMetaType::instanceCallback(CallBack index) const {
-    const ZMetaType* type = described();
+    const ZMetaType* type = typeKind == Pointer ? nullptr : described();
     while (type) {
         if (ZTypeCallback found = type->getCallback(index)) return found;
         if (type->mainType)
@@ -242,7 +242,11 @@ bool ZMetaType::isDetachedInstance(const void* instance) const {
     if (!instance) return true;
     if (auto ask = callback<bool (*)(const void*)>(this, IsDetachedInstance)) return ask(instance);
     if (typeKind >= Dynamic) return asType(instance)->isDetached();
-    if (typeKind == String) return static_cast<const ZString*>(instance)->isDetached();
+    if (typeKind == String) {
+        // Of a text with a record the question is answered the other way round.
+        auto text = static_cast<const ZString*>(instance);
+        return text->isInternal() || !text->isDetached();
+    }
     return typeKind <= Pointer || askOperation(this, Data::inlineIsDetached, instance, true);
 }
 bool ZMetaType::isNullData(const void* instance) const {

@@ -11,6 +11,7 @@ bool ZType::read(ZStream*) { return false; }
 bool ZType::write(ZStream*) const { return false; }
 bool ZType::writeTyped(ZStream*) const { return false; }
 bool ZType::writeBlock(ZStream*) const { return false; }
+bool ZType::saveIntoFile(const ZFileName&, const ZSelector&) const { return false; }
 
 bool ZMetaType::readInstance(void*, ZStream*) const { return false; }
 void* ZMetaType::readInstance(ZStream*) const { return nullptr; }

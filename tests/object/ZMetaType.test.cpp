@@ -40,12 +40,12 @@ TEST_F(MetaType, KindsAnswerByTheirOrder) {
     for (const Row& row : rows) {
         TypePtr type = makeSized("OfKind", row.kind, row.size);
         ASSERT_TRUE(type);
-        EXPECT_EQ(type->primitive(), row.primitive) << row.kind;
-        EXPECT_EQ(type->isZType(), row.isZType) << row.kind;
-        EXPECT_EQ(type->isZObject(), row.isZObject) << row.kind;
-        EXPECT_EQ(type->atomicData(), row.atomic) << row.kind << " " << row.size;
-        EXPECT_EQ(type->heldInline(), row.inlineValue) << row.kind << " " << row.size;
-        EXPECT_EQ(type->nullableStore(), row.isZType || row.kind == Kind::Pointer) << row.kind;
+        EXPECT_EQ(type->primitive(), row.primitive) << int(row.kind);
+        EXPECT_EQ(type->isZType(), row.isZType) << int(row.kind);
+        EXPECT_EQ(type->isZObject(), row.isZObject) << int(row.kind);
+        EXPECT_EQ(type->atomicData(), row.atomic) << int(row.kind) << " " << row.size;
+        EXPECT_EQ(type->heldInline(), row.inlineValue) << int(row.kind) << " " << row.size;
+        EXPECT_EQ(type->nullableStore(), row.isZType || row.kind == Kind::Pointer) << int(row.kind);
     }
     TypePtr wide = makeSized("Wide", Kind::Structure, 16);
     wide->setAlignment(16);

@@ -98,7 +98,7 @@ TEST_F(MetaTypeInstances, EveryKindIsMadeCopiedComparedAndEnded) {
         TypePtr type = makeSized("Any", row.kind, row.size);
         void *a = type->createInstance(), *b = type->createInstance();
         ASSERT_TRUE(a && b);
-        EXPECT_TRUE(type->isNullData(a)) << row.kind;
+        EXPECT_TRUE(type->isNullData(a)) << int(row.kind);
         EXPECT_EQ(type->compareInstance(a, b), 0);
         EXPECT_EQ(type->compareInstance(a, nullptr), -1);
         EXPECT_EQ(type->compareInstance(nullptr, b), 1);
@@ -111,12 +111,12 @@ TEST_F(MetaTypeInstances, EveryKindIsMadeCopiedComparedAndEnded) {
             EXPECT_NE(type->compareInstance(a, b), 0) << row.text;
         } else
             std::memset(a, 1, row.size);
-        EXPECT_FALSE(type->isNullData(a)) << row.kind;
+        EXPECT_FALSE(type->isNullData(a)) << int(row.kind);
         void* copy = type->copyInstance(a);
-        ASSERT_TRUE(copy) << row.kind;
+        ASSERT_TRUE(copy) << int(row.kind);
         EXPECT_EQ(type->compareInstance(a, copy), 0);
         EXPECT_TRUE(type->detachInstance(copy));
-        EXPECT_TRUE(type->isDetachedInstance(copy)) << row.kind;
+        EXPECT_TRUE(type->isDetachedInstance(copy)) << int(row.kind);
         EXPECT_EQ(type->retainInstance(copy), copy);
         type->releaseInstance(copy);
         EXPECT_EQ(refcount(copy), 1);

@@ -11,7 +11,22 @@ using Kind = ZMetaType::Type;
 
 namespace {
 
-class TypeKernel : public CoreTest {};
+/// With the pools of properties open, whether or not the library's start has opened them.
+class TypeKernel : public CoreTest {
+protected:
+    static void SetUpTestSuite() {
+        CoreTest::SetUpTestSuite();
+        ZPropertyPtr* entry = ZPropertyPtr::create(ZSelector("first"));
+        opened = !entry && ZProperty::open() && ZPropertyPtr::open();
+        if (entry) entry->release();
+    }
+    static void TearDownTestSuite() {
+        if (opened) ZPropertyPtr::close();
+        if (opened) ZProperty::close();
+        CoreTest::TearDownTestSuite();
+    }
+    static inline bool opened = false;
+};
 
 void addProperty(ZType* instance, const char* name) {
     ZPropertyPtr* entry = ZPropertyPtr::create(ZSelector(name), ZVariant());
