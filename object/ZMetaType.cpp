@@ -105,6 +105,7 @@ void ZMetaType::setup(const ZSelector& name, Type kind) {
     own->isReference = name.isReference();
     setIsMetaType(true);
     setSelector(name);
+    if (!metaType) setTypeName("ZMetaType");
     updateInline();
 }
 
