@@ -4,7 +4,7 @@ PREFIX ?= /usr/local
 BUILD = cmake --build build/$(1) -j$(JOBS)
 CONFIGURE = cmake --preset $(1) -DCMAKE_INSTALL_PREFIX=$(PREFIX) >/dev/null
 
-.PHONY: help run test bench asan tsan fuzz docs install check format deps bench-deps clean
+.PHONY: help run test bench asan tsan fuzz api-diff docs install check format deps bench-deps clean
 
 help: ## lists the targets
 	@grep -hE '^[a-z-]+:.*##' $(MAKEFILE_LIST) | sed -E 's/:.*## /\t/' | expand -t 14
@@ -42,6 +42,11 @@ fuzz: deps ## runs each fuzzer on its corpus for FUZZ_SECONDS
 	@$(call CONFIGURE,fuzz)
 	$(call BUILD,fuzz)
 	tests/fuzz/run.sh build/fuzz $(FUZZ_SECONDS)
+
+api-diff: ## shows how the public interface differs from the listing in docs/api.txt
+	@$(call CONFIGURE,dev)
+	@$(call BUILD,dev) --target orvcore orv >/dev/null
+	@scripts/api-diff.sh build/dev
 
 docs: deps ## makes the reference of the public interface in docs/api
 	scripts/install-deps.sh docs

@@ -11,6 +11,8 @@ namespace orv::glue {
 
 template <class T> struct Table<ZArrayT<T>> : Declares<ZArrayT<T>> {
     using Self = ZArrayT<T>;
+    /// How an item is passed.
+    using Item = std::conditional_t<std::is_pointer_v<T>, T, const T&>;
     static constexpr MethodRow methods[] = {
         ORV_CONSTRUCTOR(()),
         ORV_CONSTRUCTOR((const Self&)),
@@ -20,15 +22,18 @@ template <class T> struct Table<ZArrayT<T>> : Declares<ZArrayT<T>> {
         // Out of range the item is a new value: a name has no way to ask first.
         ORV_ADAPTER(T, get, (uint), const,
                     [](const Self& array, uint index) { return index < array.count() ? array[index] : T(); }),
-        ORV_TYPED_METHOD(bool, set, (uint, const T&), ),
-        ORV_TYPED_METHOD(bool, append, (const T&), ),
+        ORV_ADAPTER(bool, set, (uint, Item), ,
+                    [](Self& array, uint index, Item item) { return array.set(index, item); }),
+        ORV_ADAPTER(bool, append, (Item), , [](Self& array, Item item) { return array.append(item); }),
         ORV_TYPED_METHOD(bool, append, (const Self&), ),
-        ORV_TYPED_METHOD(bool, insert, (uint, const T&), ),
+        ORV_ADAPTER(bool, insert, (uint, Item), ,
+                    [](Self& array, uint index, Item item) { return array.insert(index, item); }),
         ORV_TYPED_METHOD(bool, remove, (uint, uint), ),
         ORV_TYPED_METHOD(bool, setCount, (uint), ),
         ORV_TYPED_METHOD(void, clear, (), ),
-        ORV_TYPED_METHOD(bool, contains, (const T&), const),
-        ORV_TYPED_METHOD(int, indexOf, (const T&, uint), const),
+        ORV_ADAPTER(bool, contains, (Item), const, [](const Self& array, Item item) { return array.contains(item); }),
+        ORV_ADAPTER(int, indexOf, (Item, uint), const,
+                    [](const Self& array, Item item, uint start) { return array.indexOf(item, start); }),
         ORV_TYPED_METHOD(int, compare, (const Self&), const),
         ORV_TYPED_METHOD(bool, isDetached, (), const),
         ORV_TYPED_METHOD(bool, detach, (), ),

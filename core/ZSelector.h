@@ -107,6 +107,14 @@ public:
     bool set(const ZSelector* items, int count, Type type);
     bool set(const ZArrayT<ZSelector>& items, Type type = Names);
 
+    /// The texts of the items.
+    explicit ZSelector(const ZVArray& items, Type type = Names);
+    explicit ZSelector(const ZVHashSet& items, Type type = Names);
+    bool set(const ZVArray& items, Type type = Names);
+    bool set(const ZVHashSet& items, Type type = Names);
+    /// A signature from the names of types; empty if one is null.
+    ZSelector(const ZSelector& name, const ZMetaType* result, const ZMetaType* const* params, int count);
+
     // Looking up: like the constructors, but empty for a text that nobody has made. For readers of outside data.
 
     static ZSelector find(const char* text);
@@ -158,6 +166,9 @@ public:
     /// Makes it the selector with another item at `index`; false out of range.
     bool setParam(int index, const ZSelector& value);
     ZArrayT<ZSelector> extract(Type type = Detect) const;
+    /// The same as an array of selectors, or a set. Empty, with a failure raised, without memory.
+    ZVArray separate(Type type = Detect) const;
+    ZVHashSet separateSet(Type type = Detect) const;
     /// The items from `start` up to, without, `end`, as a selector of the same kind; the range is clipped.
     ZSelector extract(int start, int end) const;
     /// The items in front of `index`, and those from it on; false, with both as they were, out of range.
@@ -238,6 +249,16 @@ public:
     ZSelector methodName() const;
     /// The name without its name space.
     ZSelector functionName() const { return methodName().baseName(); }
+    /// The types of the result and the parameters, as names seen from `type`, or in all packages for null; null for a
+    /// name that isn't known. Nothing for an empty selector; without memory too, with a failure raised.
+    ZArrayT<ZMetaType*> metaTypes(const ZMetaType* type) const;
+    /// Whether arguments of another signature's types fit this one's parameters, its names being seen from `type` and
+    /// those of the other from `otherType`. With `checkResult` the results have to fit too; with `exact` there have to
+    /// be as many parameters, else the first ones count.
+    bool matchTypes(const ZMetaType* type, const ZMetaType* otherType, const ZSelector& other, bool checkResult,
+                    bool exact) const;
+    /// The type of this name, as `metaTypes` finds it.
+    ZMetaType* nameType(const ZMetaType* type) const;
     ZSelector result() const;
     /// Makes it the same function or template under another name; false for what is neither.
     bool setMethodName(const ZSelector& name);
@@ -347,6 +368,8 @@ public:
     /// Formats and makes the selector of the result; false, with the old value, if that is empty.
     bool printf(const char* format, ...) ORV_PRINTF(2, 3);
     bool aprintf(const char* format, var_arg* arguments);
+    /// Arguments are converted to what the format asks for; missing ones are 0 and empty.
+    bool xprintf(const char* format, const ZArrayT<ZVariant>& arguments);
 
     // Comparison
 

@@ -20,4 +20,5 @@ extern "C" {
 extern ORV_API const orv::detail::DebugRow orv_debug_core[];
 extern ORV_API const orv::detail::DebugRow orv_debug_strings[];
 extern ORV_API const orv::detail::DebugRow orv_debug_text[];
+extern ORV_API const orv::detail::DebugRow orv_debug_object[];
 }

@@ -5,11 +5,13 @@
 #include "core/ZLock.h"
 #include "core/ZPointerIndex.h"
 #include "core/ZUnique.h"
+#include "module/packages.h"
 #include "object/ZMethodDispatch.h"
 #include "object/ZMethodPtr.h"
 #include "object/ZMethodRef.h"
 #include "object/ZNamedMethod.h"
 #include "object/ZObject.h"
+#include "object/ZPropertyPtr.h"
 #include "text/strtable.h"
 #include "toolkit/atomic.h"
 #include "toolkit/environment.h"
@@ -42,8 +44,10 @@ void unloadFirstPacks(orv::LoadRun&) {
 void openModule(orv::LoadRun&) {
     for (size_t i = 0; i < std::size(modulePacks); ++i)
         if (!moduleHandles[i]) moduleHandles[i] = toolkit::loadPack(modulePacks[i]);
+    orv::openModule();
 }
 void closeModule(orv::LoadRun&) {
+    orv::closeModule();
     // What reclaims a retired object may lie in the code that goes now.
     toolkit::epochDrain();
     for (size_t i = 0; i < std::size(modulePacks); ++i) {
@@ -73,12 +77,15 @@ constexpr orv::LoadStep loadSteps[] = {
     {"ZMethodDispatch::open", When::Always, [](Run&) { ZMethodDispatch::open(); }},
     {"ZNamedMethod::open", When::Always, [](Run&) { ZNamedMethod::open(); }},
     {"ZPointerIndex::open", When::Always, [](Run&) { ZPointerIndex::open(); }},
+    {"ZProperty::open", When::Always, [](Run&) { ZProperty::open(); }},
+    {"ZPropertyPtr::open", When::Always, [](Run&) { ZPropertyPtr::open(); }},
     {"ZUnique::open", When::Always, [](Run&) { ZUnique::open(); }},
     {"ZLock::open", When::Locking, [](Run&) { ZLock::open(128); }},
     {"core lock", When::Locking, [](Run&) { Steps::createCoreLock(); }},
     // Up to here a load that isn't full goes.
     {"names", When::Always, [](Run& run) { Steps::setNames(*run.core, run.pluginPath); }},
     {"openModule", When::Always, openModule},
+    {"packages", When::Always, [](Run&) { orv::openPackages(); }},
     {"splash plugins", When::Always, [](Run&) { splash("Loading Plugins"); }},
     {"splash resources", When::Unrestricted, [](Run&) { splash("Loading Resources"); }},
     {"application names", When::Always, [](Run&) { Steps::setProductNames(); }},
@@ -86,10 +93,11 @@ constexpr orv::LoadStep loadSteps[] = {
     {"loaded mark", When::Always, [](Run&) { toolkit::store(orv::coreState.coreLoaded, true); }},
     {"splash launch", When::Always, [](Run&) { splash("Launching Application"); }},
 };
-constexpr int coreSteps = 14;
+constexpr int coreSteps = 16;
 
 constexpr orv::LoadStep unloadSteps[] = {
     {"first closing mark", When::Always, [](Run&) { toolkit::store(orv::coreState.notificationsClosed, true); }},
+    {"packages", When::Always, [](Run&) { orv::closePackages(); }},
     {"closeModule", When::Always, closeModule},
     {"discard names", When::Always, [](Run& run) { Steps::clearNames(*run.core); }},
     {"core lock", When::Always, [](Run&) { Steps::destroyCoreLock(); }},
@@ -98,7 +106,9 @@ constexpr orv::LoadStep unloadSteps[] = {
     {"ZUnique::close", When::Always, [](Run&) { ZUnique::close(); }},
     {"second closing mark", When::Always, [](Run&) { toolkit::store(orv::coreState.typesClosed, true); }},
     {"retired objects", When::Always, [](Run&) { toolkit::epochDrain(); }},
+    {"ZProperty::close", When::Always, [](Run&) { ZProperty::close(); }},
     {"ZPointerIndex::close", When::Always, [](Run&) { ZPointerIndex::close(); }},
+    {"ZPropertyPtr::close", When::Always, [](Run&) { ZPropertyPtr::close(); }},
     {"ZMethodRef::close", When::Always, [](Run&) { ZMethodRef::close(); }},
     {"ZMethod::close", When::Always, [](Run&) { ZMethod::close(); }},
     {"ZMethodPtr::close", When::Always, [](Run&) { ZMethodPtr::close(); }},

@@ -5,6 +5,8 @@
 #include "core/memlock.h"
 #include "module/packages.h"
 #include "object/ZInlineMethod.h"
+#include "object/ZMetaTypeData.h"
+#include "object/ZTypeCategory.h"
 #include "object/packageTypes.h"
 #include "object/typeGeneration.h"
 #include "object/ztype.h"
@@ -66,6 +68,8 @@ bool ZPackage::setup() {
     if (setupFunc && !setupFunc(this, false)) zdebug("package %s: not all types could be made", packageName.string());
     if (isPublic()) publish(nullptr);
     resetBases();
+    for (ZTypeCategory* category : getCategories())
+        if (!category->setupCategory()) zdebug("category %s isn't set up", category->selector().string());
     setupImplicitMap();
     const bool done = !setupFunc || setupFunc(this, true);
     ZInlineType::resetInvalid();
@@ -97,6 +101,15 @@ void ZPackage::closePack() {
     if (TClosePackage close = std::exchange(closeFunc, nullptr)) close(this);
 }
 
+void ZPackage::dropValues() {
+    const Types all = getTypes();
+    for (const auto& entry : all) {
+        orv::MetaTypeData& type = entry.value()->record();
+        type.properties.clear();
+        for (const auto& nested : std::as_const(type.nested)) nested.value()->record().properties.clear();
+    }
+}
+
 void ZPackage::forgetMetaTypes() {
     const Types all = getTypes();
     for (const auto& entry : all) entry.value()->setType(static_cast<ZMetaType*>(nullptr));
@@ -106,11 +119,14 @@ void ZPackage::forgetMetaTypes() {
 void ZPackage::releasePackage() {
     if (std::exchange(released, true)) return;
     toolkit::store(instances, 0x3FFFFFFF);
-    const Types all = getTypes();
-    for (const auto& entry : all) entry.value()->setSingleton(nullptr);
-    closePack();
-    clearInlines();
-    for (const auto& entry : all) entry.value()->setPluginId({});
+    {
+        const Types all = getTypes();
+        for (const auto& entry : all) entry.value()->setSingleton(nullptr);
+        closePack();
+        removeCategory();
+        clearInlines();
+        for (const auto& entry : all) entry.value()->setPluginId({});
+    }
     releaseLinks();
     setType(static_cast<ZMetaType*>(nullptr));
     releaseTypes();
@@ -162,7 +178,8 @@ void ZPackage::releaseTypes() {
         entry.value()->setType(static_cast<ZMetaType*>(nullptr));
     }
     for (const auto& entry : own) entry.value()->removeSubTypes();
-    while (all.count()) all.removeIndex(all.count() - 1);
+    // From the last to the first; what is left without memory goes with the map.
+    while (all.count() && all.removeIndex(all.count() - 1)) {}
 }
 
 // Inline records

@@ -78,6 +78,8 @@ public:
     void resetBases();
     /// Calls the close function, once.
     void closePack();
+    /// Lets the values go that its types hold, defaults of properties among them.
+    void dropValues();
     /// Takes the types of its types and its own away, so that packages can end in any order. No lookup runs any more.
     void forgetMetaTypes();
     /// Lets everything go: types, links to and from other packages, inline records. Once; later calls do nothing.
@@ -131,6 +133,23 @@ public:
     /// Counts the inline methods that point into the package.
     void changeInlines(bool added);
 
+    // Categories. A name is there once.
+
+    /// Retains it.
+    bool addCategory(ZTypeCategory* category);
+    /// Of its own; null if there is none.
+    ZTypeCategory* getCategory(const ZSelector& name) const override;
+    /// Here, in used packages, in those that the root uses.
+    ZTypeCategory* findCategory(const ZSelector& name) const;
+    ZArrayT<ZTypeCategory*> getCategories() const;
+    /// Types that have it lose what they have from it.
+    bool removeCategory();
+    bool removeCategory(const ZSelector& name);
+    bool removeCategory(ZTypeCategory* category);
+    void resetCategory(const ZSelector& name);
+    /// Lets each category extend those of the package's types that it asks for; ends at the first failure.
+    bool autoExtend();
+
     // Selector groups
 
     bool selectorGroupNames(ZArrayT<ZSelector>& names) const;
@@ -180,6 +199,7 @@ private:
     mutable ZSelectorMap selectorIndex;
     mutable InlineTypeList inlineTypes;
     int inlineMethodCount = 0;
+    ZArrayT<ZTypeCategory*> categories; ///< each with one reference
     ZSelector options;
     int sandBoxLevel = 0;
     uint flags = 0;

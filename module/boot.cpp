@@ -3,6 +3,7 @@
 #include "module/packages.h"
 #include "object/names.h"
 #include "object/typeGeneration.h"
+#include "toolkit/epoch.h"
 
 // How the packages of this library come and go.
 
@@ -50,6 +51,10 @@ ZPackage* makePackage(const PackageRow& row) {
     auto package = zmake<ZPackage>();
     if (!package) return nullptr;
     package->setSelector(ZSelector(row.name));
+    if (package->selector().isEmpty()) { // no memory; without a name nobody would find it
+        package->release();
+        return nullptr;
+    }
     package->setFlags(row.flags);
     if (row.options) package->setOptions(ZSelector(row.options));
     package->setSetupFunc(setupPackage);
@@ -93,6 +98,7 @@ ZPackage* loadPackage(const ZSelector& name) {
     if (ZPackage* known = ZPackage::findPackage(name)) return retain(known);
     const int place = placeOf(name);
     if (place < 0 || !openCount) return nullptr;
+    if (opened[place]) return retain(opened[place]);
     ZPackage* package = ::openPackage(nullptr, name);
     if (!package) return nullptr;
     opened[place] = package;
@@ -114,15 +120,29 @@ bool openPackages() {
 }
 
 void closePackages() {
+    // What is retired may hold types.
+    toolkit::epochDrain();
     ZArrayT<ZPackage*> all;
+    bool ordered = true;
     for (ZPackage* package : opened)
-        if (package && !all.append(package)) break;
-    ZPackage::topologicalOrdering(all);
-    for (ZPackage* package : std::as_const(all)) package->closePack();
+        if (package) ordered = ordered && all.append(package);
+    ordered = ordered && ZPackage::topologicalOrdering(all);
+    // Without memory for the order they go as they were opened.
+    auto each = [&](auto&& use) {
+        ZPackage* const* first = ordered ? std::as_const(all).begin() : opened;
+        ZPackage* const* last = ordered ? std::as_const(all).end() : opened + mostPackages;
+        for (auto at = first; at != last; ++at)
+            if (*at) use(*at);
+    };
+    each([](ZPackage* package) { package->closePack(); });
+    // Defaults of properties are values of types of any package.
+    for (ZPackage* package : opened)
+        if (package) package->dropValues();
+    toolkit::epochDrain();
     for (ZPackage* package : opened)
         if (package) package->forgetMetaTypes();
     if (rootPackage) rootPackage->forgetMetaTypes();
-    for (ZPackage* package : std::as_const(all)) package->releasePackage();
+    each([](ZPackage* package) { package->releasePackage(); });
     for (ZPackage*& package : opened)
         if (package) std::exchange(package, nullptr)->release();
     if (rootPackage) std::exchange(rootPackage, nullptr)->release();

@@ -6,11 +6,22 @@
 #include "object/typeGeneration.h"
 #include "object/ztype.h"
 
+#include <cstring>
+
 // The types of packages by name.
 
 namespace {
 /// How deep the arguments of templates nest in a name, and how many "*" it may end in.
 constexpr int deepestName = 32, mostPointers = 4;
+
+/// What the type itself calls a variant: inside of its owner a type bears its last name alone.
+ZSelector variantName(const ZSelector& name, const ZSelector& main, const ZSelector& own) {
+    if (own == main) return name;
+    const char* text = name.string();
+    const char* at = std::strstr(text, main.string());
+    if (!at) return name;
+    return ZSelector(text, int(at - text)).combine(own).join(at + main.length());
+}
 } // namespace
 
 bool ZPackage::setTypeCount(uint count) {
@@ -103,7 +114,8 @@ ZMetaType* ZPackage::find(const ZSelector& name, bool make, int depth) const {
     if (!(main == name)) {
         ZMetaType* type = name.ptrCount() <= mostPointers ? find(main, make, depth + 1) : nullptr;
         if (!type) return nullptr;
-        return make ? type->getQualified(name) : type->findQualified(name);
+        const ZSelector variant = variantName(name, main, type->getName());
+        return make ? type->getQualified(variant) : type->findQualified(variant);
     }
     if (name.type() == ZSelector::Types) return findNested(name, make, depth);
     return make && name.type() == ZSelector::Template ? const_cast<ZPackage*>(this)->findInstance(name, depth)

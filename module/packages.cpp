@@ -5,6 +5,11 @@
 // A type that is declared in `<Class>.glue.cpp` enters its package by one line here, behind its bases. Packages are
 // opened in the order of the last list.
 
+// Each row is defined beside its class.
+#ifdef __clang__
+#pragma clang diagnostic ignored "-Wundefined-var-template"
+#endif
+
 namespace orv {
 
 namespace {
@@ -29,8 +34,9 @@ constexpr const ClassRow* baseTypes[] = {
 };
 
 constexpr const ClassRow* objectTypes[] = {
-    &Row<ZType>::row, &Row<ZObject>::row,    &Row<ZMetaType>::row,
-    &Row<ZEnum>::row, &Row<ZMethodRef>::row, &Row<ZPropertyRef>::row,
+    &Row<ZType>::row,         &Row<ZObject>::row,      &Row<ZMetaType>::row,      &Row<ZEnum>::row,
+    &Row<ZMethodRef>::row,    &Row<ZPropertyRef>::row, &Row<ZDetachContext>::row, &Row<ZEnumType>::row,
+    &Row<ZTypeCategory>::row, &Row<ZPackage>::row,
 };
 
 constexpr const char* ztlUses[] = {"orv.core.base", "orv.core.object"};

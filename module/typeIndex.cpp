@@ -23,7 +23,7 @@ TypeIndex::Table* TypeIndex::make(uint places) {
 
 void TypeIndex::retire(Table* table) {
     if (table)
-        toolkit::epochRetire(&table->link, [](toolkit::EpochLink* link) { zfree(reinterpret_cast<Table*>(link)); });
+        toolkit::epochDefer(&table->link, [](toolkit::EpochLink* link) { zfree(reinterpret_cast<Table*>(link)); });
 }
 
 /// The place of a key, or the free one where it would stand.

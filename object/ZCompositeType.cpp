@@ -43,7 +43,11 @@ ZCompositeType::ZCompositeType(const ZCompositeType* source, const __ZPassMetaTy
 ZCompositeType::ZCompositeType(const __ZPassMetaType* type, ZInternal* internal)
     : ZCompositeType(nullptr, ZSelector(), type, internal) {}
 ZCompositeType::ZCompositeType(const ZSelector& name, ZCompositeType* main) : ZMetaType(main, name) {}
-ZCompositeType::~ZCompositeType() { zrelease(published.publish(nullptr)); }
+ZCompositeType::~ZCompositeType() {
+    CompositeLayout* last = published.publish(nullptr);
+    if (last) hold(last->members, -1);
+    zrelease(last);
+}
 
 ZType* ZCompositeType::copy() const { return zmake<ZCompositeType>(this, orv::passType(type())); }
 ZMetaType* ZCompositeType::makeVariant(const ZSelector& name) {
@@ -56,19 +60,18 @@ namespace orv {
 
 CompositeLayout::CompositeLayout(const ZArrayT<CompositeMember>& all)
     : members(all), map(ztype<ZMetaType*>(), all.count()) {
-    for (const CompositeMember& member : members) {
-        if (!map.set(member.name, ZVariant(static_cast<const ZType*>(member.type.get())))) ZError::fail();
-        if (const ZCompositeType* inner = member.type->compositeType()) inner->hold(1);
-    }
-}
-CompositeLayout::~CompositeLayout() {
     for (const CompositeMember& member : members)
-        if (const ZCompositeType* inner = member.type->compositeType()) inner->hold(-1);
+        if (!map.set(member.name, ZVariant(static_cast<const ZType*>(member.type.get())))) ZError::fail();
 }
 
 } // namespace orv
 
-void ZCompositeType::hold(int by) const { toolkit::addFetch(holders, by); }
+/// Counts, or no longer counts, these as members of another composite.
+void ZCompositeType::hold(const Members& members, int by) {
+    for (const CompositeMember& member : members)
+        if (const ZCompositeType* inner = member.type ? member.type->compositeType() : nullptr)
+            toolkit::addFetch(inner->holders, by);
+}
 
 const CompositeLayout* ZCompositeType::layout() const { return layoutType()->published.load(); }
 
@@ -98,8 +101,14 @@ bool ZCompositeType::acceptsMember(const ZMetaType* type) const {
     return size && alignment <= 16 && (alignment == 1 || size <= largestMember);
 }
 
-/// Publishes a layout of these members.
+/// Publishes a layout of these members. Composites among them are held first, so that their sizes stay.
 bool ZCompositeType::setMembers(Members& members) {
+    hold(members, 1);
+    if (placeMembers(members)) return true;
+    hold(members, -1);
+    return false;
+}
+bool ZCompositeType::placeMembers(Members& members) {
     ularge size = 0;
     for (uint i = 0; i < members.count(); ++i) {
         CompositeMember& member = members[i];
@@ -119,16 +128,19 @@ bool ZCompositeType::setMembers(Members& members) {
     CompositeLayout* old;
     {
         ZScopedLock held(own->change);
-        if (toolkit::load(instances) > 0 || toolkit::load(holders) > 0) {
-            zdebug("type %s is in use: its members can't change\n", own->name.string());
-            old = made;
-        } else
-            old = published.publish(made);
+        const bool used = toolkit::load(instances) > 0 || toolkit::load(holders) > 0;
+        old = used ? made : published.publish(made);
     }
-    const bool done = old != made;
-    if (done) setSize(uint(size));
-    if (old) toolkit::epochRetire(old, freeLayout);
-    return done;
+    if (old == made) {
+        zdebug("type %s is in use: its members can't change\n", own->name.string());
+        zrelease(made);
+        return false;
+    }
+    setSize(uint(size));
+    if (!old) return true;
+    hold(old->members, -1);
+    toolkit::epochRetire(old, freeLayout);
+    return true;
 }
 
 template <class F> bool ZCompositeType::change(F&& edit) {

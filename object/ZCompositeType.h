@@ -113,9 +113,10 @@ private:
     const orv::CompositeMember* find(const ZSelector& name) const;
     template <class F> bool change(F&& edit);
     bool setMembers(Members& members);
+    bool placeMembers(Members& members);
     bool acceptsMember(const ZMetaType* type) const;
     int nesting() const;
-    void hold(int by) const;
+    static void hold(const Members& members, int by);
     void destructMembers(void* instance, uint count) const;
     bool replaceMember(void* instance, const orv::CompositeMember& member, void* value) const;
 

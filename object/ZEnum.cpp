@@ -341,7 +341,10 @@ int ZEnum::resolve(const ZString& expression) const {
     const orv::detail::TextIn<char> text(expression.view());
     return resolveText(text.text, text.length);
 }
-int ZEnum::resolve(const ZSelector& expression) const { return resolveText(expression.string(), expression.length()); }
+int ZEnum::resolve(const ZSelector& expression) const {
+    int whole;
+    return value(expression, &whole) ? whole : resolveText(expression.string(), expression.length());
+}
 int ZEnum::resolveFull(const char* text, int length) {
     int whole = 0;
     if (findEnumValue(text, length, whole)) return whole;

@@ -41,7 +41,7 @@ int signExtended(int value, uint size) { return size == 1 ? int8(value) : size =
 
 ZEnumType::ZEnumType(ZPackage* package, const ZSelector& name, const __ZPassMetaType* type, ZInternal* internal)
     : ZMetaType(package, name, Enum, tagOf(type), internal) {
-    setSynthetic(true);
+    if (own) setSynthetic(true);
 }
 ZEnumType::ZEnumType(ZPackage* package, const ZSelector& name, const ZArrayT<ZEnumItem>& items,
                      const __ZPassMetaType* type, ZInternal* internal)

@@ -3,6 +3,7 @@
 #include "object/ZMetaTypeData.h"
 #include "object/ZObject.h"
 #include "object/inlineLinks.h"
+#include "object/methodArguments.h"
 #include "object/methodLookup.h"
 #include "value/ZTypedPtr.h"
 #include "value/ZVariant.h"
@@ -124,7 +125,6 @@ bool ZInlineMethod::setMethod(const ZObject* object, const ZSelector& wanted, co
     ownerObject = object;
     ownerType = object ? object->type() : nullptr;
     link();
-    if (object) const_cast<ZObject*>(object)->linkInlineMethod(this);
     toolkit::EpochGuard guard;
     return resolve().method != nullptr;
 }
@@ -195,13 +195,13 @@ MethodHit ZInlineMethod::find() const {
 }
 void ZInlineMethod::publish(const MethodHit& hit, ularge generation) const {
     // An object's own methods change without the types; entries that look at their record need a guard around the call.
-    const bool keep =
-        hit.method && hit.method->isDeclared() && hit.method->hasFunc() && hit.method->fastWords() == 0 && !ownerObject;
+    const bool keep = hit.method && hit.method->isDeclared() && hit.method->hasFunc() && !ownerObject;
     ZScopedLock held(guard);
     toolkit::storeRelease(stamp, 0);
     toolkit::storeRelease(func, keep ? hit.method->getFunc() : nullptr);
     toolkit::storeRelease(method, keep ? hit.method : nullptr);
     toolkit::storeRelease(offset, hit.offset);
+    toolkit::storeRelease(taking, keep ? hit.method->fastWords() : 0);
     if (keep && generation == orv::typeGeneration()) toolkit::storeRelease(stamp, generation);
 }
 MethodHit ZInlineMethod::resolve() const {
@@ -219,12 +219,13 @@ MethodHit ZInlineMethod::resolve() const {
     publish(hit, generation);
     return hit;
 }
-void* ZInlineMethod::callSlow(const void* instance) const {
+void* ZInlineMethod::callSlow(const void* instance, const void* const* words, int count) const {
     toolkit::EpochGuard guard;
     const MethodHit hit = resolve();
     if (!hit.method) return nullptr;
     const char* part = static_cast<const char*>(instance) + hit.offset;
-    if (hit.method->hasFunc() && hit.method->fastWords() == 0) return hit.method->getFunc()(part, hit.method);
+    if (hit.method->hasFunc() && hit.method->fastWords() == count) return orv::callWords(hit.method, part, words);
+    if (count > 0) return nullptr;
     const ZVariant result = hit.method->invoke(part, ownerType, nullptr, 0);
     void* word = nullptr;
     if (result.type() && result.type()->byteSize() <= sizeof word && result.getPtr())
@@ -270,6 +271,7 @@ ZMetaType* ZInlineMethod::getParamType(int index) const {
 void ZInlineMethod::link() const {
     ZMetaType* type = toolkit::loadAcquire(ownerType);
     if (isMulti) orv::InlineLinks::list(this);
+    if (ownerObject) const_cast<ZObject*>(ownerObject)->linkInlineMethod(const_cast<ZInlineMethod*>(this));
     if (!type) return;
     {
         ZScopedLock held(guard);

@@ -7,6 +7,8 @@
 #include "object/ZMethod.h"
 #include "object/typeGeneration.h"
 
+#include <type_traits>
+
 namespace orv {
 struct InlineLinks;
 struct MethodHit;
@@ -71,15 +73,24 @@ public:
 
     // Calling. What isn't found does nothing and answers 0.
 
-    /// The fast entry of a method without arguments: the answer is its word.
-    void* call(const void* instance) const {
+    /// The fast entry with as many words as the method has parameters; the answer is a word. See `orv::MethodWords1`.
+    template <class... W> void* call(const void* instance, W... words) const {
+        static_assert(sizeof...(W) <= 4 && (std::is_convertible_v<W, const void*> && ...));
         const ularge seen = toolkit::loadAcquire(stamp);
         auto entry = toolkit::loadAcquire(func);
         auto record = toolkit::loadAcquire(method);
         const auto part = toolkit::loadAcquire(offset);
-        if (ORV_LIKELY(seen == orv::typeGeneration() && toolkit::load(stamp) == seen))
-            return entry(static_cast<const char*>(instance) + part, record);
-        return callSlow(instance);
+        const auto taken = toolkit::loadAcquire(taking);
+        if (ORV_UNLIKELY(seen != orv::typeGeneration() || toolkit::load(stamp) != seen || taken != sizeof...(W))) {
+            const void* const given[sizeof...(W) + 1] = {words...};
+            return callSlow(instance, given, int(sizeof...(W)));
+        }
+        return Entry<W...>::of(entry)(static_cast<const char*>(instance) + part, record, words...);
+    }
+    /// The same with plain values of at most 8 bytes, pointers, and references, of exactly the types of the method's
+    /// parameters and result.
+    template <class R, class... A> R callAs(const void* instance, A... arguments) const {
+        return fromWord<R>(call(instance, toWord(arguments)...));
     }
     /// With arguments that are converted.
     ZVariant invoke(const void* instance, const ZVariant* args, int count) const;
@@ -123,6 +134,29 @@ public:
     static Stack* stack();
 
 private:
+    template <class... W> struct Entry {
+        template <class> using Word = const void*;
+        using Type = void* (*)(const void*, ZMethod*, Word<W>...);
+        /// Back to what the entry was made as.
+        static Type of(ZMethod::Func entry) { return reinterpret_cast<Type>(reinterpret_cast<void (*)()>(entry)); }
+    };
+    template <class T> static const void* toWord(const T& value) {
+        static_assert(sizeof(T) <= sizeof(void*) && std::is_trivially_copyable_v<T>);
+        const void* word = nullptr;
+        __builtin_memcpy(&word, &value, sizeof value);
+        return word;
+    }
+    template <class R> static R fromWord(void* word) {
+        if constexpr (std::is_reference_v<R>) {
+            return *static_cast<std::remove_reference_t<R>*>(word);
+        } else if constexpr (!std::is_void_v<R>) {
+            static_assert(sizeof(R) <= sizeof(void*) && std::is_trivially_copyable_v<R>);
+            R value;
+            __builtin_memcpy(&value, &word, sizeof value);
+            return value;
+        }
+    }
+
     friend class Stack;
     friend struct orv::InlineLinks;
 
@@ -130,7 +164,7 @@ private:
     orv::MethodHit resolve() const;
     void publish(const orv::MethodHit& hit, ularge generation) const;
     ZMetaType* findOwner() const;
-    void* callSlow(const void* instance) const;
+    void* callSlow(const void* instance, const void* const* words, int count) const;
 
     // The target, read without a lock: good as long as `stamp` is the generation of types, and the same before and
     // after the others were read. Only entries that don't look at the record are kept here.
@@ -138,6 +172,7 @@ private:
     mutable ZMethod::Func func = nullptr;
     mutable ZMethod* method = nullptr;
     mutable int offset = 0;
+    mutable uint taking = 0; ///< the words that `func` takes
 
     mutable ZInlineMethod* next = nullptr;
     mutable ZInlineMethod* prev = nullptr;

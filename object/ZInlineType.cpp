@@ -9,19 +9,24 @@ namespace {
 constinit InlineTypeList unowned;
 } // namespace
 
-ZMetaType* ZInlineType::find() const {
-    if (ownerType) return ownerType->findType(name.get());
-    if (ownerPackage) return ownerPackage->findType(name.get());
-    if (package.get().isEmpty()) return ZMetaType::find(name.get());
+ZMetaType* ZInlineType::find(const ZSelector& selector) const {
+    if (ownerType) return ownerType->findType(selector);
+    if (ownerPackage) return ownerPackage->findType(selector);
+    if (package.get().isEmpty()) return ZMetaType::find(selector);
     const ZPackage* owner = ZPackage::findPackage(package.get());
-    return owner ? owner->findType(name.get()) : nullptr;
+    return owner ? owner->findType(selector) : nullptr;
 }
 
-/// The lookup runs without the record's lock: it may make types, which look up others.
-ZMetaType* ZInlineType::resolve() const {
+/// The lookup runs without the record's lock: it may make types, which look up others. A name from a text isn't kept:
+/// the record may outlive the space of names.
+ZMetaType* ZInlineType::resolve(const char* text) const {
     const ularge now = orv::typeGeneration();
-    if (name.get().isEmpty() || toolkit::load(missed) == now) return nullptr;
-    ZMetaType* found = find();
+    if (toolkit::load(missed) == now) return nullptr;
+    ZMetaType* found = nullptr;
+    if (!name.get().isEmpty())
+        found = find(name.get());
+    else if (text)
+        found = find(ZSelector(text));
     if (!found) {
         toolkit::store(missed, now);
         return nullptr;
@@ -65,7 +70,7 @@ void ZInlineType::setType(const ZMetaType* owner, const ZSelector& selector) {
 void ZInlineType::extend(const ZSelector& selector) {
     reset();
     name.get() = selector;
-    resolve();
+    resolve(nullptr);
 }
 void ZInlineType::assign(const ZInlineType& other) {
     if (this == &other) return;

@@ -18,10 +18,10 @@ public:
     ZInlineType(const ZInlineType&) = delete;
     ZInlineType& operator=(const ZInlineType&) = delete;
 
-    /// Borrowed from its package; null if there is no such type.
-    ZMetaType* type() const {
+    /// Borrowed from its package; null if there is no such type. `text` names it as long as nothing was set.
+    ZMetaType* type(const char* text = nullptr) const {
         ZMetaType* known = toolkit::loadAcquire(metaType);
-        return ORV_LIKELY(known != nullptr) ? known : resolve();
+        return ORV_LIKELY(known != nullptr) ? known : resolve(text);
     }
     bool unresolved() const { return !toolkit::load(metaType); }
 
@@ -49,8 +49,8 @@ public:
 private:
     friend struct InlineTypeList;
 
-    ZMetaType* resolve() const;
-    ZMetaType* find() const;
+    ZMetaType* resolve(const char* text) const;
+    ZMetaType* find(const ZSelector& selector) const;
 
     mutable ZInlineType* next = nullptr;
     mutable ZInlineType* prev = nullptr;

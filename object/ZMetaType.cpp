@@ -158,6 +158,7 @@ ZMetaType::~ZMetaType() {
     // Only an instance knows its private copy.
     if (!own->localType) orv::typesRemoved();
     dropObjects();
+    dropCategories();
     clearVariants();
     clearLinkedTypes();
     clearSubTypes();
@@ -293,7 +294,13 @@ void ZMetaType::resetWrapper() {
 bool ZMetaType::isSynthetic() const { return toolkit::load(described()->own->synthetic); }
 void ZMetaType::setSynthetic(bool on) { toolkit::store(own->synthetic, on); }
 bool ZMetaType::hasDynamicProperties() const { return toolkit::load(described()->own->hasDynamicProperties); }
-void ZMetaType::setDynamicProperties(bool on) { toolkit::store(own->hasDynamicProperties, on); }
+void ZMetaType::setDynamicProperties(bool on) {
+    toolkit::store(own->hasDynamicProperties, on);
+    updateWatch();
+    if (!on) return;
+    for (ZMetaType* type : getDescendants())
+        if (!type->hasDynamicProperties()) type->setDynamicProperties(true);
+}
 bool ZMetaType::isLocalType() const { return own->localType; }
 void ZMetaType::setLocalType(bool on) {
     own->localType = on;
@@ -305,7 +312,8 @@ void ZMetaType::setRetainedType(bool on) {
     updateWatch();
 }
 void ZMetaType::updateWatch() {
-    toolkit::store(watchesInstances, own->localType || own->retainedType || (own->flags & Lockable));
+    toolkit::store(watchesInstances,
+                   own->localType || own->retainedType || own->hasDynamicProperties || (own->flags & Lockable));
 }
 int ZMetaType::indexLabel() const { return described()->own->indexLabel; }
 void ZMetaType::setIndexLabel(int label) { own->indexLabel = label; }
@@ -341,5 +349,10 @@ ZTypeCallback ZMetaType::getCallback(CallBack index) const {
     return toolkit::loadAcquire(type->own->callbacks[index]);
 }
 void ZMetaType::setCallback(CallBack index, ZTypeCallback function) {
-    if (uint(index) < CallBackCount) toolkit::storeRelease(own->callbacks[index], function);
+    if (uint(index) >= CallBackCount) return;
+    toolkit::storeRelease(own->callbacks[index], function);
+    // A table that somebody asked for before is built anew.
+    if (index == CreateTypes) toolkit::storeRelease(own->typesState, byte(orv::tableUnbuilt));
+    if (index == CreateMethods) resetMethodTypes();
+    if (index == CreateProperties) own->properties.reset();
 }

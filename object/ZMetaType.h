@@ -214,6 +214,8 @@ public:
     // Names
 
     virtual ZSelector getName() const;
+    /// The name that signatures spell: behind that of the type that this one is nested in, if there is one.
+    ZSelector signatureName() const;
     virtual ZSelector fullName() const;
     virtual ZSelector getQualifier() const;
     virtual void setQualifier(const ZSelector& qualifier);
@@ -236,6 +238,7 @@ public:
     virtual void setSandBoxName(const ZSelector& name);
     virtual int getSandBoxLevel() const;
     virtual void setSandBoxLevel(int level);
+    /// Whether new instances get dynamic properties that the type or one of its bases declares.
     virtual bool hasDynamicProperties() const;
     virtual void setDynamicProperties(bool on);
     virtual ZSelector constructorName() const;
@@ -759,6 +762,10 @@ public:
     virtual void cleanTypeDispatch();
     virtual bool typeCallDispatch(ZObject* object, const ZSelector& name, const ZArrayT<ZVariant>& arguments);
     virtual bool typeCallDispatch(ZObject* object, const ZSelector& name);
+    /// A copy of the type's table of signals, which is built if need be.
+    DispatchTable getTypeMethodDispatch() const;
+    bool addTypeDispatch(const DispatchTable& dispatch);
+    bool removeTypeDispatch(const DispatchTable& dispatch);
     virtual bool typeDispatch(ZObject* object, const ZSelector& name, const ZArrayT<ZVariant>& arguments);
 
     // Declared
@@ -774,9 +781,12 @@ public:
     ZType* copy() const override;
     ZPackage* package() const override;
     ZMetaType* findType(const ZSelector& name) const override;
+    /// Brings what the type has from its categories up to date.
+    void resetCategories() override;
 
 protected:
     friend class ZObject;
+    friend struct orv::detail::ObjectLayout;
 
     /// Makes the private part; a failure is raised without memory.
     void setup(const ZSelector& name, Type kind);
@@ -785,6 +795,10 @@ protected:
     bool copyBases(const orv::MetaTypeData& source);
     void enterPackage(ZPackage* package);
     void leaveMainType();
+    bool joinCategory(ZTypeCategory* category);
+    bool rejoinCategory(ZTypeCategory* category);
+    void dropCategories();
+    template <class F> bool eachDispatch(F&& call);
     /// A new variant of this type, with one reference. Where the class has operations of its own on instances, variants
     /// that are no pointers are of the class too.
     virtual ZMetaType* makeVariant(const ZSelector& name);

@@ -444,8 +444,12 @@ bool ZMetaType::addAlias(const ZSelector& name) {
 // Descendants
 
 bool ZMetaType::addDescendant(ZMetaType* type) {
-    ZScopedLock held(own->basetype);
-    return own->descendants.append(type);
+    {
+        ZScopedLock held(own->basetype);
+        if (!own->descendants.append(type)) return false;
+    }
+    if (own->hasDynamicProperties) type->setDynamicProperties(true);
+    return true;
 }
 void ZMetaType::removeDescendant(ZMetaType* type) {
     ZScopedLock held(own->basetype);

@@ -3,6 +3,8 @@
 #include "core/ZLock.h"
 #include "object/ZInlineMethod.h"
 #include "object/ZMetaType.h"
+#include "object/ZMethodDispatch.h"
+#include "object/categoryLinks.h"
 #include "object/methodTables.h"
 #include "object/propertyTables.h"
 #include "object/typeGeneration.h"
@@ -45,12 +47,6 @@ struct BaseLink {
     ZSelector name;
     ZMetaType* type = nullptr; ///< one reference
     int offset = 0;
-};
-
-/// A category that extends a type; its package holds it.
-struct CategoryLink {
-    ZSelector name;
-    ZTypeCategory* category = nullptr;
 };
 
 enum TableState : byte { tableUnbuilt, tableBuilding, tableBuilt };
@@ -129,6 +125,13 @@ struct MetaTypeData {
     ZMetaType::Types nested;
     byte typesState = tableUnbuilt; ///< of `nested`
     ZArrayT<CategoryLink> categories;
+
+    // Signals
+
+    ZObject::DispatchTable dispatch;
+    byte dispatchState = tableUnbuilt; ///< of `dispatch`
+    bool hasDispatch = false;          ///< `dispatch` isn't empty
+    bool dispatchStale = false;        ///< what its entries found isn't used again
 
     // Callbacks and what was made of them
 

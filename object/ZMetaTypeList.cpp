@@ -8,6 +8,7 @@
 
 void ZMetaType::addInstance(ZType* instance) {
     if ((getFlags() & Lockable) && !makelock(instance, spinLock(), true)) ZError::fail();
+    if (own->hasDynamicProperties && !setupProperties(instance)) ZError::fail();
     if (!own->localType && !own->retainedType) return;
     retain();
     toolkit::addFetch(instanceCount, 1);

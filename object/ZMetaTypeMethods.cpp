@@ -1,6 +1,7 @@
 #include "core/ZHashSetT.h"
 #include "object/ZMetaTypeData.h"
 #include "object/ZMethod.h"
+#include "object/glueRows.h"
 #include "object/inlineLinks.h"
 #include "object/methodLookup.h"
 #include "object/names.h"
@@ -146,9 +147,11 @@ ZMethod* findOperation(const ZMetaType* type, TypeOperation which) {
 
 const MethodTable* methodTable(const ZMetaType* type) {
     const MethodTables& tables = type->record().methods;
-    if (const MethodTable* known = tables.published.load()) return known;
-    const_cast<ZMetaType*>(type)->createMethods();
-    return tables.published.load();
+    for (;;) {
+        if (const MethodTable* known = tables.published.load()) return known;
+        // What was built may have been reset again by now.
+        if (!const_cast<ZMetaType*>(type)->createMethods()) return tables.published.load();
+    }
 }
 bool reserveMethods(ZMetaType* type, uint count) {
     MethodTable* building = type->record().methods.building;
@@ -185,8 +188,9 @@ bool ZMetaType::createMethods() {
     if (tables.building) return false;
     tables.building = zmake<orv::MethodTable>();
     if (!tables.building) return false;
+    if (own->declaration) reserveMethods(this, uint(own->declaration->methods.count));
     auto build = reinterpret_cast<bool (*)(ZMetaType*)>(getCallback(CreateMethods));
-    const bool built = !build || build(this);
+    const bool built = (!build || build(this)) && orv::joinCategoryMethods(this);
     orv::MethodTable* fresh = std::exchange(tables.building, nullptr);
     if (!built) {
         zrelease(fresh);
@@ -222,6 +226,18 @@ void ZMetaType::resetMethodTypes() {
     typesChanged();
     if (old) toolkit::epochRetire(old, reclaimTable);
     resetInlineMethodTypes();
+}
+
+bool ZMetaType::typesAreReset() const { return !own->methods.published.load() && !own->properties.types.load(); }
+void ZMetaType::resetType(bool build) {
+    resetMethodTypes();
+    own->properties.reset();
+    typesChanged();
+    if (!build) return;
+    createTypes();
+    createMethods();
+    createProperties();
+    createDispatch();
 }
 
 // Declared methods

@@ -65,6 +65,10 @@ ZSelector ZMetaType::typeSelector() const { return own->name; }
 ZSelector ZMetaType::getQualifier() const { return own->qualifier; }
 void ZMetaType::setQualifier(const ZSelector& qualifier) { own->qualifier = qualifier; }
 
+ZSelector ZMetaType::signatureName() const {
+    const ZMetaType* owner = getOwnerType();
+    return owner ? ZSelector::combine(owner->signatureName(), own->name, "::") : own->name;
+}
 ZSelector ZMetaType::fullName() const {
     const ZSelector package = orv::packageName(own->package);
     return package.isEmpty() ? own->name : ZSelector::combine(package, own->name, "::");

@@ -84,7 +84,7 @@ bool ZMetaType::createProperties() {
     tables.building = &tree;
     toolkit::store(tables.builder, toolkit::threadNumber());
     auto build = reinterpret_cast<bool (*)(ZMetaType*)>(getCallback(CreateProperties));
-    bool built = !build || build(this);
+    bool built = (!build || build(this)) && orv::joinCategoryProperties(this);
     tables.building = nullptr;
     toolkit::store(tables.builder, 0u);
     orv::PublishedProperties* old = nullptr;

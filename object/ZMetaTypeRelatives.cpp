@@ -10,7 +10,8 @@ namespace {
 constexpr int mostPointers = 4;
 
 bool allowedVariant(const ZMetaType* main, const ZSelector& name) {
-    return name.ptrCount() <= mostPointers && name.mainType() == main->getName();
+    const ZSelector plain = name.mainType();
+    return name.ptrCount() <= mostPointers && (plain == main->getName() || plain == main->signatureName());
 }
 
 /// The name with one "*" less, or without its "&".

@@ -154,7 +154,7 @@ const void* ZMethodCall::directly(int at, const ZVariant& value) const {
     const bool isPointer = held->kind() == ZMetaType::Pointer;
     // What may be written is the caller's only where it is an object, or handed over by a pointer to what isn't const.
     if (!param.isConst && !sharesInstance(param.data) && !isPointer) return nullptr;
-    if (!param.isConst && isPointer && held->getQualifier().contains("const")) return nullptr;
+    if (!param.isConst && isPointer && held->getQualifier().contains(zsel<"const">())) return nullptr;
     if (actual == param.data) return address;
     return sharesInstance(param.data) || param.isConst || isPointer ? orv::upcast(actual, param.data, address)
                                                                     : nullptr;
@@ -208,11 +208,22 @@ bool ZMethodCall::putValue(int at, const ZVariant& value) {
         if (orv::isNumber(param.kind) && putNumber(at, value)) return true;
         return (value.type() && putMade(at, value, true)) || refuse(at, value.type());
     }
+    if (param.passing == Passing::Reference && param.pointers > 0) return putPointerCell(at, value);
     if (param.passing == Passing::Pointer && value.isNull() && !param.data->isVariant()) return putPointer(at, nullptr);
     if (const void* address = directly(at, value)) return putPointer(at, address);
     if (param.kind == ZMetaType::Char && param.pointers == 1 && param.isConst)
         return putText(at, value) || refuse(at, value.type());
     return putMade(at, value, true) || refuse(at, value.type());
+}
+
+/// A pointer of the call's own for a reference to one; null for the null value.
+bool ZMethodCall::putPointerCell(int at, const ZVariant& value) {
+    const void* pointer = value.isNull() ? nullptr : directly(at, value);
+    if (!pointer && !value.isNull()) return refuse(at, value.type());
+    void* cell = scratch(sizeof pointer);
+    if (!cell) return refuse(at, value.type());
+    std::memcpy(cell, &pointer, sizeof pointer);
+    return putPointer(at, cell);
 }
 
 /// A text for "const char*", zero-ended, in UTF-8.
@@ -373,6 +384,7 @@ bool ZMethodCall::initParam(int at) {
         const char zero[8] = {};
         return put(at, zero);
     }
+    if (param.passing == Passing::Reference && param.pointers > 0) return putPointerCell(at, {});
     if (putMade(at, {}, false)) return true;
     // A pointer can do without an instance.
     return param.passing == Passing::Pointer && putPointer(at, nullptr);

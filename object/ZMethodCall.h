@@ -118,6 +118,7 @@ private:
     bool putPointer(int at, const void* pointer);
     bool putValue(int at, const ZVariant& value);
     bool putNumber(int at, const ZVariant& value);
+    bool putPointerCell(int at, const ZVariant& value);
     bool putText(int at, const ZVariant& value);
     bool putMade(int at, const ZVariant& value, bool convert);
     bool hold(const ZVariant& value);

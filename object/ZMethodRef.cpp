@@ -126,13 +126,15 @@ ZVariant ZMethodRef::invoke(const ZVArray& args) const {
 // At objects
 
 bool ZMethodRef::detach() {
-    if (!method || !instance || !type || !type->isZObject()) return false;
+    if (!method || !instance) return true;
+    if (!type || !type->isZObject()) return false;
     ZMethod* own = method->copy();
     if (!own) return false;
     ZMethod::release(std::exchange(method, own));
     return true;
 }
 bool ZMethodRef::localize() {
+    if (!method || !instance) return false;
     ZMethodRef former = *this;
     if (!detach()) return false;
     method->setBaseMethod(former.method);

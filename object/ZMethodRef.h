@@ -67,7 +67,8 @@ public:
 
     // At objects: false if the instance is none, or there is no memory
 
-    /// Makes the method a private copy of this reference.
+    /// Makes the method a private copy of this reference. True also without a method or instance: nothing is shared
+    /// then.
     bool detach();
     /// The same, and the copy knows the former method as its base.
     bool localize();

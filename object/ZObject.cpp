@@ -4,11 +4,11 @@
 #include "core/construct.h"
 #include "core/debug.h"
 #include "core/state.h"
-#include "object/ZInlineMethod.h"
 #include "object/ZMetaType.h"
 #include "object/ZMethodRef.h"
 #include "object/ZObjectData.h"
 #include "object/ZPropertyPtr.h"
+#include "object/inlineLinks.h"
 #include "object/ztype.h"
 #include "toolkit/thread.h"
 
@@ -158,7 +158,7 @@ ZObject::~ZObject() {
         if (priv->has(ObjectData::Published)) orv::forgetPublished(this);
         if (priv->has(ObjectData::PropertyDelegate)) orv::forgetPropertyDelegate(this);
         ZMethodRef::dropInstance(this);
-        if (priv->has(ObjectData::InlineRecords)) ZObject::resetInlineMethods();
+        for (ZInlineMethod* record : std::as_const(priv->inlineRecords)) orv::InlineLinks::forgetObject(record);
         while (ZObject* child = firstChild) {
             child->ZObject::unlink();
             child->release();

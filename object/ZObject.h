@@ -134,6 +134,8 @@ public:
     /// A copy with copies of the children and delegates; delegates and properties that held children hold their
     /// copies. Null without memory, and when the children go deeper than `depthLimit`.
     virtual ZObject* deepCopy() const;
+    /// Whether the object is the source of a binding.
+    bool hasBindings() const { return bindingSrc >= 0; }
     /// The first binding of a method on this object; -1 for none.
     virtual int binding(const ZMethod* method) const;
     virtual bool isMetaType() const;
@@ -182,8 +184,8 @@ public:
     virtual int countObjects() const;
     /// Moves the object to the end of another parent's children, null for none. References are the caller's affair.
     virtual void linkParent(ZObject* parent);
-    /// The same with references: the first parent retains the object, null releases it. Nothing happens for the object
-    /// itself and for its descendants.
+    /// The same with references: the first parent retains the object; null releases it, unless that was the last
+    /// reference, which is the caller's then. Nothing happens for the object itself and for its descendants.
     virtual void setParent(ZObject* parent);
     /// In front of `before`, a child of `parent`; at the end for null. The object has no parent before.
     virtual void link(ZObject* parent, ZObject* before);
@@ -466,6 +468,7 @@ public:
 protected:
     friend class ZMetaType;
     friend struct orv::ObjectData;
+    friend struct orv::detail::ObjectLayout;
 
     ZObject* parent = nullptr;
     ZObject* firstChild = nullptr;

@@ -264,22 +264,23 @@ bool ZObject::detachDelegates() {
         if (delegate->refcount() <= 1 + int(delegate->parent == this)) continue;
         auto copied = static_cast<ZObject*>(delegate->copy());
         if (!copied) return false;
+        bool enough = true, replaced = false;
         {
             ZScopedLock graph(graphLock);
             orv::ObjectWrite held(this);
-            const int at = held ? priv->delegates.indexOf(delegate) : -1;
-            if (at < 0 || !copied->priv->delegatedBy.append(this)) {
-                if (at < 0) continue;
-                copied->release();
-                return false;
+            const int at = priv->delegates.indexOf(delegate);
+            // It may have gone meanwhile.
+            if (at >= 0) enough = replaced = held && copied->priv->delegatedBy.append(this);
+            if (replaced) {
+                priv->delegates.set(uint(at), copied);
+                ++priv->delegatesChanged;
+                orv::NameIndex::drop(priv->delegateNames);
+                copied->priv->set(ObjectData::Delegated, true);
+                removeAnyOrder(delegate->priv->delegatedBy, this);
             }
-            priv->delegates.set(uint(at), copied);
-            ++priv->delegatesChanged;
-            orv::NameIndex::drop(priv->delegateNames);
-            copied->priv->set(ObjectData::Delegated, true);
-            removeAnyOrder(delegate->priv->delegatedBy, this);
         }
-        delegate->release();
+        (replaced ? delegate : copied)->release();
+        if (!enough) return false;
     }
     resetMethods();
     return true;

@@ -41,10 +41,13 @@ bool callEntry(const ZMethodDispatch& entry, ZObject* object, const Arguments& a
     const orv::MethodParams* params = method->params(type);
     if (!params || params->constructor || params->destructor) return false;
     ZFailGuard failures;
+    // What a method does to the array is no affair of the next one.
+    Arguments own(arguments);
     ZMethodCall call;
     bool ready = call.setup(instance, method, type);
-    if (ready && asArray) ready = call.addp(&arguments);
-    for (uint i = 0; ready && !asArray && i < arguments.count() && int(i) + 1 < call.getParCount(); ++i)
+    if (ready && asArray) ready = call.addp(&own);
+    const bool open = method->openArgument() >= 0 || method->collectArgs();
+    for (uint i = 0; ready && !asArray && i < arguments.count() && (open || int(i) + 1 < call.getParCount()); ++i)
         ready = call.add(arguments.data()[i]);
     const bool ran = ready && call.invoke();
     failures.forget();

@@ -141,12 +141,11 @@ void ZObject::linkParent(ZObject* to) {
 }
 
 void ZObject::setParent(ZObject* to) {
-    if (to == this || to == parent) return;
     // Without children nothing descends from it.
-    if (to && firstChild && to->isDescendantOf(this)) return;
+    if (to == this || (to && firstChild && to->isDescendantOf(this))) return;
     if (to && !parent)
         retain();
-    else if (!to && refcount() > 1)
+    else if (!to && parent && refcount() > 1)
         release();
     linkParent(to);
 }

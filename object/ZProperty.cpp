@@ -186,13 +186,7 @@ bool ZProperty::isTraversed() const {
 }
 
 bool ZProperty::beginUpdate() {
-    if ((marks & Walked) || (bits & Linked)) return false;
-    marks |= Walked;
-    return true;
-}
-
-bool ZProperty::beginNotify() {
-    if (marks & Notifies) return false;
-    marks |= Notifies;
+    if (updating || (bits & Linked)) return false;
+    updating = 1;
     return true;
 }

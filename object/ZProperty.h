@@ -202,18 +202,13 @@ public:
     /// Gives an object the setter methods of this dynamic property. Once, unless `force`. False without memory.
     bool setupMethods(ZObject* object, bool force);
 
-    // Marks against running in circles. Whoever sets one holds the owner's write lock, or has the owner alone.
-
-    /// Marks the record as being walked; false if it is, or is a link.
+    /// Marks the record as being walked; false if it is, or is a link. The caller holds the owner's write lock, or has
+    /// the owner alone.
     bool beginUpdate();
-    void endUpdate() { marks &= byte(~Walked); }
-    /// Marks the record as telling its update methods of a change; false if it is.
-    bool beginNotify();
-    void endNotify() { marks &= byte(~Notifies); }
+    void endUpdate() { updating = 0; }
 
 private:
     friend class ZPropertyPtr;
-    enum Mark : byte { Walked = 1, Notifies = 2 };
 
     static orv::SlotPool<ZProperty> records;
 
@@ -225,7 +220,7 @@ private:
     uint bits = Default; ///< of `Flags`
     byte pooled = 0;
     byte methodsSetup = 0;
-    byte marks = 0;
+    byte updating = 0;
     int versionNumber = -1;
     int level = -1;
     int fieldOffset = -1;

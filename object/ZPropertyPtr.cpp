@@ -80,7 +80,7 @@ bool ZPropertyPtr::detach() {
     ZProperty* own = record->copy();
     if (!own) return false;
     own->methodsSetup = record->methodsSetup;
-    own->marks = record->marks;
+    own->updating = record->updating;
     std::exchange(record, own)->release();
     return true;
 }

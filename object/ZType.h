@@ -450,6 +450,7 @@ public:
 
 protected:
     friend class ZMetaType;
+    friend struct orv::detail::ObjectLayout;
 
     ZMetaType* metaType = nullptr;
     DynamicProperties dynamicProperties;

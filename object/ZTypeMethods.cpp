@@ -1,5 +1,6 @@
 #include "object/ZMetaType.h"
 #include "object/ZMethodRef.h"
+#include "object/ZObjectData.h"
 #include "object/methodArguments.h"
 #include "object/methodLookup.h"
 #include "value/ZTypedPtr.h"
@@ -63,26 +64,62 @@ ZMethod* ZType::baseMultimethod(int* distance, ZTypedPtr* typed, const ZSelector
 
 // Calling
 
+namespace {
+
+/// Whether methods of an object can only be its type's.
+bool hasTypeMethodsOnly(const ZType* instance) {
+    if (!instance->isObject()) return true;
+    const ObjectData* data = ObjectData::of(static_cast<const ZObject*>(instance));
+    return data &&
+           !data->has(ObjectData::Methods | ObjectData::ExtMethods | ObjectData::Delegates | ObjectData::ExtendTypes);
+}
+/// The overload that fits the arguments best; the types stand on the stack, or are few enough to do so.
+MethodHit findForCall(const ZMetaType* type, const ZSelector& name, const ZVariant* args, int count) {
+    constexpr int room = 16;
+    const ZMetaType* few[room];
+    const ZMetaType** types = few;
+    void* block = nullptr;
+    if (ORV_UNLIKELY(count >= room)) {
+        block = __zalloc((size_t(count) + 1) * sizeof *types);
+        if (!block) return {};
+        types = static_cast<const ZMetaType**>(block);
+    }
+    types[0] = nullptr;
+    for (int i = 0; i < count; ++i) types[i + 1] = args[i].type();
+    const MethodHit hit = lookUpOverload(type, name, types, count + 1, LookImplicit | LookSkipResult, {}, false);
+    zfree(block);
+    return hit;
+}
+ZVariant callHit(const MethodHit& hit, const void* instance, const ZVariant* args, int count) {
+    const void* part = instance ? static_cast<const char*>(instance) + hit.offset : nullptr;
+    return callFound(hit.method, part, hit.type, args, count);
+}
+
+} // namespace
+
 ZVariant ZType::invoke(const ZSelector& name, const ZArrayT<ZVariant>& arguments) const {
     const int count = int(arguments.count());
-    if (!isObject()) return invokeByType(this, metaType, name, arguments.data(), count);
     toolkit::EpochGuard guard;
+    if (hasTypeMethodsOnly(this))
+        if (const MethodHit hit = findForCall(metaType, name, arguments.data(), count);
+            ORV_LIKELY(hit.method != nullptr))
+            return callHit(hit, this, arguments.data(), count);
     ZArrayT<ZMetaType*> types;
     if (!types.setCount(uint(count) + 1)) return {};
     for (int i = 0; i < count; ++i) types.set(uint(i) + 1, arguments.data()[i].type());
+    // An object looks among its own methods and those of its delegates, and follows paths.
     ZTypedPtr typed(metaType, this);
     const ZMethod* found = multimethod(nullptr, &typed, name, types, true, true, false, {});
-    if (!found) {
-        logFailedCall(metaType, name, arguments.data(), count);
-        return {};
-    }
-    return callFound(found, typed.instance, typed.type, arguments.data(), count);
+    if (found) return callFound(found, typed.instance, typed.type, arguments.data(), count);
+    logFailedCall(metaType, name, arguments.data(), count);
+    return {};
 }
 ZVariant ZType::invoke(const ZSelector& name, const ZVArray& arguments) const {
     const ZArrayT<ZVariant> list = variantList(arguments);
     return list.count() == arguments.count() ? invoke(name, list) : ZVariant();
 }
-bool ZType::callV(const ZSelector& name) const {
+bool ZType::callV(const ZSelector& name) const { return callV(name, {}); }
+bool ZType::callV(const ZSelector& name, const ZSelector& qualifier) const {
     toolkit::EpochGuard guard;
     ZTypedPtr typed(metaType, this);
     const ZMetaType* types[] = {nullptr};
@@ -90,8 +127,9 @@ bool ZType::callV(const ZSelector& name) const {
     if (isObject()) {
         ZArrayT<ZMetaType*> none;
         if (!none.append(nullptr)) return false;
-        hit.method = multimethod(nullptr, &typed, name, none, true, true, false, {});
-    } else if ((hit = lookUpOverload(metaType, name, types, 1, LookImplicit | LookSkipResult, {}, false)).method) {
+        hit.method = multimethod(nullptr, &typed, name, none, true, true, false, qualifier);
+    } else {
+        hit = lookUpOverload(metaType, name, types, 1, LookImplicit | LookSkipResult, qualifier, false);
         typed.instance = static_cast<char*>(typed.instance) + hit.offset;
         typed.type = hit.type;
     }
@@ -112,27 +150,12 @@ ZVariant callFound(const ZMethod* method, const void* instance, const ZMetaType*
 
 ZVariant invokeByType(const void* instance, const ZMetaType* type, const ZSelector& name, const ZVariant* args,
                       int count) {
-    constexpr int room = 16;
     if (ORV_UNLIKELY(!type || count < 0)) return {};
     toolkit::EpochGuard guard;
-    const ZMetaType* few[room];
-    const ZMetaType** types = few;
-    void* block = nullptr;
-    if (ORV_UNLIKELY(count >= room)) {
-        block = __zalloc((size_t(count) + 1) * sizeof *types);
-        if (!block) return {};
-        types = static_cast<const ZMetaType**>(block);
-    }
-    types[0] = nullptr;
-    for (int i = 0; i < count; ++i) types[i + 1] = args[i].type();
-    const MethodHit hit = lookUpOverload(type, name, types, count + 1, LookImplicit | LookSkipResult, {}, false);
-    zfree(block);
-    if (ORV_UNLIKELY(!hit.method)) {
-        logFailedCall(type, name, args, count);
-        return {};
-    }
-    const void* part = instance ? static_cast<const char*>(instance) + hit.offset : nullptr;
-    return callFound(hit.method, part, hit.type, args, count);
+    const MethodHit hit = findForCall(type, name, args, count);
+    if (ORV_LIKELY(hit.method != nullptr)) return callHit(hit, instance, args, count);
+    logFailedCall(type, name, args, count);
+    return {};
 }
 
 } // namespace orv

@@ -243,7 +243,8 @@ bool ZType::isCollectionProperty(const ZSelector& name) const {
 bool ZType::hasProperty(ZTypedPtr* typed, const ZSelector& name) const {
     ZSelector today = replacePropertyName(name);
     PropertyPlace place(this, today);
-    if (place.kind == PropertyPlace::Elsewhere) return place.other.hasProperty(typed, place.otherName);
+    // Who was found elsewhere has said so already.
+    if (place.kind == PropertyPlace::Elsewhere) return !typed || place.other.hasProperty(typed, place.otherName);
     if (place.kind == PropertyPlace::Nowhere) return false;
     if (typed) *typed = ZTypedPtr(this);
     return true;

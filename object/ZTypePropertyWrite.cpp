@@ -32,14 +32,46 @@ ZPropertyPtr* editEntry(ZType::DynamicProperties& tree, const ZSelector& name) {
     return entry && entry->detach() ? entry : nullptr;
 }
 
-/// Tells a change of a dynamic property. The record is kept meanwhile, whatever happens to the entry.
-void tell(ZType* self, ZProperty* record) {
+/// A property whose update methods are being called: setting it again meanwhile doesn't call them again.
+struct Update {
+    const ZType* instance;
+    uint name;
+    const Update* outer;
+};
+constinit thread_local const Update* innermostUpdate = nullptr;
+
+void callUpdaters(ZType* self, const ZProperty& property) {
+    const ZSelector updaters = property.getUpdaters();
+    if (updaters.isEmpty()) return;
+    for (const Update* at = innermostUpdate; at; at = at->outer)
+        if (at->instance == self && at->name == property.name().key()) return;
+    const Update update{self, property.name().key(), innermostUpdate};
+    innermostUpdate = &update;
+    if (updaters.type() == ZSelector::Names)
+        for (int i = 0, count = updaters.parcount(); i < count; ++i) self->callV(updaters.param(i));
+    else
+        self->callV(updaters);
+    innermostUpdate = update.outer;
+}
+
+/// Tells who is bound to a property of an object.
+void callBindings(ZType* self, const ZMetaType* type, const ZSelector& name, const ZVariant& value) {
+    if (!type || type->kind() != ZMetaType::Object) return;
+    auto object = static_cast<ZObject*>(self);
+    if (object->hasBindings()) object->callPropertyBindings(name, value);
+}
+
+/// Tells a change of a dynamic property with no lock held. Gives up the record, which is kept until then, whatever
+/// happens to the entry.
+void tell(ZType* self, ZProperty* record, bool notify) {
     self->propertyChanged(*record);
+    if (notify) callBindings(self, self->type(), record->name(), record->value());
     record->release();
 }
 
 /// Replaces the value of a dynamic property that is there.
-bool setDynamicValue(ZType* self, ZType::DynamicProperties& tree, const ZSelector& name, const ZVariant& value) {
+bool setDynamicValue(ZType* self, ZType::DynamicProperties& tree, const ZSelector& name, const ZVariant& value,
+                     bool notify = true) {
     ZVariant old;
     WriteLock lock(self);
     ZPropertyPtr* entry = editEntry(tree, name);
@@ -48,12 +80,12 @@ bool setDynamicValue(ZType* self, ZType::DynamicProperties& tree, const ZSelecto
     (*entry)->setValue(value);
     ZProperty* record = entry->property()->retain();
     lock.open();
-    if (record) tell(self, record);
+    if (record) tell(self, record, notify);
     return true;
 }
 
 /// Adds a dynamic property, or puts it in place of one of that name.
-bool putDynamic(ZType* self, ZType::DynamicProperties& tree, const ZProperty& property) {
+bool putDynamic(ZType* self, ZType::DynamicProperties& tree, const ZProperty& property, bool notify = true) {
     ZProperty* record = property.copy();
     if (!record) return false;
     ZProperty* old = nullptr;
@@ -77,12 +109,12 @@ bool putDynamic(ZType* self, ZType::DynamicProperties& tree, const ZProperty& pr
         return false;
     }
     self->propertyDelegationChanged(*record);
-    tell(self, record);
+    tell(self, record, notify);
     return true;
 }
 
 /// Writes through the setter of a declared property.
-bool setDeclared(ZType* self, const PropertyPlace& place, const ZVariant& value) {
+bool setDeclared(ZType* self, const PropertyPlace& place, const ZVariant& value, bool notify) {
     const orv::CachedMethod* setter = orv::writeAccessor(place.type, place.row);
     if (!setter) return false;
     ZVariant room;
@@ -93,7 +125,10 @@ bool setDeclared(ZType* self, const PropertyPlace& place, const ZVariant& value)
     int done = 0;
     bool called = orv::callForNumber(setter->method, at, &word, 1, done);
     if (locked) self->unlock();
-    return called && (!place.row->writePlan.answers || (done & 0xFF) != 0);
+    if (!called || (place.row->writePlan.answers && !(done & 0xFF))) return false;
+    if (ORV_UNLIKELY(!place.property->getUpdaters().isEmpty())) callUpdaters(self, *place.property);
+    if (notify) callBindings(self, place.type, *place.name, value);
+    return true;
 }
 
 } // namespace
@@ -118,7 +153,7 @@ bool ZType::setProperty(ZTypedPtr* typed, const ZSelector& name, const ZVariant&
     if (!dynamicProperties.isEmpty() && hasDynamicProperty(today)) {
         if (dynamicProperty(today)->readOnly()) return false;
         if (typed) *typed = ZTypedPtr(this);
-        return setDynamicValue(this, dynamicProperties, today, value);
+        return setDynamicValue(this, dynamicProperties, today, value, notify);
     }
     if (today.type() == ZSelector::UID && today.parcount() > 1 && !hasDefinedProperty(today))
         return orv::setPath(this, typed, today, value, notify);
@@ -127,12 +162,12 @@ bool ZType::setProperty(ZTypedPtr* typed, const ZSelector& name, const ZVariant&
     case PropertyPlace::Declared:
         if (typed) *typed = ZTypedPtr(this);
         if (place.property->readOnly()) return false;
-        if (setDeclared(this, place, value)) return true;
+        if (setDeclared(this, place, value, notify)) return true;
         // A dynamic one that instances get on demand: this is the demand.
         if (place.property->dynamic() && !orv::writeAccessor(place.type, place.row)) {
             ZProperty own(*place.property);
             own.setValue(value);
-            return putDynamic(this, dynamicProperties, own);
+            return putDynamic(this, dynamicProperties, own, notify);
         }
         return false;
     case PropertyPlace::Synthetic:
@@ -345,16 +380,4 @@ bool ZType::popProperty(const ZSelector& name) {
 
 void ZType::propertyDelegationChanged(const ZProperty&) {}
 
-void ZType::propertyChanged(const ZProperty& property) {
-    const ZSelector updaters = property.getUpdaters();
-    if (updaters.isEmpty()) return;
-    // An update method that sets the property again isn't called for that; the entry may get another record meanwhile.
-    if (!const_cast<ZProperty&>(property).beginNotify()) return;
-    const ZSelector name = property.name();
-    if (updaters.type() == ZSelector::Names)
-        for (int i = 0, count = updaters.parcount(); i < count; ++i) callV(updaters.param(i));
-    else
-        callV(updaters);
-    const_cast<ZProperty&>(property).endNotify();
-    if (ZProperty* now = dynamicProperty(name)) now->endNotify();
-}
+void ZType::propertyChanged(const ZProperty& property) { callUpdaters(this, property); }

@@ -20,13 +20,12 @@ struct CompositeMember {
     int compare(const CompositeMember& other) const { return name.compare(other.name); }
 };
 
-/// The members of a composite, published as a whole. Holds the composites among their types.
+/// The members of a composite, published as a whole.
 struct CompositeLayout : toolkit::EpochLink {
     ZArrayT<CompositeMember> members;
     ZVSelectMap map;
 
     explicit CompositeLayout(const ZArrayT<CompositeMember>& all);
-    ~CompositeLayout();
 };
 
 /// How a member's bytes go between its place and a scratch place.

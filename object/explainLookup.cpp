@@ -58,7 +58,7 @@ struct Explanation {
             return;
         }
         if (!method->hasFunc() && !method->hasStacked()) add(": has no entry");
-        const MethodParams* params = count < 0 ? nullptr : method->params(type);
+        const MethodParams* params = count < 0 || method->collectArgs() ? nullptr : method->params(type);
         for (int i = 1; params && i < params->count; ++i) {
             const ZSelector expected = method->paramType(i);
             const int open = method->openArgument();

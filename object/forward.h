@@ -42,3 +42,7 @@ class ZStream;
 class ZStringResource;
 class ZThread;
 class ZXSTNode;
+
+namespace orv::detail {
+struct ObjectLayout;
+}

@@ -117,9 +117,12 @@ template <class T> struct Property : PropertyRow {
         return made;
     }
 };
+/// `ZProperty::Value`: how the getter gives it is seen from its type.
+inline constexpr uint givenByValue = 0x20000;
 template <class T, class Got>
 constexpr Property<T> propertyRow(const char* type, const char* name, const char* words, uint flags) {
-    if (!std::is_same_v<T, Got>) getterHasAnotherType();
+    if (!std::is_same_v<T, std::remove_cvref_t<Got>>) getterHasAnotherType();
+    if (!std::is_reference_v<Got>) flags |= givenByValue;
     if (std::string_view(words).size() >= longestWords) wordsAreTooLong();
     return Property<T>(name, checkedType<T>(type), words, flags);
 }
@@ -240,10 +243,9 @@ template <class T> constexpr ClassRow makeRow() {
 /// has:
 /// `.items<ZString>()`, `.indexed<ZSelector>()`, `.initially(constant)`, `.at(offsetof(Self, field))`.
 #define ORV_PROPERTY(type, name, words)                                                                                \
-    ::orv::glue::propertyRow<type, std::remove_cvref_t<decltype(std::declval<const Self&>().name())>>(#type, #name,    \
-                                                                                                      words, 0)
+    ::orv::glue::propertyRow<type, decltype(std::declval<const Self&>().name())>(#type, #name, words, 0)
 /// A property that is held as a value and not in the class.
-#define ORV_DYNAMIC_PROPERTY(type, name, words) ::orv::glue::propertyRow<type, type>(#type, #name, words, 0x20)
+#define ORV_DYNAMIC_PROPERTY(type, name, words) ::orv::glue::propertyRow<type, const type&>(#type, #name, words, 0x20)
 
 // Enums, groups, methods by index
 

@@ -1,5 +1,6 @@
 #include "core/construct.h"
 #include "module/packages.h"
+#include "object/ZEnumType.h"
 #include "object/ZMethod.h"
 #include "object/ZPropertyPtr.h"
 #include "object/glueLife.h"
@@ -122,11 +123,11 @@ bool createProperties(ZMetaType* type) {
     return true;
 }
 
-/// The type of an enum; its items stand in the row until somebody asks for them.
 bool addEnum(ZMetaType* owner, const EnumRow& row) {
-    auto type = zmake<ZMetaType>(nullptr, ZSelector(row.name), ZMetaType::Enum, passType(ztype<ZMetaType>()));
+    auto type = zmake<ZEnumType>(nullptr, ZSelector(row.name), passType(ztype<ZMetaType>()));
     if (!type) return false;
     type->setSize(uint(row.size));
+    type->setRow(&row);
     const bool done = owner->addType(type);
     if (done) type->setPackage(owner->package());
     type->release();

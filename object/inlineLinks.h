@@ -21,6 +21,12 @@ struct InlineLinks {
     static ZInlineMethod* nextListed(const ZInlineMethod* record) { return record->nextMulti; }
     static const ZArrayT<ZMetaType*>& types(const ZInlineMethod* record) { return record->paramTypes; }
     static void forgetTypes(ZInlineMethod* record);
+
+    /// The object that a record was looked up on ends.
+    static void forgetObject(ZInlineMethod* record) {
+        record->reset();
+        record->ownerObject = nullptr;
+    }
 };
 
 } // namespace orv

@@ -70,7 +70,7 @@ bool argumentWord(const MethodParam& param, const ZVariant& value, const void*& 
         std::memcpy(&word, room, sizeof room);
         return true;
     }
-    if (!held || param.pointers > 1 || !param.data) return false;
+    if (!held || param.pointers > (param.passing == Passing::Pointer) || !param.data) return false;
     if (param.data == held && !held->holdsZType() && param.isConst && param.kind != ZMetaType::Char) {
         word = value.getPtr();
         return word != nullptr;
@@ -114,10 +114,14 @@ ZVariant copiedValue(const MethodParam& param, const void* value) {
 }
 ZVariant wrapAddress(const MethodParam& param, void* address, bool owned) {
     if (!address || !param.data || param.pointers > 1) return {};
+    if (param.passing == Passing::Reference && param.pointers) {
+        std::memcpy(&address, address, sizeof address);
+        if (!address) return {};
+    }
     ZVariant wrapped;
     if (param.data->holdsZType()) {
         wrapped.setValue(param.data->getPtrType(), address, !owned, false);
-    } else if (param.passing == Passing::Reference) {
+    } else if (param.passing == Passing::Reference && !param.pointers) {
         return copiedValue(param, address);
     } else if (owned) {
         wrapped.setValue(param.type, address, false, false);

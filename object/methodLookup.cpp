@@ -127,7 +127,7 @@ int countDistance(int distance, int off) {
 int matchArguments(const ZMethod* method, const MethodParams& params, const ZMetaType* const* types, int count,
                    byte flags) {
     const bool implicit = flags & LookImplicit;
-    const int open = method->openArgument() < 0 ? -1 : method->openArgument() + 1;
+    const int open = method->collectArgs() ? 1 : method->openArgument() < 0 ? -1 : method->openArgument() + 1;
     const int fixed = open < 0 ? params.count : open;
     int worst = 0;
     for (int i = flags & LookSkipResult ? 1 : 0; i < count; ++i) {

@@ -4,6 +4,7 @@
 #include "core/ZHashTreeT.h"
 #include "core/ZSpinLock.h"
 #include "object/ZFixedMethod.h"
+#include "object/ZMethodDispatch.h"
 #include "object/ZMethodPtr.h"
 #include "object/typeGeneration.h"
 #include "toolkit/epoch.h"
@@ -60,6 +61,11 @@ struct ORV_API MethodTables {
     /// The signatures of the operations, once they are known: a bit for each.
     ZSelector operations[int(TypeOperation::Count)];
     uint operationsKnown = 0;
+
+    // Under the type's change lock too: the signals of the type
+
+    ZHashTreeT<ZSelector, ZMethodDispatch> dispatch;
+    bool dispatchBuilt = false, dispatchStale = false;
 
     /// Inline methods that were looked up in this type, to be reset before it ends.
     ZSpinLock inlineGuard;

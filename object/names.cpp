@@ -10,13 +10,6 @@ bool openNames(const ModuleNames& module) {
         auto cell = static_cast<SelectorCell*>(row->recordAt());
         if (cell->get().isEmpty()) all &= (::new (cell->bytes) ZSelector)->link(row->textAt(), false);
     }
-    for (const NameRow* row = module.types; row != module.typesEnd; ++row) {
-        auto record = static_cast<ZInlineType*>(row->recordAt());
-        if (!record->getSelector().isEmpty()) continue;
-        const ZSelector name(row->textAt());
-        record->setSelector(name);
-        all &= !name.isEmpty();
-    }
     return all;
 }
 

@@ -4,8 +4,9 @@
 #include "object/glueText.h"
 
 /// Names and types in code at one load per use. The accessors push the address of a hidden record and of its text to a
-/// table of the module that they are compiled into; whoever opens a module links what its tables list, and unlinks it
-/// when the module closes. In between the records are read without a lock.
+/// table of the module that they are compiled into; whoever opens a module links the names that its tables list, and
+/// lets go of what they hold when the module closes. In between the records are read without a lock. Types are looked
+/// up at their first use.
 
 namespace orv {
 

@@ -9,6 +9,33 @@ namespace {
 bool isDelegate(const ZPropertyPtr& entry) {
     return entry.property() && entry.property()->hasFlags(ZProperty::Delegate);
 }
+/// Instances whose delegates this thread is asking: none is asked again for the same name, and the chain has an end.
+struct Asking {
+    const ZType* self;
+    uint name;
+    int depth;
+    const Asking* outer;
+};
+constinit thread_local const Asking* innermost = nullptr;
+constexpr int deepestDelegate = 512;
+
+class AskingScope {
+public:
+    AskingScope(const ZType* self, const ZSelector& name)
+        : asking{self, name.key(), innermost ? innermost->depth + 1 : 0, innermost} {
+        for (const Asking* at = innermost; at && open; at = at->outer)
+            open = at->self != self || at->name != asking.name;
+        open = open && asking.depth < deepestDelegate;
+        innermost = &asking;
+    }
+    ~AskingScope() { innermost = asking.outer; }
+    AskingScope(const AskingScope&) = delete;
+    explicit operator bool() const { return open; }
+
+private:
+    const Asking asking;
+    bool open = true;
+};
 /// Whether something else than the variant keeps what it refers to.
 bool outlives(const ZVariant& value) { return value.referenceCount() > 1; }
 } // namespace
@@ -37,6 +64,9 @@ bool PropertyPlace::findOwn() {
 }
 
 bool PropertyPlace::findDelegate() {
+    if (self->getDynamicProperties().isEmpty()) return false;
+    AskingScope scope(self, *name);
+    if (!scope) return false;
     for (const ZPropertyPtr& entry : self->getDynamicProperties()) {
         if (!isDelegate(entry)) continue;
         const ZVariant& held = entry->value();
@@ -50,7 +80,7 @@ bool PropertyPlace::findDelegate() {
     return false;
 }
 
-/// The first part is read and asked for the rest.
+/// The parts are read one after the other; a map gets what is left as one key.
 bool PropertyPlace::findPath() {
     if (!name->deepName()) return false;
     const int parts = name->parcount();
@@ -59,8 +89,7 @@ bool PropertyPlace::findPath() {
     if (!readProperty(self, nullptr, firstName, true, holder)) return false;
     writeBack = !holder.isZType();
     int at = 1;
-    // What a long path goes through has to be of instances or values that need no name for the rest.
-    for (; parts - at > longestWholePath; ++at) {
+    for (; at + 1 < parts && !isSelectMap(holder); ++at) {
         ZVariant next = ZTypedPtr(holder).getProperty(name->param(at));
         if (next.isNull()) return false;
         writeBack = writeBack || !next.isZType();
@@ -75,6 +104,8 @@ bool PropertyPlace::findPath() {
 
 bool PropertyPlace::findTypeDelegate() {
     if (!type) return false;
+    AskingScope scope(self, *name);
+    if (!scope) return false;
     ZTypedPtr delegate;
     for (int i = 0; type->delegateProperties(self, i, delegate); ++i) {
         if (!delegate.findProperty(nullptr, *name, false)) continue;

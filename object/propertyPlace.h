@@ -8,7 +8,7 @@
 /// Where a `ZType` instance has a property: the search that reading, writing and item operations share.
 namespace orv {
 
-/// Longer paths are followed part by part, without asking for what is left of them as one name.
+/// What is left of a longer path is never made a name of its own.
 inline constexpr int longestWholePath = 512;
 
 /// The answer holds as long as this does and the instance's properties don't change. The order of the search: the

@@ -38,7 +38,8 @@ private:
     size_t length = 0;
 };
 
-std::string_view nameOf(const ZMetaType* type) { return textOf(type->getName()); }
+/// As signatures spell it: a nested type behind its owner.
+std::string_view nameOf(const ZMetaType* type) { return textOf(type->signatureName()); }
 bool isPointerType(const ZMetaType* type) { return type->getPtrCount() >= 1; }
 /// The format for a parameter of a type.
 const char* byPointer(const ZMetaType* type, const char* plain, const char* pointer) {
@@ -67,7 +68,8 @@ ZSelector ZProperty::getter(bool ptrForm, bool constForm, bool item) const {
     using namespace orv::signatures;
     ZMetaType* type = signatureType(item);
     if (!type || selector.isEmpty() || (item && !collection())) return ZSelector();
-    bool byValue = item || resolved() || (bits & (Value | Alias)) || type->primitive();
+    bool byValue =
+        item || resolved() || (bits & (Value | Alias)) || type->primitive() || isPointerType(type) || type->isVariant();
     if (isPointerType(type)) ptrForm = false;
     SignatureText key = keyText(index, item && collection(), false, false);
     const char* format = ptrForm     ? (constForm ? getterConstPointer : getterPointer)

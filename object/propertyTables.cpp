@@ -137,7 +137,9 @@ template <class F> void fill(PropertyTables& tables, CachedMethod& place, ZMetho
 
 } // namespace
 
-PropertyTables::~PropertyTables() {
+PropertyTables::~PropertyTables() { clear(); }
+
+void PropertyTables::clear() {
     for (auto place : {&types, &users})
         if (PublishedProperties* old = place->publish(nullptr)) zrelease(old);
     if (PropertyCache* old = cache.publish(nullptr)) freeCache(old);

@@ -123,6 +123,8 @@ struct ORV_API PropertyTables {
     PropertyTables(const PropertyTables&) = delete;
     PropertyTables& operator=(const PropertyTables&) = delete;
 
+    /// Lets everything go while the types of the values are still there; nobody reads it any more.
+    void clear();
     /// Forgets the declared properties: they are built anew at the next demand. User properties stay.
     void reset();
 };

@@ -17,5 +17,5 @@ template <class T> struct [[gnu::visibility("hidden")]] TypePlace {
 template <class T> [[gnu::always_inline]] inline ZMetaType* ztype() {
     using Place = orv::detail::TypePlace<std::remove_cv_t<T>>;
     ORV_NAME_ROW("orv_types", Place::record, Place::text);
-    return Place::record.type();
+    return Place::record.type(Place::text);
 }

@@ -17,7 +17,7 @@ trap 'rm -f "$fresh"' EXIT
   "$build/tools/orv/orv" types --methods --properties
 } >"$fresh"
 if [ -n "$update" ]; then
-  cp "$fresh" "$listing"
+  cat "$fresh" >"$listing"
   echo "$listing: $(grep -c . "$listing") lines"
 elif diff -U0 "$listing" "$fresh" | grep -E '^[-+]' | grep -vE '^(---|\+\+\+)'; then
   echo "The public interface differs from $listing; scripts/api-diff.sh --update takes it over."

@@ -10,7 +10,6 @@ template <> struct Table<ZChar> : Declares<ZChar> {
     static constexpr MethodRow methods[] = {
         ORV_CONSTRUCTOR(()),
         ORV_CONSTRUCTOR((ichar)),
-        ORV_CONSTRUCTOR((const ZCharRef&)),
         ORV_CONSTRUCTOR((const ZString&)),
         ORV_METHOD(ichar, value, (), const),
         ORV_METHOD(bool, isNull, (), const),

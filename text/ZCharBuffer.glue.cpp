@@ -11,7 +11,6 @@ template <> struct Table<ZCharBuffer> : Declares<ZCharBuffer> {
     static constexpr MethodRow methods[] = {
         ORV_CONSTRUCTOR(()),
         ORV_CONSTRUCTOR((int)),
-        ORV_CONSTRUCTOR((const ZCharStr&)),
         ORV_CONSTRUCTOR((const ZSelector&)),
         ORV_CONSTRUCTOR((const ZString&)),
         ORV_CONSTRUCTOR((const ZArrayT<int>&)),

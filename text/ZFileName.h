@@ -236,6 +236,8 @@ public:
 
         Filter() : keep(nullptr), context(nullptr) {}
         Filter(bool (*keep)(void*, const ZString&, bool), void* context) : keep(keep), context(context) {}
+        /// A method with two arguments, name and folder; one that isn't valid keeps everything.
+        Filter(const ZMethodRef& method);
         template <class F>
         requires requires(F& call, const ZString& name) { bool(call(name, true)); }
         Filter(F&& call)

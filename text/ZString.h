@@ -51,6 +51,13 @@ public:
         assign(other);
         return *this;
     }
+    /// The text that a variant reads as, see `ZVariant::toString`.
+    template <class V>
+    requires std::is_same_v<V, ZVariant> ZString& operator=(const V& value) {
+        setVariant(value);
+        return *this;
+    }
+    bool setVariant(const ZVariant& value);
     ZString& operator=(ZString&& other) noexcept;
     void swap(ZString& other) noexcept;
 
@@ -245,6 +252,13 @@ public:
     ZArrayT<ZString> splitString(const ZString& delimiter, bool keepEmpty = true) const;
     /// The parts that aren't empty, their units below the blank as blanks.
     ZArrayT<ZString> extractNames(uint code) const;
+    /// The same as these, as arrays of strings. Empty, with a failure raised, without memory.
+    ZVArray separate() const;
+    ZVArray separate(uint code, bool keepEmpty) const;
+    ZVArray separate(const ZString& codes, bool keepEmpty) const;
+    ZVArray separateString(const ZString& delimiter, bool keepEmpty = true) const;
+    /// The texts of the items as lines.
+    static ZString combineNames(const ZVArray& items);
     static ZString join(const ZArrayT<ZString>& parts, const ZString& separator = ZString());
 
     // Numbers out. A `WChar` or `IChar` string keeps its width, any other becomes `Char`. A width fills up on the left
@@ -315,6 +329,16 @@ public:
     bool aprintf(const char* format, var_arg* arguments);
     bool aprintf(const wchar* format, var_arg* arguments);
     bool aprintf(const ichar* format, var_arg* arguments);
+    /// Arguments are converted to what the format asks for; missing ones are 0 and "(null)".
+    bool xprintf(const char* format, const ZArrayT<ZVariant>& arguments);
+    bool xprintf(const wchar* format, const ZArrayT<ZVariant>& arguments);
+    bool xprintf(const ichar* format, const ZArrayT<ZVariant>& arguments);
+    bool printfArg(const char* format, const ZVArray& arguments);
+    bool printfArg(const wchar* format, const ZVArray& arguments);
+    bool printfArg(const ichar* format, const ZVArray& arguments);
+    bool printfArg(const char* format, const ZArgument& arguments);
+    bool printfArg(const wchar* format, const ZArgument& arguments);
+    bool printfArg(const ichar* format, const ZArgument& arguments);
 
     // Resource strings: texts with the placeholders %1 to %9 for arguments. "%%" is a percent sign, and a backslash
     // takes the meaning from one of "#$%&():;<=>?[\]^{} behind it; %0 is the code where one is given. What names no

@@ -1,6 +1,7 @@
 #include "text/format.h"
 
 #include "text/number.h"
+#include "text/textview.h"
 #include "text/transcode.h"
 
 #include <algorithm>
@@ -122,11 +123,46 @@ private:
     bool failed = false;
 };
 
-/// One run over a format.
-template <class C> class Formatter {
+/// Arguments as C passes them: their types are what the format says.
+class PassedArguments {
 public:
-    Formatter(Output<C>& out, var_arg* arguments) : out(out) { va_copy(args.list, arguments->list); }
-    ~Formatter() { va_end(args.list); }
+    explicit PassedArguments(var_arg* arguments) { va_copy(args.list, arguments->list); }
+    ~PassedArguments() { va_end(args.list); }
+    int integer() { return va_arg(args.list, int); }
+    large wide() { return va_arg(args.list, large); }
+    double real() { return va_arg(args.list, double); }
+    long double longReal() { return va_arg(args.list, long double); }
+    const void* pointer() { return va_arg(args.list, const void*); }
+    FormatArguments::Text text(int width) { return {pointer(), width}; }
+    const void* items(char, int& count) {
+        const void* items = pointer();
+        count = integer();
+        return items;
+    }
+
+private:
+    var_arg args;
+};
+/// Arguments that know their types.
+class TypedArguments {
+public:
+    explicit TypedArguments(FormatArguments* arguments) : args(*arguments) {}
+    int integer() { return int(args.integer()); }
+    large wide() { return args.integer(); }
+    double real() { return args.real(); }
+    long double longReal() { return args.real(); }
+    const void* pointer() { return args.pointer(); }
+    FormatArguments::Text text(int) { return args.text(); }
+    const void* items(char letter, int& count) { return args.items(letter, count); }
+
+private:
+    FormatArguments& args;
+};
+
+/// One run over a format.
+template <class C, class Arguments> class Formatter {
+public:
+    template <class Given> Formatter(Output<C>& out, Given* arguments) : out(out), args(arguments) {}
 
     void run(const C* format) {
         const C* from = format;
@@ -145,7 +181,7 @@ private:
     /// Digits or "*"; a number that passes the limit counts as the limit.
     const C* number(const C* at, int& value) {
         if (*at == '*') {
-            value = va_arg(args.list, int);
+            value = args.integer();
             return at + 1;
         }
         value = 0;
@@ -160,25 +196,25 @@ private:
     large signedArgument(Size size) {
         switch (size) {
         case Size::Char:
-            return static_cast<signed char>(va_arg(args.list, int));
+            return static_cast<signed char>(args.integer());
         case Size::Short:
-            return static_cast<short>(va_arg(args.list, int));
+            return static_cast<short>(args.integer());
         case Size::Int:
-            return va_arg(args.list, int);
+            return args.integer();
         default:
-            return va_arg(args.list, large);
+            return args.wide();
         }
     }
     ularge unsignedArgument(Size size) {
         switch (size) {
         case Size::Char:
-            return static_cast<byte>(va_arg(args.list, int));
+            return static_cast<byte>(args.integer());
         case Size::Short:
-            return static_cast<word>(va_arg(args.list, int));
+            return static_cast<word>(args.integer());
         case Size::Int:
-            return va_arg(args.list, uint);
+            return uint(args.integer());
         default:
-            return va_arg(args.list, ularge);
+            return ularge(args.wide());
         }
     }
 
@@ -203,11 +239,19 @@ private:
     }
     template <class T> void realNumber(T value, const Conversion& how);
     template <class From> void text(const From* text, const Conversion& how);
+    void anyText(FormatArguments::Text given, const Conversion& how) {
+        if (given.width == wcharText)
+            text(static_cast<const wchar*>(given.units), how);
+        else if (given.width == icharText)
+            text(static_cast<const ichar*>(given.units), how);
+        else
+            text(static_cast<const char*>(given.units), how);
+    }
     void character(ichar code, const Conversion& how);
     void array(const Conversion& how);
 
     Output<C>& out;
-    var_arg args;
+    Arguments args;
 };
 
 /// Takes one flag; false for what is none.
@@ -230,7 +274,7 @@ template <class C> bool flag(C unit, Conversion& how) {
     }
 }
 
-template <class C> const C* Formatter<C>::parse(const C* at, Conversion& how) {
+template <class C, class Arguments> const C* Formatter<C, Arguments>::parse(const C* at, Conversion& how) {
     for (;;)
         if (*at == '^')
             at = number(at + 1, how.radix);
@@ -254,7 +298,7 @@ template <class C> const C* Formatter<C>::parse(const C* at, Conversion& how) {
     return sizeAndLetter(at, how);
 }
 
-template <class C> const C* Formatter<C>::sizeAndLetter(const C* at, Conversion& how) {
+template <class C, class Arguments> const C* Formatter<C, Arguments>::sizeAndLetter(const C* at, Conversion& how) {
     auto among = [](C unit, const char* letters) {
         return unit && unitvalue(unit) < 128 && std::strchr(letters, char(unit));
     };
@@ -291,7 +335,7 @@ template <class C> const C* Formatter<C>::sizeAndLetter(const C* at, Conversion&
 }
 
 /// False for what is no conversion.
-template <class C> bool Formatter<C>::convert(const Conversion& how) {
+template <class C, class Arguments> bool Formatter<C, Arguments>::convert(const Conversion& how) {
     if (how.array) return array(how), true;
     switch (how.letter) {
     case 'd':
@@ -305,7 +349,7 @@ template <class C> bool Formatter<C>::convert(const Conversion& how) {
         integer(unsignedArgument(how.size), false, how);
         return true;
     case 's':
-        text(va_arg(args.list, const char*), how);
+        anyText(args.text(charText), how);
         return true;
     case 'e':
     case 'E':
@@ -316,9 +360,9 @@ template <class C> bool Formatter<C>::convert(const Conversion& how) {
     case 'a':
     case 'A':
         if (how.size == Size::LongReal)
-            realNumber(va_arg(args.list, long double), how);
+            realNumber(args.longReal(), how);
         else
-            realNumber(va_arg(args.list, double), how);
+            realNumber(args.real(), how);
         return true;
     case '%':
         out.put(C('%'));
@@ -328,13 +372,13 @@ template <class C> bool Formatter<C>::convert(const Conversion& how) {
     }
 }
 
-template <class C> bool Formatter<C>::rareConversion(Conversion how) {
+template <class C, class Arguments> bool Formatter<C, Arguments>::rareConversion(Conversion how) {
     switch (how.letter) {
     case 'S':
-        text(va_arg(args.list, const wchar*), how);
+        anyText(args.text(wcharText), how);
         return true;
     case 'c':
-        if (int code = va_arg(args.list, int); sizeof(C) > 1) {
+        if (int code = args.integer(); sizeof(C) > 1) {
             character(ichar(code), how);
         } else {
             char unit = char(code);
@@ -342,16 +386,16 @@ template <class C> bool Formatter<C>::rareConversion(Conversion how) {
         }
         return true;
     case 'C':
-        character(va_arg(args.list, uint), how);
+        character(uint(args.integer()), how);
         return true;
     case 'l':
         how.letter = 'd';
-        signedInteger(va_arg(args.list, large), how);
+        signedInteger(args.wide(), how);
         return true;
     case 'm':
         how.letter = 'f';
         how.precision = 3;
-        realNumber(va_arg(args.list, int) / 1000.0, how);
+        realNumber(args.integer() / 1000.0, how);
         return true;
     case 'H':
         how.letter = 'X';
@@ -364,7 +408,7 @@ template <class C> bool Formatter<C>::rareConversion(Conversion how) {
         how.letter = 'x';
         how.radix = 0;
         how.other = true;
-        if (auto value = reinterpret_cast<uintptr_t>(va_arg(args.list, void*)))
+        if (auto value = reinterpret_cast<uintptr_t>(args.pointer()))
             integer(value, false, how);
         else
             put({"(nil)", 5}, how, false);
@@ -374,7 +418,8 @@ template <class C> bool Formatter<C>::rareConversion(Conversion how) {
     }
 }
 
-template <class C> void Formatter<C>::put(const Body& body, const Conversion& how, bool fillZeros) {
+template <class C, class Arguments>
+void Formatter<C, Arguments>::put(const Body& body, const Conversion& how, bool fillZeros) {
     int missing = how.width - body.prefixLength - body.count - body.zeros;
     fillZeros &= how.zeros && !how.left;
     if (missing > 0 && !how.left && !fillZeros) out.fill(missing, ' ');
@@ -390,7 +435,8 @@ template <class C> void Formatter<C>::put(const Body& body, const Conversion& ho
     if (missing > 0 && how.left) out.fill(missing, ' ');
 }
 
-template <class C> void Formatter<C>::integer(ularge magnitude, bool negative, const Conversion& how) {
+template <class C, class Arguments>
+void Formatter<C, Arguments>::integer(ularge magnitude, bool negative, const Conversion& how) {
     char digits[66];
     Body body;
     bool isSigned = how.letter == 'd' || how.letter == 'i';
@@ -430,7 +476,9 @@ template <class T> char* realDigits(char* digits, char* limit, T value, char sty
     return std::to_chars(digits, limit, value, std::chars_format::fixed, precision - 1 - exponent).ptr;
 }
 
-template <class C> template <class T> void Formatter<C>::realNumber(T value, const Conversion& how) {
+template <class C, class Arguments>
+template <class T>
+void Formatter<C, Arguments>::realNumber(T value, const Conversion& how) {
     constexpr int most = RealRoom<T>::decimals;
     char digits[RealRoom<T>::digits + most + 16];
     Body body;
@@ -485,7 +533,9 @@ template <class C> int sequenceLimit(C first) {
 }
 
 /// Converted text, of which `limit` units at most are written.
-template <class C> template <class From> void Formatter<C>::text(const From* text, const Conversion& how) {
+template <class C, class Arguments>
+template <class From>
+void Formatter<C, Arguments>::text(const From* text, const Conversion& how) {
     static constexpr From null[] = {'(', 'n', 'u', 'l', 'l', ')', 0};
     if (!text) text = null;
     if constexpr (sizeof(From) == sizeof(C)) {
@@ -520,7 +570,7 @@ template <class C> template <class From> void Formatter<C>::text(const From* tex
     }
 }
 
-template <class C> void Formatter<C>::character(ichar code, const Conversion& how) {
+template <class C, class Arguments> void Formatter<C, Arguments>::character(ichar code, const Conversion& how) {
     C encoded[longestCode<C>];
     int units = encodeCode(encoded, code);
     if (!how.left) out.fill(how.width - units, ' ');
@@ -528,9 +578,9 @@ template <class C> void Formatter<C>::character(ichar code, const Conversion& ho
     if (how.left) out.fill(how.width - units, ' ');
 }
 
-template <class C> void Formatter<C>::array(const Conversion& how) {
-    auto items = va_arg(args.list, const void*);
-    int count = va_arg(args.list, int);
+template <class C, class Arguments> void Formatter<C, Arguments>::array(const Conversion& how) {
+    int count = 0;
+    const void* items = args.items(how.letter, count);
     if (!items) count = 0;
     for (int i = 0; i < count && !out.stopped(); ++i) {
         if (i > 0) out.ascii(", ", 2);
@@ -560,7 +610,7 @@ template <class C> void Formatter<C>::array(const Conversion& how) {
 
 template <class C> int aformat(C* text, int size, const C* format, var_arg* args) {
     Output<C> out(size > 0 ? text : nullptr, size);
-    Formatter<C>(out, args).run(format);
+    Formatter<C, PassedArguments>(out, args).run(format);
     return out.finish();
 }
 template <class C> int format(C* text, int size, const C* format, ...) {
@@ -573,14 +623,22 @@ template <class C> int format(C* text, int size, const C* format, ...) {
 template <class C> int formatTo(FormatSink<C> sink, void* context, const C* format, var_arg* args) {
     C buffer[256];
     Output<C> out(buffer, 256, sink, context);
-    Formatter<C>(out, args).run(format);
+    Formatter<C, PassedArguments>(out, args).run(format);
+    return out.finish();
+}
+
+template <class C> int formatTo(FormatSink<C> sink, void* context, const C* format, FormatArguments& args) {
+    C buffer[256];
+    Output<C> out(buffer, 256, sink, context);
+    Formatter<C, TypedArguments>(out, &args).run(format);
     return out.finish();
 }
 
 #define ORV_FORMAT(C)                                                                                                  \
     template ORV_API int aformat(C*, int, const C*, var_arg*);                                                         \
     template ORV_API int format(C*, int, const C*, ...);                                                               \
-    template ORV_API int formatTo(FormatSink<C>, void*, const C*, var_arg*);
+    template ORV_API int formatTo(FormatSink<C>, void*, const C*, var_arg*);                                           \
+    template ORV_API int formatTo(FormatSink<C>, void*, const C*, FormatArguments&);
 ORV_FORMAT(char)
 ORV_FORMAT(wchar)
 ORV_FORMAT(ichar)

@@ -30,11 +30,36 @@ namespace orv {
 /// Takes formatted text in pieces; false stops the formatting.
 template <class C> using FormatSink = bool (*)(void* context, const C* piece, int length);
 
+/// Arguments whose types are known, taken one by one: each answer is the next one as what the conversion asks for, 0 or
+/// null when there is none. A format can then ask for whatever it likes.
+class FormatArguments {
+public:
+    /// Zero-ended text; the width is that of `ZString::Type`, 1 to 3.
+    struct Text {
+        const void* units;
+        int width;
+    };
+    virtual large integer() = 0;
+    virtual double real() = 0;
+    virtual const void* pointer() = 0;
+    virtual Text text() = 0;
+    /// The items of a row as `tb`, `tw`, `ti`, `td` take them, by their letter.
+    virtual const void* items(char letter, int& count) = 0;
+
+protected:
+    FormatArguments() = default;
+    FormatArguments(const FormatArguments&) = default;
+    FormatArguments& operator=(const FormatArguments&) = default;
+    ~FormatArguments() = default;
+};
+
 /// Writes at most `size` units, the terminator included, and answers the length that the whole text needs: -1 if that
 /// passes an int. With a null `out` it only measures. The arguments can be used again afterwards.
 template <class C> ORV_API int aformat(C* out, int size, const C* format, var_arg* args);
 template <class C> ORV_API int format(C* out, int size, const C* format, ...);
 /// Gives the text to `sink` piece by piece, without terminators; -1 also if the sink stopped it.
 template <class C> ORV_API int formatTo(FormatSink<C> sink, void* context, const C* format, var_arg* args);
+/// The same with arguments whose types are known; one run takes them.
+template <class C> ORV_API int formatTo(FormatSink<C> sink, void* context, const C* format, FormatArguments& args);
 
 } // namespace orv

@@ -2,12 +2,14 @@
 
 #include "core/forward.h"
 
+class ZArgument;
 class ZBlendPos;
 class ZCharBuffer;
 class ZDateTime;
 class ZFileInfo;
 class ZFileName;
 class ZInteger;
+class ZMethodRef;
 class ZRange;
 class ZStringPair;
 struct ZStringArg;

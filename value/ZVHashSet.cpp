@@ -52,7 +52,7 @@ bool ZVHashSet::add(const ZVariant& value) {
     return given.address() && addItem(given.address());
 }
 bool ZVHashSet::addNew(const ZVariant& value) { return !contains(value) && add(value); }
-bool ZVHashSet::addSelector(const ZSelector& name) { return add(ZVariant(name)); }
+bool ZVHashSet::addSelector(const ZSelector& name) { return isSelectorType() ? addItem(&name) : add(ZVariant(name)); }
 
 /// Adds all values, or none.
 template <class F> bool ZVHashSet::addAll(uint values, F&& value) {
@@ -157,7 +157,9 @@ bool ZVHashSet::remove(const ZVariant& value, bool all) {
     item::Given given(type, value);
     return removeItem(given.address(), all);
 }
-bool ZVHashSet::removeSelector(const ZSelector& name) { return remove(ZVariant(name), true); }
+bool ZVHashSet::removeSelector(const ZSelector& name) {
+    return isSelectorType() ? removeItem(&name, true) : remove(ZVariant(name), true);
+}
 bool ZVHashSet::removeSet(const ZVHashSet& other) {
     if (type != other.type) return true;
     ZArrayT<int> places;

@@ -531,6 +531,8 @@ public:
     ZMethod* adder(ZTypedPtr* typed, const ZProperty* prop) const;
 
 private:
+    friend struct orv::detail::ObjectLayout;
+
     // The low bits of the type's address say what a copy has to know of the type.
     static constexpr uintptr_t cared = 1;   ///< the value is more than its bytes
     static constexpr uintptr_t inside = 2;  ///< it lives in the variant

@@ -149,8 +149,9 @@ bool ValueMap::storeValue(int index, const ZVariant& value) {
 }
 bool ValueMap::renameItem(int index, const void* key) {
     if (!inRange(index) || !key || data->find(key) >= 0) return false;
+    const void* value = form == MapForm::Set ? key : data->value(uint(index));
     item::Scratch node(data->itemSize());
-    if (!node.memory() || !data->build(node.memory(), key, data->value(uint(index)))) return false;
+    if (!node.memory() || !data->build(node.memory(), key, value)) return false;
     const bool done = detach();
     if (done) {
         data->clearTree(true);

@@ -5,7 +5,10 @@
 #include "core/ZHashSetT.h"
 #include "core/ZHashTreeT.h"
 #include "core/ZSelectorSpace.h"
+#include "core/construct.h"
+#include "object/ZObject.h"
 #include "text/ZString.h"
+#include "value/ZVariant.h"
 
 #include <cstring>
 
@@ -33,7 +36,6 @@ int main() {
     ZSelectorSpace::space().setPermanentLimit(1);
     ZSelector counted("two words"), goes("goes");
     [[maybe_unused]] uint gone = goes.key();
-    goes.clear();
     [[maybe_unused]] uint far = 0xFFFFFFFF;
     // p none => <empty>
     // p name => "width" Name
@@ -92,5 +94,23 @@ int main() {
     // p set => ZHashSetT<ZSelector> of 2 = {"a.b.c" UID, "width" Name}
     // p tree => ZHashTreeT<int, (anonymous namespace)::Node> of 2 = {… in a tree, … 20}, {… in a tree, … 21}}
 
+    // Values and objects
+    ZVariant nil, whole(-7), fraction(0.25f), yes(true), big(ularge(1) << 63), word(path), sentence(narrow);
+    auto object = zmake<ZObject>();
+    object->setSelector(name);
+    ZVariant holder(object);
+    // p nil => null
+    // p whole => int -7
+    // p fraction => float 0.25
+    // p yes => bool true
+    // p big => ularge 9223372036854775808
+    // p word => ZSelector "a.b.c" UID
+    // p sentence => ZString "grün\n\001"
+    // p holder => "width" ZObject at 0x…
+    // p *object => "width" ZObject at 0x…
+
+    goes.clear();
     stopHere();
+    holder.clear();
+    object->release();
 }

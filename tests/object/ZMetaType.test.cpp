@@ -172,6 +172,13 @@ TEST_F(MetaType, EveryConstructorSurvivesEveryFailingAllocation) {
         [](auto&, auto&, auto&, ZMetaType* source) { return source->copyType(); },
     };
     for (const Make& make : makers) {
+        {
+            // Names that only a failure asks for are kept from then on.
+            AllocProbe first;
+            first.failAt(2);
+            if (ZMetaType* made = make(name, types, names, source)) made->release();
+            forgetLists({base, source});
+        }
         int whole = 0;
         failEachAllocation([&](AllocProbe& probe) {
             ZMetaType* made = make(name, types, names, source);
@@ -188,6 +195,13 @@ TEST_F(MetaType, EveryConstructorSurvivesEveryFailingAllocation) {
         EXPECT_EQ(whole, 1);
         EXPECT_EQ(base->getDescendants().count(), 1u);
         EXPECT_EQ(source->getCopies().count(), 0u);
+    }
+    {
+        AllocProbe first;
+        first.failAt(2);
+        source->getQualified(variant);
+        source->clearVariants();
+        forgetLists({base, source});
     }
     failEachAllocation([&](AllocProbe& probe) {
         ZMetaType* made = source->getQualified(variant);

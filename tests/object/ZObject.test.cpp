@@ -123,19 +123,71 @@ TEST_F(ZObjectLife, DeepCopyRewires) {
     object->addDelegate(part, false);
     outside->setSelector("outside");
     object->addDelegate(outside, false);
+    EXPECT_TRUE(object->addProperty("holder", ZVariant(static_cast<const ZType*>(part))));
+    EXPECT_TRUE(object->addProperty("helper", ZVariant(static_cast<const ZType*>(outside))));
 
     ZObject* made = object->deepCopy();
     ASSERT_NE(made, nullptr);
     ZObject *madePart = made->getFirst(ZSelector("part")), *madeOutside = made->findDelegate("outside");
     ASSERT_TRUE(madePart && madeOutside);
     EXPECT_NE(madePart, part);
-    EXPECT_NE(madeOutside, outside);
     EXPECT_TRUE(made->hasDelegate(madePart));
     EXPECT_EQ(made->getDelegates().count(), 2u);
     EXPECT_EQ(madePart->delegateType(), ZObject::Binder);
-    EXPECT_EQ(madeOutside->refcount(), 1);
-    EXPECT_EQ(part->refcount(), 3);
+    EXPECT_EQ(made->getProperty("holder").toObject(), madePart);
+    EXPECT_EQ(object->getProperty("holder").toObject(), part);
+    EXPECT_EQ(made->getProperty("helper").toObject(), madeOutside) << "it is the one that the property holds";
     for (ZObject* end : {object, part, outside, made}) end->release();
+}
+
+/// Whatever allocation fails, a caller sees null or false, the old state, and nothing is left behind.
+TEST_F(ZObjectLife, FailingAllocations) {
+    auto fill = [](ZObject* object) {
+        ZMethod* method = ZMethod::create("void run(ZArrayT<ZVariant>&)", {}, 0, ZMethod::emptyFunc,
+                                          [](const void*, ZMethod*, void*) {});
+        const bool set = method && object->setMethod(method, true);
+        ZMethod::release(method);
+        return set && object->addDispatch("signal", "void run(ZArrayT<ZVariant>&)", {});
+    };
+    auto scenario = [&](AllocProbe& probe) {
+        ZObject *object = zmake<ZObject>(), *delegate = zmake<ZObject>();
+        if (object && delegate) {
+            object->setSelector("failing");
+            delegate->setSelector("helper");
+            delegate->setDelegateType(ZObject::Extension);
+            object->setCopyMembers(true);
+            delegate->setParent(object);
+            const bool filled = fill(delegate);
+            EXPECT_TRUE(filled || probe.failed());
+            EXPECT_TRUE(!filled || delegate->methodCount() == 1);
+            const bool added = object->addDelegate(delegate, false);
+            EXPECT_EQ(object->hasDelegate(delegate), added);
+            EXPECT_EQ(delegate->refcount(), added ? 3 : 2);
+            EXPECT_TRUE(object->publishNamed() || probe.failed());
+            EXPECT_TRUE(!(added && filled) || object->methodBySelector("run", {}) || probe.failed());
+            EXPECT_TRUE(!filled || delegate->callDispatch("signal") || probe.failed());
+            ZType* copied = object->copy();
+            EXPECT_TRUE(copied || probe.failed());
+            EXPECT_TRUE(!copied || static_cast<ZObject*>(copied)->countObjects() == 1);
+            if (copied) copied->release();
+            object->setCopyMembers(false);
+            ZObject* deep = object->deepCopy();
+            EXPECT_TRUE(deep || probe.failed());
+            EXPECT_TRUE(!deep || deep->hasDelegate() == added);
+            if (deep) deep->release();
+            EXPECT_TRUE(object->setPropDelegate("a", ZVariant(ZSelector("b"))) || probe.failed());
+        } else {
+            EXPECT_TRUE(probe.failed());
+        }
+        for (ZObject* end : {object, delegate})
+            if (end) end->release();
+        ZObject::closeNamed();
+        toolkit::epochDrain(); // records of methods go late
+        zrecover();
+    };
+    AllocProbe warm;
+    scenario(warm);
+    failEachAllocation(scenario);
 }
 
 } // namespace

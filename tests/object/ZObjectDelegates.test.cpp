@@ -170,6 +170,20 @@ TEST_F(ZObjectDelegates, Detach) {
     for (ZObject* end : {owner, shared}) end->release();
 }
 
+TEST_F(ZObjectDelegates, PropertyBag) {
+    ZObject* owner = make("owner");
+    const ZSelector name("size");
+    EXPECT_FALSE(owner->hasPropDelegate(name) || owner->removePropDelegate(name));
+    const ZVariant value{ZSelector("big")};
+    EXPECT_TRUE(owner->setPropDelegate(name, value) && owner->setPropDelegate("other", value));
+    EXPECT_EQ(owner->getDelegates().count(), 1u);
+    EXPECT_EQ(owner->getPropDelegate(name).compare(value), 0);
+    EXPECT_TRUE(owner->removePropDelegate(name));
+    EXPECT_FALSE(owner->hasPropDelegate(name));
+    EXPECT_TRUE(owner->hasPropDelegate("other"));
+    owner->release();
+}
+
 struct WordRow {
     const char* words;
     uint type;
@@ -184,6 +198,93 @@ TEST_F(ZObjectDelegates, Words) {
 }
 
 // Dispatch
+
+TEST_F(ZObjectDelegates, SignalsGoTheirWay) {
+    ZObject *parent = make("parent"), *object = make("object"), *dispatch = make("dispatch", ZObject::Binder),
+            *extension = make("extension", ZObject::Extension), *deaf = make("deaf", ZObject::Event);
+    object->setParent(parent);
+    for (ZObject* delegate : {extension, deaf, dispatch}) object->addDelegate(delegate, false);
+    const char* letters[] = {"o", "d", "e", "n", "p"};
+    ZObject* all[] = {object, dispatch, extension, deaf, parent};
+    for (int i = 0; i < 5; ++i) {
+        give(all[i], "void clicked(ZArrayT<ZVariant>&)", letters[i]);
+        EXPECT_TRUE(all[i]->addDispatch("click", "void clicked(ZArrayT<ZVariant>&)", {}));
+    }
+    const auto call = [&](const char* name) {
+        calls.clear();
+        const bool answered = object->callDispatch(name);
+        EXPECT_EQ(answered, !calls.empty());
+        return calls;
+    };
+    EXPECT_EQ(call("none"), "");
+    // An extension's method is also the owner's answer.
+    EXPECT_EQ(call("click"), "ee");
+    extension->setDelegateType(ZObject::None);
+    EXPECT_EQ(call("click"), "o");
+    dispatch->setDelegateType(ZObject::Dispatch); // counts from now on
+    EXPECT_EQ(call("click"), "od");
+    object->setParentDelegate(ZObject::Dispatch);
+    EXPECT_EQ(call("click"), "odp");
+    EXPECT_TRUE(object->removeDispatch("click"));
+    EXPECT_FALSE(object->hasDispatch("click") || object->removeDispatch("click"));
+    EXPECT_EQ(call("click"), "dp");
+    for (ZObject* end : {object, dispatch, extension, deaf, parent}) end->release();
+}
+
+TEST_F(ZObjectDelegates, EntriesInOrderAndAnew) {
+    ZObject* object = make("object");
+    give(object, "void one(ZArrayT<ZVariant>&)", "1");
+    give(object, "void two(ZArrayT<ZVariant>&)", "2");
+    give(object, "void three(int)", "3");
+    for (const char* method : {"void two(ZArrayT<ZVariant>&)", "void one(ZArrayT<ZVariant>&)", "void three(int)"})
+        object->addDispatch("go", method, {});
+    calls.clear();
+    EXPECT_TRUE(object->callDispatch("go"));
+    EXPECT_EQ(calls, "21") << "a method with other parameters isn't called with an array";
+    give(object, "void one(ZArrayT<ZVariant>&)", "x");
+    calls.clear();
+    object->callDispatch("go");
+    EXPECT_EQ(calls, "2x") << "what was found before doesn't stay";
+    auto copied = static_cast<ZObject*>(object->copy());
+    object->release();
+    calls.clear();
+    EXPECT_TRUE(copied->callDispatch("go"));
+    EXPECT_EQ(calls, "2x");
+    copied->release();
+}
+
+ZObject* victim;
+TEST_F(ZObjectDelegates, ReleasedInItsOwnHandler) {
+    victim = make("victim");
+    for (const char* signature : {"void first(ZArrayT<ZVariant>&)", "void second(ZArrayT<ZVariant>&)"}) {
+        ZMethod* method = ZMethod::create(signature, {}, 0, ZMethod::emptyFunc, [](const void*, ZMethod*, void*) {
+            calls += "h";
+            if (victim) std::exchange(victim, nullptr)->release();
+        });
+        victim->setMethod(method, true);
+        ZMethod::release(method);
+        victim->addDispatch("end", signature, {});
+    }
+    calls.clear();
+    EXPECT_TRUE(victim->callDispatch("end"));
+    EXPECT_EQ(calls, "hh");
+    EXPECT_EQ(victim, nullptr);
+}
+
+TEST_F(ZObjectDelegates, ByName) {
+    ZObject *object = make("object"), *part = make("part");
+    part->setParent(object);
+    give(part, "void run()", "r");
+    give(part, "void heard(ZArrayT<ZVariant>&)", "s");
+    part->addDispatch("signal", "void heard(ZArrayT<ZVariant>&)", {});
+    EXPECT_TRUE(object->allowNameInvoke("part.run") && object->allowNameInvoke("part.signal") &&
+                object->allowNameInvoke("void part.run()"));
+    EXPECT_FALSE(object->allowNameInvoke("part.none") || object->allowNameInvoke("run"));
+    calls.clear();
+    for (const char* name : {"part.run", "part.signal", "void part.run()", "part.none"}) object->invokeName(name);
+    EXPECT_EQ(calls, "rsr");
+    for (ZObject* end : {part, object}) end->release();
+}
 
 // Size
 
@@ -200,6 +301,33 @@ TEST_F(ZObjectDelegates, HundredThousandInOneList) {
     EXPECT_EQ(owner->findDelegate("d77777"), all[77777]);
     give(all.back(), "void run()", "z");
     EXPECT_EQ(found(owner, "void run()"), "z");
+    owner->release();
+}
+
+/// A chain, and in each link two ways to the next: every object answers once.
+TEST_F(ZObjectDelegates, HundredThousandInAChain) {
+    constexpr int links = 100000;
+    ZObject* owner = make("owner");
+    ZObject* at = owner;
+    for (int i = 0; i < links; ++i) {
+        ZObject* next = make("", ZObject::Dispatch);
+        ASSERT_TRUE(at->addDelegate(next, false));
+        if (i % 1000 == 0) {
+            ZObject* around = make("", ZObject::Dispatch);
+            ASSERT_TRUE(at->addDelegate(around, false) && around->addDelegate(next, false));
+            around->release();
+        }
+        next->release();
+        at = next;
+    }
+    EXPECT_FALSE(at->addDelegate(owner, false));
+    give(at, "void run()", "z");
+    give(at, "void heard(ZArrayT<ZVariant>&)", "s");
+    at->addDispatch("signal", "void heard(ZArrayT<ZVariant>&)", {});
+    EXPECT_EQ(found(owner, "void run()"), "z");
+    calls.clear();
+    EXPECT_TRUE(owner->callDispatch("signal"));
+    EXPECT_EQ(calls, "s");
     owner->release();
 }
 

@@ -129,6 +129,67 @@ TEST_F(ZObjectTree, ManyChildrenByName) {
     root->release();
 }
 
+TEST_F(ZObjectTree, Paths) {
+    ZObject *root = child(nullptr, "root"), *a = child(root, "a"), *b = child(a, "b"), *c = child(b, "c");
+    EXPECT_EQ(root->findObject("self", false), root);
+    EXPECT_EQ(a->findObject("parent", false), root);
+    EXPECT_EQ(root->findObject(ZSelector(), false), a);
+    EXPECT_EQ(root->findObject("a.b.c", false), c);
+    EXPECT_EQ(root->findObject("a.self.b.parent", false), a);
+    EXPECT_EQ(root->findObject("c", false), nullptr);
+    EXPECT_EQ(root->findObject("c", true), c);
+    EXPECT_EQ(root->findObject("a.c", true), nullptr);
+    EXPECT_EQ(root->memberObject("a.b"), b);
+    ZSelector rest;
+    EXPECT_EQ(root->findObject("a.b.width.first", rest), b);
+    EXPECT_STREQ(rest.string(), "width.first");
+    EXPECT_EQ(c->findObject("parent.parent.none", rest), a);
+    EXPECT_STREQ(rest.string(), "none");
+    EXPECT_EQ(root->findObject("a.b", rest), b);
+    EXPECT_TRUE(rest.isEmpty());
+
+    ZSelector field, qualifier;
+    EXPECT_EQ(root->resolveObjectName("a.b.c.width", field), c);
+    EXPECT_STREQ(field.string(), "width");
+    EXPECT_EQ(root->resolveObjectName("a.none.width", field), a);
+    EXPECT_STREQ(field.string(), "none.width");
+    EXPECT_EQ(root->resolveObjectName("width", field), root);
+    EXPECT_STREQ(field.string(), "width");
+    EXPECT_EQ(root->resolveFieldName("int a.b.count(int, bool) const", field, qualifier), b);
+    EXPECT_STREQ(field.string(), "int count(int, bool)");
+    EXPECT_STREQ(qualifier.string(), "const");
+    root->release();
+}
+
+TEST_F(ZObjectTree, LongPaths) {
+    constexpr int parts = 100000;
+    ZObject* root = child(nullptr, "root");
+    child(root, "a");
+    std::string text = "a";
+    for (int i = 1; i < parts; ++i) text += i % 2 ? ".parent" : ".a";
+    const ZSelector path(text.c_str());
+    EXPECT_EQ(root->findObject(path, false), root);
+    ZSelector rest;
+    EXPECT_EQ(root->findObject(path, rest), root);
+    EXPECT_TRUE(rest.isEmpty());
+    EXPECT_EQ(root->resolveObjectName(path, rest), root->first());
+    EXPECT_EQ(rest.parcount(), parts - 1);
+    root->release();
+}
+
+TEST_F(ZObjectTree, Searches) {
+    ZObject *root = child(nullptr, "root"), *a = child(root, "a"), *b = child(a, "b"), *c = child(root, "c");
+    b->setDynamicProperty("mark", ZVariant(ZSelector("found")), true);
+    c->setDynamicProperty("mark", ZVariant(ZSelector("found")), true);
+    const ZVariant wanted{ZSelector("found")};
+    EXPECT_EQ(root->objectByProperty("mark", wanted, false), c);
+    EXPECT_EQ(a->objectByProperty("mark", wanted, false), b);
+    EXPECT_EQ(c->objectByProperty("mark", wanted, true), nullptr);
+    EXPECT_EQ(root->objectByProperty("mark", {}, true), nullptr);
+    EXPECT_EQ(root->objectOfType(nullptr, "b"), b);
+    root->release();
+}
+
 TEST_F(ZObjectTree, PublishedNames) {
     ZObject *first = child(nullptr, "desk"), *second = child(nullptr, "desk"), *plain = zmake<ZObject>();
     EXPECT_FALSE(plain->publishNamed());

@@ -234,7 +234,7 @@ TEST(Glue, RowsSayWhatWasDeclared) {
     const PropertyRow& width = gauge.properties.rows[0];
     EXPECT_STREQ(width.name, "width");
     EXPECT_STREQ(width.type, "int");
-    EXPECT_EQ(width.flags, 0x80u);
+    EXPECT_EQ(width.flags, 0x20080u); // the getter gives it by value
     EXPECT_EQ(width.version, 3);
     EXPECT_EQ(width.sandBox, 2);
     EXPECT_GT(width.offset, -1);

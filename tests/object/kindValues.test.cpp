@@ -151,9 +151,7 @@ TEST(KindValues, TextsThere) {
         EXPECT_TRUE(orv::kindFromString(row.kind, value, ZString(row.text))) << row.text;
         EXPECT_FALSE(orv::isNullKind(row.kind, value, 0)) << row.text;
         EXPECT_EQ(orv::kindToString(row.kind, value), row.text);
-        if (row.refused) {
-            EXPECT_FALSE(orv::kindFromString(row.kind, value, ZString(row.refused))) << row.refused;
-        }
+        if (row.refused) { EXPECT_FALSE(orv::kindFromString(row.kind, value, ZString(row.refused))) << row.refused; }
         EXPECT_NE(orv::compareKind(row.kind, value, copy, 0), 0) << row.text;
         orv::copyKind(row.kind, copy, value, 0);
         EXPECT_EQ(orv::compareKind(row.kind, value, copy, 0), 0) << row.text;

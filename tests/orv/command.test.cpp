@@ -35,6 +35,13 @@ TEST(Command, ExitStatusAndWhereThingsGo) {
         {"words", 2, "", "folder"},
         {"words --top 0 " + folder.path("texts"), 2, "", "--top"},
         {"words --sort size " + folder.path("texts"), 2, "", "--sort"},
+        {"types --help", 0, "--methods", ""},
+        {"types", 0, "ZString ", ""},
+        {"types ZObject --methods --properties", 0, "ZObject* findObject(const ZSelector&, bool) const\n", ""},
+        {"types ZObject --methods --properties", 0, "ZSelector selector  \"store value\"\n", ""},
+        {"types ZObject", 0, "ZObject : ZType\n", ""},
+        {"types ZSring", 1, "", "no type \"ZSring\"; did you mean ZString"},
+        {"types ZRange --json", 0, "{\"name\": \"ZRange\", \"package\": \"orv.core.base\"", ""},
         {"words " + folder.path("texts"), 0, "         2  two\n         1  one\n", "1 texts"},
         {"words " + folder.path("none") + " " + folder.path("texts"), 1, "         2  two\n", "none: can't be read"},
     };
@@ -45,6 +52,17 @@ TEST(Command, ExitStatusAndWhereThingsGo) {
         EXPECT_NE(result.error.find(row.error), std::string::npos) << row.arguments << "\n" << result.error;
         EXPECT_TRUE(row.exit != 2 || result.out.empty()) << result.out;
     }
+}
+
+TEST(Command, TypesAsJsonAreJson) {
+    TempFolder folder;
+    Result result = orv(folder, "types --methods --properties --json");
+    EXPECT_EQ(result.exit, 0) << result.error;
+    folder.file("types.json", result.out);
+    std::string check =
+        "python3 -c 'import json, sys; rows = json.load(open(sys.argv[1])); "
+        "sys.exit(not any(m[\"signature\"] == \"uint hashKey()\" for r in rows for m in r[\"methods\"]))' ";
+    EXPECT_EQ(std::system((check + folder.path("types.json")).c_str()), 0);
 }
 
 TEST(Command, AFullDiskIsAFailure) {

@@ -1,5 +1,7 @@
 #include "tests/support/CoreScope.h"
 
+#include "object/names.h"
+
 static AllocProbe* outermost = nullptr;
 std::unique_ptr<CoreScope> CoreTest::scope;
 
@@ -10,8 +12,10 @@ CoreScope::CoreScope() {
     }
     library = std::make_unique<ZCoreLib>("tests", false, false, true);
     EXPECT_TRUE(ZCoreLib::valid());
+    if (probe) { EXPECT_TRUE(orv::openNames(orv::moduleNames())); }
 }
 CoreScope::~CoreScope() {
+    if (probe) orv::closeNames(orv::moduleNames());
     library.reset();
     if (!probe) return;
     EXPECT_EQ(probe->live(), 0) << "left when the library stopped:\n" << probe->leaks();

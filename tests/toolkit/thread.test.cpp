@@ -65,9 +65,7 @@ TEST(Thread, HooksRunOnceForEachThreadThatUsesTheLibrary) {
 namespace {
 struct LateUser {
     int touched = 0;
-    ~LateUser() {
-        EXPECT_NE(touched ? toolkit::threadNumber() : 1u, 0u);
-    }
+    ~LateUser() { EXPECT_NE(touched ? toolkit::threadNumber() : 1u, 0u); }
 };
 thread_local LateUser lateUser;
 } // namespace

@@ -16,7 +16,7 @@ import gdb.printing
 import gdb.types
 
 POINTER = 8
-TABLES = ("orv_debug_core", "orv_debug_strings", "orv_debug_text")
+TABLES = ("orv_debug_core", "orv_debug_strings", "orv_debug_text", "orv_debug_object")
 TABLE_ROW, TABLE_NAME = 40, 24
 KINDS = ("Any", "Name", "Names", "UID", "Colon", "Bracket", "Types", "Template", "Method", "Mixed")
 # By the number of the width: prefix, bytes of a unit, codec.
@@ -156,6 +156,20 @@ def internal(index):
     return f"{quoted(entry + layout['strings.text'], length, width)} #{index}"
 
 
+def string(record, index):
+    """A text by its record; without one it is an internal one."""
+    if not record:
+        return internal(index) if index else '""'
+    length, capacity = number(record + layout["string.length"]), number(record + layout["string.capacity"])
+    if length > capacity:
+        raise Unreadable(f"damaged record at {record:#x}: {length} units in room for {capacity}")
+    return quoted(record + layout["string.text"], length, number(record + layout["string.type"]))
+
+
+def string_at(address):
+    return string(pointer(address), number(address + POINTER))
+
+
 class Printer:
     """What printers have in common: `text` may raise `Unreadable`."""
 
@@ -182,14 +196,7 @@ class StringPrinter(Printer):
     """The text with the prefix of its width; an internal one with its index."""
 
     def text(self):
-        record = int(self.value["record"])
-        if not record:
-            index = int(self.value["index"])
-            return internal(index) if index else '""'
-        length, capacity = number(record + layout["string.length"]), number(record + layout["string.capacity"])
-        if length > capacity:
-            raise Unreadable(f"damaged record at {record:#x}: {length} units in room for {capacity}")
-        return quoted(record + layout["string.text"], length, number(record + layout["string.type"]))
+        return string(int(self.value["record"]), int(self.value["index"]))
 
 
 # Containers
@@ -318,6 +325,87 @@ class TreeNodePrinter(Printer):
 
     def text(self):
         return "in a tree" if int(self.value["color"]) else "in no tree"
+
+
+# Types, values, objects
+
+# By the number of the kind: bytes and reader of a plain value.
+PLAIN = {
+    2: "bool", 3: "signed char", 4: "unsigned char", 5: "short", 6: "unsigned short", 7: "int", 8: "unsigned int",
+    9: "long long", 10: "unsigned long long", 11: "int", 12: "float", 13: "double", 14: "double",
+}  # fmt: skip
+SELECTOR, STRING, POINTER_KIND, FIRST_TYPE, OBJECT = 15, 16, 17, 24, 25
+
+
+class MetaType:
+    """A type, read from where its metatype stands."""
+
+    def __init__(self, address):
+        self.main = pointer(address + layout["metatype.mainType"])
+        self.kind = number(address + layout["metatype.kind"], 1)
+        data = pointer(address + layout["metatype.data"])
+        if not data:
+            raise Unreadable(f"no type at {address:#x}")
+        key = number(data + layout["metatype.name"])
+        self.name = selector(key).rsplit('"', 1)[0][1:] if key else "unnamed type"
+
+
+def type_of_instance(address):
+    """The type of a `ZType`; null while the library starts."""
+    at = pointer(address + layout["type.metaType"])
+    return MetaType(at) if at else None
+
+
+def instance(address):
+    """A `ZType` by its type, an object also by its own name."""
+    type = type_of_instance(address)
+    text = f"{type.name if type else 'typeless'} at {address:#x}"
+    if type and type.kind == OBJECT:
+        data = pointer(address + layout["object.data"])
+        key = number(data + layout["object.selector"]) if data else 0
+        if key:
+            text = f"{selector(key).rsplit(' ', 1)[0]} {text}"
+    return text
+
+
+def plain(name, address):
+    return str(item_at(address, gdb.lookup_type(name)))
+
+
+@shows("^ZVariant$")
+class VariantPrinter(Printer):
+    """The type, then the value as its own printer shows it."""
+
+    def text(self):
+        address = int(self.value.address)
+        bits, value = pointer(address), address + layout["variant.value"]
+        at = bits & ~layout["variant.tags"]
+        if not at:
+            return f"block at {pointer(value):#x}" if pointer(value) else "null"
+        type = MetaType(at)
+        if not bits & layout["variant.inside"]:
+            held = pointer(value)
+            if not held:
+                return f"{type.name} null"
+            main = MetaType(type.main) if type.main else type
+            if main.kind >= FIRST_TYPE:
+                return instance(held)
+            return f"{type.name} {held:#x}" if type.kind == POINTER_KIND else f"{type.name} at {held:#x}"
+        if type.kind in PLAIN:
+            return f"{type.name} {plain(PLAIN[type.kind], value)}"
+        if type.kind == SELECTOR:
+            return f"{type.name} {selector(number(value))}"
+        if type.kind == STRING:
+            return f"{type.name} {string_at(value)}"
+        return f"{type.name} at {value:#x}"
+
+
+@shows("^Z(Type|Object)$")
+class InstancePrinter(Printer):
+    """Type and name; `print /r` shows the members."""
+
+    def text(self):
+        return instance(int(self.value.address))
 
 
 gdb.printing.register_pretty_printer(gdb.current_objfile(), printers, replace=True)

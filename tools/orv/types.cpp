@@ -23,21 +23,31 @@ namespace {
 
 std::string text(const ZSelector& name) { return name.isEmpty() ? "" : name.string(); }
 
-constexpr const char* kindNames[] = {"unknown",   "void",    "bool",      "char",   "byte",    "short",     "word",
-                                     "int",       "uint",    "large",     "ularge", "enum",    "float",     "double",
-                                     "real",      "selector", "string",   "pointer", "typedef", "structure", "composite",
-                                     "class",     "interface", "atomic",  "dynamic", "object"};
+constexpr const char* kindNames[] = {"unknown", "void",      "bool",   "char",    "byte",    "short",     "word",
+                                     "int",     "uint",      "large",  "ularge",  "enum",    "float",     "double",
+                                     "real",    "selector",  "string", "pointer", "typedef", "structure", "composite",
+                                     "class",   "interface", "atomic", "dynamic", "object"};
 
 struct FlagName {
     uint flag;
     const char* name;
 };
 constexpr FlagName flagNames[] = {
-    {ZMetaType::Final, "final"},           {ZMetaType::Public, "public"},         {ZMetaType::Polymorphic, "polymorphic"},
-    {ZMetaType::Lockable, "lockable"},     {ZMetaType::Wrapper, "wrapper"},       {ZMetaType::Container, "container"},
-    {ZMetaType::Created, "created"},       {ZMetaType::RefStore, "refstore"},     {ZMetaType::Traverse, "traverse"},
-    {ZMetaType::Storable, "storable"},     {ZMetaType::Mutex, "mutex"},           {ZMetaType::Variable, "variable"},
-    {ZMetaType::StorageBase, "storagebase"}, {ZMetaType::Retaining, "retaining"}, {ZMetaType::PointerKey, "pointerkey"},
+    {ZMetaType::Final, "final"},
+    {ZMetaType::Public, "public"},
+    {ZMetaType::Polymorphic, "polymorphic"},
+    {ZMetaType::Lockable, "lockable"},
+    {ZMetaType::Wrapper, "wrapper"},
+    {ZMetaType::Container, "container"},
+    {ZMetaType::Created, "created"},
+    {ZMetaType::RefStore, "refstore"},
+    {ZMetaType::Traverse, "traverse"},
+    {ZMetaType::Storable, "storable"},
+    {ZMetaType::Mutex, "mutex"},
+    {ZMetaType::Variable, "variable"},
+    {ZMetaType::StorageBase, "storagebase"},
+    {ZMetaType::Retaining, "retaining"},
+    {ZMetaType::PointerKey, "pointerkey"},
     {ZMetaType::PrimaryBase, "primarybase"},
 };
 
@@ -108,7 +118,8 @@ TypeText describe(ZMetaType& type, bool methods, bool properties) {
     if (properties)
         for (const ZPropertyPtr& entry : type.getPropertyTypes()) {
             const ZProperty& property = *entry.property();
-            const ZMetaType *value = property.value().type(), *item = property.getItemType(), *index = property.getIndex();
+            const ZMetaType *value = property.value().type(), *item = property.getItemType(),
+                            *index = property.getIndex();
             made.properties.push_back({value ? text(value->getName()) : "", text(property.name()),
                                        item && item != value ? text(item->getName()) : "",
                                        index ? text(index->getName()) : "", words(property.flags(), property.options()),

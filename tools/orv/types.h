@@ -12,8 +12,8 @@ struct TypeOptions {
     bool json = false;
 };
 
-/// Starts the library, prints what its packages declare to `out` and complaints to `log`, and stops the library. Answers
-/// the exit status: 1 if there is no type of that name; types that are named alike are then told.
+/// Starts the library, prints what its packages declare to `out` and complaints to `log`, and stops the library.
+/// Answers the exit status: 1 if there is no type of that name; types that are named alike are then told.
 int printTypes(const TypeOptions& options, std::FILE* out, std::FILE* log);
 
 } // namespace orv::tool

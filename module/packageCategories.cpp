@@ -1,0 +1,68 @@
+#include "core/construct.h"
+#include "module/ZPackage.h"
+#include "object/ZTypeCategory.h"
+
+// The categories of a package.
+
+bool ZPackage::addCategory(ZTypeCategory* category) {
+    if (!category || category->selector().isEmpty() || released) return false;
+    {
+        ZScopedLock held(*static_cast<const ZPackage*>(this));
+        for (const ZTypeCategory* known : std::as_const(categories))
+            if (known == category || known->selector() == category->selector()) return known == category;
+        if (!categories.append(category)) return false;
+        category->retain();
+    }
+    category->setPackage(this);
+    return true;
+}
+
+ZTypeCategory* ZPackage::getCategory(const ZSelector& name) const {
+    ZScopedLock held(*this);
+    for (ZTypeCategory* category : categories)
+        if (category->selector() == name) return category;
+    return nullptr;
+}
+ZTypeCategory* ZPackage::findCategory(const ZSelector& name) const {
+    if (name.isEmpty()) return nullptr;
+    if (ZTypeCategory* own = getCategory(name)) return own;
+    const ZPackage* above = root();
+    for (const ZPackage* user : {this, above != this ? above : nullptr})
+        for (const ZPackageLink* link = user ? user->usesHead : nullptr; link; link = link->usesNext)
+            if (ZTypeCategory* found = link->used->getCategory(name)) return found;
+    return above && above != this ? above->getCategory(name) : nullptr;
+}
+ZArrayT<ZTypeCategory*> ZPackage::getCategories() const {
+    ZScopedLock held(*this);
+    return categories;
+}
+
+bool ZPackage::removeCategory(ZTypeCategory* category) {
+    {
+        ZScopedLock held(*static_cast<const ZPackage*>(this));
+        const int at = categories.indexOf(category);
+        if (at < 0 || !categories.remove(uint(at))) return false;
+    }
+    category->leaveTypes();
+    category->setPackage(nullptr);
+    category->release();
+    return true;
+}
+bool ZPackage::removeCategory(const ZSelector& name) {
+    ZTypeCategory* category = getCategory(name);
+    return category && removeCategory(category);
+}
+bool ZPackage::removeCategory() {
+    bool done = true;
+    for (ZTypeCategory* category : getCategories()) done &= removeCategory(category);
+    return done;
+}
+
+void ZPackage::resetCategory(const ZSelector& name) {
+    if (ZTypeCategory* category = getCategory(name)) category->resetCategory();
+}
+bool ZPackage::autoExtend() {
+    for (ZTypeCategory* category : getCategories())
+        if (!category->setupAutoExtend(this)) return false;
+    return true;
+}

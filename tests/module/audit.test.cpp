@@ -1,0 +1,185 @@
+#include "module/ZPackage.h"
+#include "object/ZEnum.h"
+#include "object/ZEnumType.h"
+#include "object/ZMetaType.h"
+#include "object/ZMethodPtr.h"
+#include "object/ZProperty.h"
+#include "object/ZPropertyPtr.h"
+#include "object/names.h"
+#include "tests/support/CoreScope.h"
+#include "toolkit/epoch.h"
+#include "value/ZTypedPtr.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+// Walks every type that the library registers, without exceptions.
+
+namespace {
+
+std::string text(const ZSelector& name) { return name.isEmpty() ? "(empty)" : name.string(); }
+
+class Audit : public CoreTest {
+protected:
+    /// All declared types, those that are nested in others too.
+    static std::vector<ZMetaType*> types() {
+        std::vector<ZMetaType*> all;
+        if (!ZPackage::root()) return all;
+        for (ZMetaType* type : ZPackage::root()->getUsedTypes()) all.push_back(type);
+        for (size_t i = 0; i < all.size(); ++i)
+            for (const auto& nested : all[i]->getTypes()) all.push_back(nested.value());
+        return all;
+    }
+    /// The signature with its type and qualifier, for messages.
+    static std::string place(const ZMetaType& type, const ZMethod& method) {
+        return text(type.getName()) + ": " + text(method.getSelector()) + " " + text(method.getQualifier());
+    }
+    /// What a script must not be given: an address without a type, or of a value that nobody counts.
+    static bool takesRawPointer(const ZSelector& signature) {
+        for (int i = 0; i < signature.parcount(); ++i) {
+            ZSelector par = signature.param(i);
+            if (par.ptrCount() == 0) continue;
+            const ZMetaType* type = ZMetaType::findExisting(par.mainType());
+            if (!type || type->kind() <= ZMetaType::Pointer || par.ptrCount() > 1 ||
+                par.mainType() == zsel<"ZTypedPtr">())
+                return true;
+        }
+        return false;
+    }
+};
+
+TEST_F(Audit, TypesAreFoundAndTheirBasesAreThere) {
+    ASSERT_GT(types().size(), 50u);
+    for (const ZMetaType* type : types()) {
+        SCOPED_TRACE(text(type->fullName()));
+        EXPECT_FALSE(type->getName().isEmpty());
+        EXPECT_NE(type->package(), nullptr);
+        const ZMetaType* owner = type->getOwnerType();
+        EXPECT_EQ(owner ? owner->findType(type->getName()) : ZMetaType::find(type->fullName()), type);
+        EXPECT_EQ(type->baseCount(), int(type->getBaseNames().count()));
+        for (int i = 0; i < type->baseCount(); ++i) {
+            const ZMetaType* base = type->baseType(i);
+            ASSERT_NE(base, nullptr);
+            EXPECT_TRUE(type->isDescendant(base) || type->isBase(base)) << text(base->getName());
+            EXPECT_GE(type->baseOffset(i), 0);
+            EXPECT_LE(type->baseOffset(i) + int(base->getSize()), int(type->getSize()));
+        }
+        EXPECT_TRUE(type->getSize() % type->getAlignment() == 0);
+    }
+}
+
+TEST_F(Audit, MethodsHaveEntriesAndKnownParameters) {
+    toolkit::EpochGuard guard;
+    int methods = 0, refused = 0;
+    for (ZMetaType* type : types())
+        for (const ZMethodPtr& entry : type->getMethodTypes()) {
+            const ZMethod& method = *entry.get();
+            SCOPED_TRACE(place(*type, method));
+            ++methods;
+            EXPECT_TRUE(method.hasStacked() || method.hasFunc());
+            EXPECT_EQ(method.getOwner(), type);
+            ZArrayT<ZMetaType*> parameters = method.paramTypes(type);
+            EXPECT_EQ(int(parameters.count()), method.paramCount() + 1);
+            bool life = method.isConstructor(type) || method.isDestructor(type);
+            for (uint i = life ? 1 : 0; i < parameters.count(); ++i) {
+                const ZMetaType* parameter = std::as_const(parameters)[i];
+                EXPECT_NE(parameter, nullptr) << "type " << i << ", " << text(method.paramType(int(i)));
+            }
+            // Found again by what it says of itself, in overload and signature.
+            EXPECT_EQ(type->methodType(method.getSelector(), method.getQualifier()), &method);
+            bool marked = method.hasOption(zsel<"unsafe">());
+            refused += marked;
+            EXPECT_TRUE(marked || !takesRawPointer(method.getSelector()));
+        }
+    std::printf("[ AUDIT    ] %zu types, %d methods, %d refused by a sandbox\n", types().size(), methods, refused);
+}
+
+TEST_F(Audit, PropertiesHaveTypesAndAccessors) {
+    toolkit::EpochGuard guard;
+    int properties = 0;
+    for (ZMetaType* type : types())
+        for (const ZPropertyPtr& entry : type->getPropertyTypes()) {
+            ASSERT_NE(entry.property(), nullptr);
+            const ZProperty& property = *entry.property();
+            SCOPED_TRACE(text(type->getName()) + "." + text(property.name()));
+            ++properties;
+            EXPECT_NE(property.value().type(), nullptr);
+            EXPECT_NE(property.getItemType(), nullptr);
+            if (property.dynamic()) continue;
+            ZTypedPtr typed(type, nullptr);
+            EXPECT_TRUE(type->getterMethod(&typed, &property, false, true, false) ||
+                        type->getterMethod(&typed, &property, false, false, false) ||
+                        type->getterMethod(&typed, &property, true, true, false))
+                << "no method " << text(property.getter(false, true, false));
+            EXPECT_TRUE(property.readOnly() || type->setterMethod(&typed, &property, false))
+                << "no method " << text(property.setter(false));
+            EXPECT_TRUE(!property.collection() || type->counterMethod(&typed, &property))
+                << "no method " << text(property.counter());
+        }
+    EXPECT_GT(properties, 0);
+    std::printf("[ AUDIT    ] %d properties\n", properties);
+}
+
+TEST_F(Audit, EnumsAgreeWithTheirFlags) {
+    int enums = 0, items = 0;
+    for (ZMetaType* type : types()) {
+        if (type->kind() != ZMetaType::Enum) continue;
+        SCOPED_TRACE(text(type->fullName()));
+        ++enums;
+        const ZEnum& names = static_cast<const ZEnumType*>(type)->data();
+        EXPECT_GT(names.count(), 0u);
+        uint seen = 0;
+        bool flags = true;
+        for (uint i = 0; i < names.count(); ++i) {
+            int value = names.valueAtIndex(int(i));
+            ZSelector name = names.nameAtIndex(int(i));
+            ++items;
+            EXPECT_EQ(names.value(name), value) << text(name);
+            EXPECT_EQ(names.name(value), name);
+            if (uint overlap = seen & uint(value); overlap && overlap != uint(value)) flags = false;
+            seen |= uint(value);
+        }
+        EXPECT_EQ(names.isBitFlags(), flags);
+    }
+    EXPECT_GT(enums, 0);
+    std::printf("[ AUDIT    ] %d enums with %d items\n", enums, items);
+}
+
+/// Made, copied, compared and ended, twice: the second time nothing may be left that the first one didn't leave.
+TEST_F(Audit, InstancesComeAndGo) {
+    auto cycle = [](ZMetaType* type) {
+        void* made = type->createInstance();
+        if (!made) return false;
+        EXPECT_EQ(type->compareInstance(made, made), 0);
+        if (void* copy = type->copyInstance(static_cast<const void*>(made))) {
+            EXPECT_NE(copy, made);
+            EXPECT_EQ(type->compareInstance(made, copy), 0);
+            EXPECT_TRUE(type->detachInstance(copy));
+            EXPECT_EQ(type->compareInstance(made, copy), 0);
+            type->releaseInstance(copy);
+        }
+        type->releaseInstance(made);
+        return true;
+    };
+    auto reclaim = [] {
+        for (int i = 0; i < 4; ++i) toolkit::epochCollect();
+    };
+    int made = 0;
+    for (ZMetaType* type : types()) {
+        if (type->kind() <= ZMetaType::Void || type->isZObject()) continue;
+        SCOPED_TRACE(text(type->fullName()));
+        made += cycle(type);
+        cycle(type);
+        reclaim();
+        auto before = CoreScope::liveBlocks();
+        cycle(type);
+        reclaim();
+        // Caches that were replaced before may go meanwhile.
+        for (const auto& [label, count] : CoreScope::liveBlocks()) EXPECT_LE(count, before[label]) << label;
+    }
+    EXPECT_GT(made, 50);
+    std::printf("[ AUDIT    ] %d types with instances\n", made);
+}
+
+} // namespace

@@ -1,0 +1,217 @@
+#include "object/ZMethodCall.h"
+
+#include "object/ZMethodRef.h"
+#include "object/methodLookup.h"
+#include "object/ztype.h"
+#include "tests/object/methodShapes.h"
+#include "tests/support/AllocProbe.h"
+#include "value/ZTypedPtr.h"
+
+#include <gtest/gtest.h>
+#include <string>
+
+namespace {
+
+std::string text(const ZString& string) {
+    char* bytes = string.astr();
+    std::string copy = bytes ? bytes : "";
+    zfree(bytes);
+    return copy;
+}
+/// What a variant holds, with its type in front; "null" for none.
+std::string shown(const ZVariant& value) {
+    if (!value.type()) return "null";
+    ZSelector name = value.mainType()->getName();
+    if (value.mainType() == ztype<CallToken>())
+        return "token " + std::to_string(static_cast<const CallToken*>(value.getPtr())->number);
+    return std::string(name.string()) + " " + text(value.toString());
+}
+
+constexpr char mixedSignature[] = "ZString mixed(bool, byte, short, large, float, const ZString&, const ZSelector&)";
+
+class MethodCalls : public MethodTest {
+protected:
+    CallShape shape;
+
+    ZVariant call(const char* name, const ZArrayT<ZVariant>& args) {
+        return orv::invokeByType(&shape, MethodTest::shape(), ZSelector(name), args.data(), int(args.count()));
+    }
+    /// By signature, so that no overload is chosen.
+    ZVariant exact(const char* signature, const ZArrayT<ZVariant>& args) {
+        return ZMethodRef(&shape, MethodTest::shape(), ZSelector(signature)).invoke(args);
+    }
+    static ZVariant token(int number) {
+        CallToken value(number);
+        return ZVariant(ztype<CallToken>(), &value);
+    }
+};
+
+} // namespace
+
+TEST_F(MethodCalls, ArgumentsAreConverted) {
+    CallSecond two(5);
+    const struct {
+        const char* name;
+        ZArrayT<ZVariant> args;
+        const char* result;
+    } rows[] = {
+        {"plain", list(), "int 7"},
+        {"add", list(3, 4), "int 7"},
+        {"add", list(3.5, 4.5), "real 8"},
+        {"add", list(3, 4.5), "int 7"}, // both as far: the first in the table
+        {"add", list(ZString("a"), ZString("b")), "ZString ab"},
+        {"ZString add(const ZString&, const ZString&)", list(ZSelector("a"), 5), "ZString a5"},
+        {"int add(int, int)", list(ZString("3"), byte(4)), "int 7"},
+        {"int add(int, int) const", list(1, 2), "int 3"},
+        {"mixed", list(true, 2, 3, 4, 2.5, ZString("f"), ZSelector("g")), "ZString 1 2 3 4 2.5 f g"},
+        {mixedSignature, list(ZString("yes"), ZString("2"), 3.9, 4, ZString("2.5"), 7, 8), "ZString 1 2 3 4 2.5 7 8"},
+        {"half", list(5.0), "float 2.5"},
+        {"half", list(5), "float 2.5"},
+        {"length", list(ZString("four")), "int 4"},
+        {"length", list(ZSelector("three")), "int 5"},
+        {"takes", list(12), "int 12"},
+        {"takes", list(ZString("12")), "int 12"},
+        {"changes", list(ZString("text")), "bool yes"},
+        {"getLabel", list(), "ZString label"},
+        {"rawLabel", list(), "ZString raw"},
+        {"twice", list(21), "int 42"},
+        {"token", list(9), "token 9"},
+        {"tokenNumber", list(token(8)), "int 8"},
+        {"tokenPointer", list(token(8)), "int 8"},
+        {"secondOf", list(ZVariant(ztype<CallSecond>(), &two)), "int 5"},
+        {"bool movesPointer(const CallToken*&)", list(token(8)), "bool yes"},
+        {"bool movesPointer(const CallToken*&)", list(), "bool no"},
+        {"bool movesPointer(const CallToken*&)", list(1), "null"},
+        {"nothing", list(), "null"},
+        // Surplus arguments go to an open one, and are left out otherwise; missing ones are constructed.
+        {"count", list(1), "int 100"},
+        {"count", list(1, 2, ZString("3"), token(4)), "int 103"},
+        {"all", list(), "int 0"},
+        {"all", list(1, 2), "int 2"},
+        {"gather", list(1, 2, 3), "int -3"},
+        {"int add(int, int)", list(3), "int 3"},
+        {"int add(int, int)", list(3, 4, 5), "int 7"},
+        {"tokenNumber", list(), "int 0"},
+        {"tokenPointer", list(), "int 0"},
+        {"takes", list(), "int 0"},
+        {"getLabel", list(1, 2), "ZString label"},
+        // The null value is 0 as a number, no instance as a pointer, and nothing as anything else.
+        {"int add(int, int)", list(ZVariant(), 4), "int 4"},
+        {"tokenPointer", list(ZVariant()), "int -1"},
+        {"takes", list(ZVariant()), "int 0"},
+        {"tokenNumber", list(ZVariant()), "null"},
+        // What can't be converted refuses the call.
+        {"int add(int, int)", list(token(1), 2), "null"},
+        {"int add(int, int)", list(ZString("x"), 2), "null"},
+        {"tokenNumber", list(ZVariant(ztype<CallSecond>(), &two)), "null"},
+        {"tokenPointer", list(ZString("token")), "null"},
+        {"length", list(token(1)), "null"},
+        {"secondOf", list(token(1)), "null"},
+        {"nosuch", list(), "null"},
+    };
+    const int before = CallToken::alive;
+    for (const auto& row : rows) EXPECT_EQ(shown(call(row.name, row.args)), row.result) << row.name;
+    EXPECT_EQ(CallToken::alive, before) << "what calls construct they destruct";
+}
+
+TEST_F(MethodCalls, APartOfTheRightClassIsPassed) {
+    CallShape other;
+    other.two = 77;
+    EXPECT_EQ(call("secondOf", list(ZVariant(MethodTest::shape(), &other))).toInt(), 77);
+    shape.two = 40;
+    EXPECT_EQ(call("secondPlus", list(2)).toInt(), 42) << "called on the base, which stands behind the first";
+}
+
+TEST_F(MethodCalls, SharedValuesAreNotWritten) {
+    ZArrayT<ZVariant> args = list(ZString("text"));
+    ZArrayT<ZVariant> shared = args;
+    EXPECT_TRUE(call("changes", args).toBool());
+    EXPECT_EQ(text(shared.data()[0].toString()), "text");
+    toolkit::EpochGuard guard;
+    ZMethodCall prepared(&shape, MethodTest::shape()->methodType("bool changes(ZString&)", {}), MethodTest::shape());
+    ASSERT_TRUE(prepared.add(args.data()[0]));
+    ASSERT_TRUE(prepared.invoke());
+    EXPECT_EQ(text(prepared.getParam(1).toString()), "text!") << "what was written shows in the call";
+}
+
+TEST_F(MethodCalls, ConstructorsAndInstances) {
+    EXPECT_EQ(shown(call("CallShape", list(3))), "null") << "what lives isn't built again";
+    EXPECT_EQ(shown(call("~CallShape", list())), "null");
+    EXPECT_EQ(shown(ZMethodRef(MethodTest::shape(), "int plain()").invoke(list())), "null") << "no instance";
+    EXPECT_EQ(shown(ZMethodRef(MethodTest::shape(), "int twice(int)").invoke(list(4))), "int 8");
+
+    const ZVariant made =
+        ZMethodRef(MethodTest::shape(), "CallShape(int, const ZString&)").invoke(list(3, ZString("made")));
+    ASSERT_EQ(made.mainType(), MethodTest::shape());
+    EXPECT_EQ(static_cast<const CallShape*>(made.getPtr())->value, 3);
+    EXPECT_EQ(text(static_cast<const CallShape*>(made.getPtr())->label), "made");
+    EXPECT_EQ(shown(ZMethodRef(ztype<CallToken>(), "CallToken(int)").invoke(list(6))), "token 6");
+    EXPECT_EQ(shown(ZMethodRef(ztype<CallToken>(), "CallToken(int)").invoke(list(ZString("x")))), "null");
+}
+
+TEST_F(MethodCalls, Places) {
+    toolkit::EpochGuard guard;
+    ZMetaType* type = MethodTest::shape();
+    const ZSelector mixed(mixedSignature);
+    ZMethodCall call(&shape, type->methodType(mixed, {}), type);
+    ASSERT_EQ(call.getParCount(), 8);
+    EXPECT_TRUE(call.hasReturn());
+    EXPECT_TRUE(call.addi(1) && call.addl(2) && call.addi(3) && call.addl(4) && call.addr(2.5));
+    const ZString label("f");
+    EXPECT_TRUE(call.addp(&label));
+    const ZVariant last(ZSelector("g"));
+    EXPECT_TRUE(call.addv(last));
+    EXPECT_FALSE(call.addi(9)) << "no place left";
+    EXPECT_EQ(call.getParam(5).toReal(), 2.5);
+    EXPECT_EQ(call.parType(4), ztype<large>());
+    EXPECT_TRUE(call.setParam(2, ZVariant(20)));
+    EXPECT_TRUE(call.setT(3, short(30)));
+    EXPECT_FALSE(call.setParam(8, ZVariant(1)));
+    ASSERT_TRUE(call.invoke());
+    EXPECT_EQ(text(call.getParam(0).toString()), "1 20 30 4 2.5 f g");
+    EXPECT_EQ(call.argArray().count(), 7u);
+    // The same arguments once more, by another call.
+    ZMethodCall second(&shape, type->methodType(mixed, {}), type);
+    ASSERT_TRUE(second.copyarg(call));
+    ASSERT_TRUE(second.invoke());
+    EXPECT_EQ(text(second.takeResult().toString()), "1 20 30 4 2.5 f g");
+    EXPECT_EQ(second.getParam(0).type(), nullptr) << "taken";
+    // Across types each is converted.
+    ZMethodCall sum(&shape, type->methodType("real add(real, real)", {}), type);
+    ASSERT_TRUE(sum.copyarg(call, 3, 2));
+    EXPECT_EQ(sum.callr(), 34);
+}
+
+TEST_F(MethodCalls, ArgumentLists) {
+    struct Lists {
+        static int call(CallShape* shape, ZMetaType* type, int count, ...) {
+            var_arg arguments;
+            va_start(arguments.list, count);
+            ZMethodCall call(shape, type->methodType("int add(int, int)", {}), type);
+            const bool added = call.addarg(&arguments, true);
+            va_end(arguments.list);
+            return added ? call.calli() : -1;
+        }
+    };
+    toolkit::EpochGuard guard;
+    EXPECT_EQ(Lists::call(&shape, MethodTest::shape(), 2, 40, 2), 42);
+}
+
+TEST_F(MethodCalls, NoMemoryIsARefusal) {
+    auto every = [&] {
+        int found = 0;
+        found += call("ZString add(const ZString&, const ZString&)", list(ZSelector("a"), 5)).isNull();
+        found += call("count", list(1, 2, 3, 4)).isNull();
+        found += call("token", list(3)).isNull();
+        found += call("tokenNumber", list()).isNull();
+        found += call("mixed", list(true, 2, 3, 4, 2.5, ZString("f"), ZSelector("g"))).isNull();
+        found += ZMethodRef(ztype<CallToken>(), "CallToken(int)").invoke(list(6)).isNull();
+        return found;
+    };
+    ASSERT_EQ(every(), 0);
+    failEachAllocation([&](AllocProbe&) {
+        every();
+        zrecover();
+    });
+    EXPECT_EQ(CallToken::alive, 0);
+}
