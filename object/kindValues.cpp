@@ -84,6 +84,23 @@ template <class T> bool readText(void* value, const ZString& text, bool (ZString
     return true;
 }
 int sign(int order) { return (order > 0) - (order < 0); }
+/// Bytes of a value of a plain kind. An enum has the size of its type.
+uint bytesOf(int kind, uint size) {
+    return kind <= ZMetaType::Void || (kind == ZMetaType::Enum && size) ? size : kindSize(kind);
+}
+/// An enum's value, whatever its size.
+large enumAt(const void* value, uint size) {
+    switch (size) {
+    case 1:
+        return fetch<int8>(value);
+    case 2:
+        return fetch<int16>(value);
+    case 8:
+        return fetch<large>(value);
+    default:
+        return fetch<int>(value);
+    }
+}
 
 } // namespace
 
@@ -98,7 +115,7 @@ uint kindSize(int kind) {
 
 void constructKind(int kind, void* memory, uint size) {
     // Empty texts and selectors are zero bytes too.
-    if (isPlainKind(kind)) std::memset(memory, 0, kind <= ZMetaType::Void ? size : kindSize(kind));
+    if (isPlainKind(kind)) std::memset(memory, 0, bytesOf(kind, size));
 }
 
 void destructKind(int kind, void* value) {
@@ -114,12 +131,13 @@ void copyKind(int kind, void* target, const void* source, uint size) {
     else if (kind == ZMetaType::Selector)
         *static_cast<ZSelector*>(target) = name(source);
     else if (isPlainKind(kind))
-        std::memmove(target, source, kind <= ZMetaType::Void ? size : kindSize(kind));
+        std::memmove(target, source, bytesOf(kind, size));
 }
 
 int orderKind(int kind, const void* a, const void* b, uint size) {
     if (kind == ZMetaType::String) return sign(text(a).compare(text(b)));
     if (kind == ZMetaType::Selector) return name(a).compare(name(b));
+    if (kind == ZMetaType::Enum) return zcompare(enumAt(a, size), enumAt(b, size));
     int order = 0;
     if (withNumber(kind, [&]<class T>(KindOf<T>) { order = zcompare(fetch<T>(a), fetch<T>(b)); })) return order;
     return isPlainKind(kind) ? sign(std::memcmp(a, b, size)) : 0;
