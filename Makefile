@@ -32,10 +32,11 @@ asan: deps ## runs the tests under the address and undefined-behaviour sanitizer
 	$(call BUILD,asan)
 	ctest --test-dir build/asan --output-on-failure -j$(JOBS)
 
-tsan: deps ## runs the tests under the thread sanitizer
+TSAN_TESTS ?= toolkit core text
+tsan: deps ## runs the tests of TSAN_TESTS under the thread sanitizer
 	@$(call CONFIGURE,tsan)
-	$(call BUILD,tsan)
-	ctest --test-dir build/tsan --output-on-failure -j$(JOBS)
+	$(call BUILD,tsan) --target $(TSAN_TESTS:%=test_%)
+	ctest --test-dir build/tsan --output-on-failure -j$(JOBS) $(TSAN_TESTS:%=-L %)
 
 FUZZ_SECONDS ?= 10
 fuzz: deps ## runs each fuzzer on its corpus for FUZZ_SECONDS

@@ -88,18 +88,11 @@ int sign(int order) { return (order > 0) - (order < 0); }
 uint bytesOf(int kind, uint size) {
     return kind <= ZMetaType::Void || (kind == ZMetaType::Enum && size) ? size : kindSize(kind);
 }
-/// An enum's value, whatever its size.
-large enumAt(const void* value, uint size) {
-    switch (size) {
-    case 1:
-        return fetch<int8>(value);
-    case 2:
-        return fetch<int16>(value);
-    case 8:
-        return fetch<large>(value);
-    default:
-        return fetch<int>(value);
-    }
+/// An enum's bits, whatever its size.
+ularge enumAt(const void* value, uint size) {
+    if (size == 1) return fetch<byte>(value);
+    if (size == 2) return fetch<word>(value);
+    return size == 8 ? fetch<ularge>(value) : fetch<uint>(value);
 }
 
 } // namespace

@@ -83,9 +83,17 @@ protected:
     ularge state = 20240229;
 };
 
+/// A C++ enum has no room for numbers beyond its enumerators, so these methods aren't for numbers of all sizes.
+bool takesEnum(const ZMethod& method, const ZMetaType& type) {
+    for (int i = 1; i <= method.paramCount(); ++i)
+        if (const ZMetaType* parameter = method.parType(i, &type))
+            if (parameter->getDataType()->kind() == ZMetaType::Enum) return true;
+    return false;
+}
+
 bool callable(const ZMethod& method, const ZMetaType& type) {
-    return !method.isConstructor(&type) && !method.isDestructor(&type) && method.getSandBoxLevel() <= 0 &&
-           !method.hasOption(zsel<"unsafe">());
+    return !takesEnum(method, type) && !method.isConstructor(&type) && !method.isDestructor(&type) &&
+           method.getSandBoxLevel() <= 0 && !method.hasOption(zsel<"unsafe">());
 }
 
 TEST_F(MethodCalls, ArgumentsThatDoNotFitAreConvertedOrRefused) {
