@@ -197,10 +197,6 @@ public:
 
     // Work
 
-    /// The items that an instance of `type` has in this collection; 0 for what is none.
-    int countItems(ZMetaType* type, const void* instance) const;
-    /// Gives an object the setter methods of this dynamic property. Once, unless `force`. False without memory.
-    bool setupMethods(ZObject* object, bool force);
 
     /// Marks the record as being walked; false if it is, or is a link. The caller holds the owner's write lock, or has
     /// the owner alone.
