@@ -32,10 +32,10 @@ asan: deps ## runs the tests under the address and undefined-behaviour sanitizer
 	$(call BUILD,asan)
 	ctest --test-dir build/asan --output-on-failure -j$(JOBS)
 
-tsan: deps ## runs the tests of toolkit, core and text under the thread sanitizer
+tsan: deps ## runs the tests under the thread sanitizer
 	@$(call CONFIGURE,tsan)
-	$(call BUILD,tsan) --target test_toolkit test_core test_text
-	ctest --test-dir build/tsan --output-on-failure -j$(JOBS) -R '^(toolkit|core|text)$$'
+	$(call BUILD,tsan)
+	ctest --test-dir build/tsan --output-on-failure -j$(JOBS)
 
 FUZZ_SECONDS ?= 10
 fuzz: deps ## runs each fuzzer on its corpus for FUZZ_SECONDS

@@ -78,8 +78,10 @@ enum class How { member, constMember, function, adapter };
 template <How how, class C, class Get> struct Call {
     // The sanitizer of g++ takes the part of a second base, to which a member pointer moves, for a whole instance.
     template <class... A>
-    [[gnu::no_sanitize("alignment", "vptr")]] static decltype(auto) run([[maybe_unused]] const void* instance,
-                                                                        A&&... a) {
+#ifndef __clang__
+    [[gnu::no_sanitize("alignment", "vptr")]]
+#endif
+    static decltype(auto) run([[maybe_unused]] const void* instance, A&&... a) {
         if constexpr (how == How::constMember)
             return (static_cast<const C*>(instance)->*Get{}())(std::forward<A>(a)...);
         else if constexpr (how == How::member)
