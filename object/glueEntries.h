@@ -81,7 +81,8 @@ template <How how, class C, class Get> struct Call {
 #ifndef __clang__
     [[gnu::no_sanitize("alignment", "vptr")]]
 #endif
-    static decltype(auto) run([[maybe_unused]] const void* instance, A&&... a) {
+    static decltype(auto)
+    run([[maybe_unused]] const void* instance, A&&... a) {
         if constexpr (how == How::constMember)
             return (static_cast<const C*>(instance)->*Get{}())(std::forward<A>(a)...);
         else if constexpr (how == How::member)
