@@ -139,8 +139,9 @@ std::string joined(const std::vector<std::string>& parts, const char* between) {
 }
 
 void printRow(const TypeText& type, std::FILE* out) {
-    std::fprintf(out, "%-36s %-10s %5u  %s\n", type.name.c_str(), type.kind.c_str(), type.size,
-                 joined(type.bases, ", ").c_str());
+    std::string bases = joined(type.bases, ", ");
+    std::fprintf(out, "%-24s %-10s %5u  %s%s%s\n", type.name.c_str(), type.kind.c_str(), type.size,
+                 type.package.c_str(), bases.empty() ? "" : " : ", bases.c_str());
 }
 
 void printWhole(const TypeText& type, const TypeOptions& options, std::FILE* out) {
@@ -231,7 +232,7 @@ void printJson(const TypeText& type, const TypeOptions& options, std::FILE* out)
     std::fputc('}', out);
 }
 
-/// All declared types, by package and name.
+/// All declared types, by name.
 std::vector<ZMetaType*> declaredTypes() {
     std::vector<ZMetaType*> types;
     ZPackage* root = ZPackage::root();
@@ -273,7 +274,7 @@ int unknownType(const std::string& name, const std::vector<ZMetaType*>& types, s
     std::sort(close.begin(), close.end());
     std::string message = "no type \"" + name + "\"";
     for (size_t i = 0; i < close.size() && i < 3; ++i) message += (i ? ", " : "; did you mean ") + close[i].second;
-    complain("types", message, log);
+    complain("types", close.empty() ? message : message + "?", log);
     return Failed;
 }
 
@@ -300,7 +301,6 @@ int printTypes(const TypeOptions& options, std::FILE* out, std::FILE* log) {
         return Done;
     }
     const char* between = "[";
-    std::string package;
     for (ZMetaType* type : types) {
         TypeText row = describe(*type, options.methods, options.properties);
         if (options.json) {
@@ -320,7 +320,8 @@ int printTypes(const TypeOptions& options, std::FILE* out, std::FILE* log) {
 
 void addTypes(CLI::App& app, int& exit) {
     auto options = std::make_shared<TypeOptions>();
-    CLI::App* command = app.add_subcommand("types", "Lists the registered types, or tells all about one");
+    CLI::App* command = app.add_subcommand(
+        "types", "Lists the registered types (name, kind, bytes, package, bases), or tells all about one");
     command->add_option("NAME", options->name, "the type to tell about; all types without it");
     command->add_flag("--methods", options->methods, "also the signature of each method");
     command->add_flag("--properties", options->properties, "also each property with its words");
