@@ -58,9 +58,9 @@ install: deps ## installs the library, its headers, orv and the CMake and pkg-co
 	$(call BUILD,release) --target orvcore orv
 	cmake --install build/release
 
-check: deps ## clang-tidy over the library
-	@$(call CONFIGURE,dev)
-	run-clang-tidy -quiet -p build/dev '$(CURDIR)/(toolkit|core|text|object|value|module|tools)/.*\.cpp'
+check: ## clang-tidy over the library
+	@$(call CONFIGURE,fuzz)
+	run-clang-tidy -quiet -p build/fuzz '$(CURDIR)/(toolkit|core|text|object|value|module|tools)/.*\.cpp'
 
 format: ## clang-format over all sources
 	git ls-files '*.h' '*.cpp' | xargs clang-format -i
