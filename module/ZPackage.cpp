@@ -167,7 +167,9 @@ void ZPackage::releaseTypes() {
         typeIndex.clear();
         all.swap(types);
     }
-    orv::typesChanged();
+    orv::typesRemoved();
+    // Those that were resolved while the package was closing.
+    inlineTypes.resetAll();
     const Types& own = all;
     for (const auto& entry : own) {
         entry.value()->clearLinkedTypes();

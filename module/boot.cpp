@@ -113,9 +113,11 @@ bool openPackages() {
         done &= package != nullptr;
         if (package) package->release();
     }
-    // Types that were made before those of their metatypes.
+    // Types that were made before those that they name.
     for (ZPackage* package : opened)
         if (package) package->resetBases();
+    for (ZPackage* package : opened)
+        if (package) package->setupImplicitMap();
     return done;
 }
 

@@ -63,7 +63,8 @@ void ZPackage::unlinkType(ZMetaType* type) {
         ZScopedLock held(*static_cast<const ZPackage*>(link->user));
         link->user->usedIndex.drop(name, type);
     }
-    orv::typesChanged();
+    orv::typesRemoved();
+    ZInlineType::forget(type);
 }
 
 bool ZPackage::addTypes(const ZArrayT<ZMetaType*>& all) {

@@ -79,27 +79,10 @@ template <class F> bool ZDetachContext::within(F&& detach) {
     return !whole.tooDeep() && detach();
 }
 
-/// What is no instance: containers hand this context on to what they hold.
-bool ZDetachContext::detachPlain(ZVariant& value) {
-    void* held = value.detach() ? value.getPtr() : nullptr;
-    switch (held ? value.typeIndexLabel() : ZMetaType::NoLabel) {
-    case ZMetaType::Array:
-        return static_cast<ZVArray*>(held)->deepDetach(this);
-    case ZMetaType::HashSet:
-        return static_cast<ZVHashSet*>(held)->deepDetach(this);
-    case ZMetaType::SelectMap:
-        return static_cast<ZVSelectMap*>(held)->deepDetach(this);
-    case ZMetaType::KeyMap:
-        return static_cast<ZVKeyMap*>(held)->deepDetach(this);
-    default:
-        return value.deepDetach(this);
-    }
-}
-
 bool ZDetachContext::detachVariant(ZVariant& value) {
     return within([&] {
         ZType* instance = value.toType();
-        if (!instance) return detachPlain(value);
+        if (!instance) return value.detach() && value.deepDetach(this);
         instance = instance->retain();
         if (!instance) return false;
         // The variant's reference would count as somebody else's.

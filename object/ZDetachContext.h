@@ -57,7 +57,6 @@ private:
     using Map = ZHashMapT<ZTypePtrKey, ZKeyValueT<ZTypePtrKey, ZTypePtrKey>>;
 
     ZType* replacement(ZType* instance, bool copyShared);
-    bool detachPlain(ZVariant& value);
     template <class F> bool within(F&& detach);
     template <class T> static bool alone(T& value, bool (ZDetachContext::*detach)(T&));
 

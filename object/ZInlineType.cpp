@@ -22,22 +22,30 @@ ZMetaType* ZInlineType::find(const ZSelector& selector) const {
 ZMetaType* ZInlineType::resolve(const char* text) const {
     const ularge now = orv::typeGeneration();
     if (toolkit::load(missed) == now) return nullptr;
-    ZMetaType* found = nullptr;
-    if (!name.get().isEmpty())
-        found = find(name.get());
-    else if (text)
-        found = find(ZSelector(text));
-    if (!found) {
-        toolkit::store(missed, now);
-        return nullptr;
+    for (;;) {
+        const ularge removals = orv::typeRemovals();
+        ZMetaType* found = nullptr;
+        if (!name.get().isEmpty())
+            found = find(name.get());
+        else if (text)
+            found = find(ZSelector(text));
+        if (!found) {
+            toolkit::store(missed, now);
+            return nullptr;
+        }
+        ZPackage* owner = found->package();
+        ZScopedLock held(guard);
+        if (metaType) return metaType;
+        list = owner ? &owner->inlines() : &unowned;
+        list->link(*this);
+        // Whoever removes types from now on finds the record in its list, and waits for it.
+        if (orv::typeRemovals() == removals) {
+            toolkit::storeRelease(metaType, found);
+            return found;
+        }
+        list->unlink(*this);
+        list = nullptr;
     }
-    ZScopedLock held(guard);
-    if (metaType) return metaType;
-    ZPackage* owner = found->package();
-    list = owner ? &owner->inlines() : &unowned;
-    list->link(*this);
-    toolkit::storeRelease(metaType, found);
-    return found;
 }
 
 void ZInlineType::reset() const {
@@ -88,6 +96,11 @@ void ZInlineType::clear() {
 
 void ZInlineType::resetInvalid() { unowned.resetAll(); }
 
+void ZInlineType::forget(const ZMetaType* type) {
+    if (const ZPackage* owner = type->package()) owner->inlines().reset(type);
+    unowned.reset(type);
+}
+
 void InlineTypeList::link(const ZInlineType& record) {
     ZScopedLock held(guard);
     record.prev = nullptr;
@@ -111,6 +124,22 @@ void InlineTypeList::resetAll() {
     for (;;) {
         guard.lock();
         const ZInlineType* record = first;
+        guard.unlock();
+        if (!record) return;
+        record->reset();
+    }
+}
+
+/// A record that has no type yet may be about to have this one.
+void InlineTypeList::reset(const ZMetaType* type) {
+    for (;;) {
+        guard.lock();
+        const ZInlineType* record = first;
+        while (record) {
+            const ZMetaType* known = toolkit::load(record->metaType);
+            if (!known || known == type) break;
+            record = record->next;
+        }
         guard.unlock();
         if (!record) return;
         record->reset();

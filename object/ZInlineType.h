@@ -45,6 +45,8 @@ public:
     void clear();
     /// Resets the records of types without a package.
     static void resetInvalid();
+    /// Resets the records of a type that goes; `orv::typesRemoved` comes first.
+    static void forget(const ZMetaType* type);
 
 private:
     friend struct InlineTypeList;
@@ -71,6 +73,8 @@ struct InlineTypeList {
 
     /// Also unlinks them.
     ORV_API void resetAll();
+    /// Only those of that type.
+    void reset(const ZMetaType* type);
 
 private:
     friend class ZInlineType;

@@ -3,6 +3,7 @@
 #include "core/ZInternal.h"
 #include "core/construct.h"
 #include "core/memlock.h"
+#include "object/ZInlineType.h"
 #include "object/ZMetaTypeData.h"
 #include "object/ZObjectData.h"
 #include "object/kindValues.h"
@@ -125,7 +126,13 @@ void ZMetaType::labelLock(const ZSelector& name) {
 }
 
 void ZMetaType::copyRecord(const orv::MetaTypeData& source) {
-    ZScopedReadLock held(source.change);
+    {
+        ZScopedReadLock held(source.change);
+        copyFields(source);
+    }
+    if (!copyBases(source)) ZError::fail();
+}
+void ZMetaType::copyFields(const orv::MetaTypeData& source) {
     orv::MetaTypeData& to = *own;
     to.package = source.package;
     to.qualifier = source.qualifier;
@@ -150,13 +157,15 @@ void ZMetaType::copyRecord(const orv::MetaTypeData& source) {
     to.declaration = source.declaration;
     to.selectorGroups = source.selectorGroups;
     std::memcpy(to.callbacks, source.callbacks, sizeof to.callbacks);
-    if (!copyBases(source)) ZError::fail();
 }
 
 ZMetaType::~ZMetaType() {
     if (!own) return;
     // Only an instance knows its private copy.
-    if (!own->localType) orv::typesRemoved();
+    if (!own->localType) {
+        orv::typesRemoved();
+        ZInlineType::forget(this);
+    }
     dropObjects();
     dropCategories();
     clearVariants();
@@ -323,21 +332,28 @@ void ZMetaType::setIndexLabel(int label) { own->indexLabel = label; }
 uint ZMetaType::getInternalSize() const { return (own->internalSize + 15) & ~15u; }
 void ZMetaType::setInternalSize(uint bytes) {
     own->internalSize = bytes;
-    own->calculatedInternalSize = -1;
+    orv::typesChanged();
 }
 bool ZMetaType::dynamicInternal() const { return own->dynamicInternal; }
 void ZMetaType::setDynamicInternal(bool on) { own->dynamicInternal = on; }
 int ZMetaType::internalOffset() const { return own->internalOffset; }
 void ZMetaType::setInternalOffset(int bytes) { own->internalOffset = bytes; }
 
+/// Asked for each new instance, so the sum is kept until types change.
 int ZMetaType::calcInternalSize(bool whole) const {
+    if (!whole) return int(getInternalSize());
+    const ularge now = orv::typeGeneration() << 32;
+    const ularge known = toolkit::load(own->calculatedInternal);
+    if (ORV_LIKELY(known >> 32 == now >> 32)) return int(uint(known));
+    toolkit::EpochGuard guard;
+    const orv::AncestorList* list = orv::ancestorsOf(this);
     ularge size = getInternalSize();
-    if (!whole) return int(size);
-    orv::eachAncestor(this, [&](const orv::Ancestor& at) {
-        if (!at.isAlias) size += at.type->getInternalSize();
-        return true;
-    });
-    return size > 0x7FFFFFFF ? -1 : int(size);
+    if (!list) return int(size);
+    for (const orv::Ancestor *at = list->entries(), *end = at + list->count; at < end; ++at)
+        if (!at->isAlias) size += at->type->getInternalSize();
+    const uint whole32 = size > 0x7FFFFFFF ? ~0u : uint(size);
+    toolkit::store(own->calculatedInternal, now | whole32);
+    return int(whole32);
 }
 
 // Callbacks
@@ -352,7 +368,10 @@ void ZMetaType::setCallback(CallBack index, ZTypeCallback function) {
     if (uint(index) >= CallBackCount) return;
     toolkit::storeRelease(own->callbacks[index], function);
     // A table that somebody asked for before is built anew.
-    if (index == CreateTypes) toolkit::storeRelease(own->typesState, byte(orv::tableUnbuilt));
     if (index == CreateMethods) resetMethodTypes();
-    if (index == CreateProperties) own->properties.reset();
+    if (index == CreateProperties) orv::resetProperties(this);
+    if (index != CreateTypes && index != CreateDispatch) return;
+    ZScopedLock held(own->change);
+    toolkit::addFetch(index == CreateTypes ? own->typesResets : own->dispatchResets, 1u);
+    toolkit::storeRelease(index == CreateTypes ? own->typesState : own->dispatchState, byte(orv::tableUnbuilt));
 }

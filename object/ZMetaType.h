@@ -4,6 +4,7 @@
 #include "core/ZListT.h"
 #include "core/ZSelectorMap.h"
 #include "object/ZObject.h"
+#include "object/typeKinds.h"
 
 namespace orv {
 struct BaseLink;
@@ -21,58 +22,10 @@ using ZTypeCallback = void (*)();
 /// The run-time description of a type: name, kind, size, bases, methods, properties, flags, option words, and how
 /// instances of it are made, ended, copied, compared, converted and blended through untyped pointers. A metatype is an
 /// object. Its package owns it; any thread may look things up in it. Tables are built when first asked for, published
-/// whole and never changed in place: a lookup takes no lock.
-class ORV_API ZMetaType : public ZObject {
+/// whole and never changed in place: a lookup takes no lock. The kinds (`ZMetaType::Int` …) and flags are those of
+/// `orv::TypeKinds`.
+class ORV_API ZMetaType : public ZObject, public orv::TypeKinds {
 public:
-    /// The kind. Order matters: see `primitive`, `isZType`, `isZObject`, `atomicData`.
-    enum Type : byte {
-        Unknown,
-        Void,
-        Bool,
-        Char,
-        Byte,
-        Short,
-        Word,
-        Int,
-        UInt,
-        Large,
-        ULarge,
-        Enum,
-        Float,
-        Double,
-        Real,
-        Selector,
-        String,
-        Pointer,
-        TypeDef,
-        Structure,
-        Composite,
-        Class,
-        Interface,
-        Atomic,
-        Dynamic,
-        Object
-    };
-    enum Flags : uint {
-        Final = 1,
-        Public = 2,
-        Polymorphic = 4,
-        Lockable = 8,
-        Wrapper = 16,
-        BlockBMethod = 32,
-        BlockBProperty = 64,
-        Container = 64,
-        Created = 128,
-        RefStore = 256,
-        Traverse = 512,
-        Storable = 1024,
-        Mutex = 2048,
-        Variable = 4096,
-        StorageBase = 8192,
-        Retaining = 16384,
-        PointerKey = 32768,
-        PrimaryBase = 0x10000
-    };
     /// Places in the callback table, with the function type of each. The type given is the one whose instance is made,
     /// which may be derived from the one that has the callback.
     enum CallBack {
@@ -792,6 +745,7 @@ protected:
     void setup(const ZSelector& name, Type kind);
     void labelLock(const ZSelector& name);
     void copyRecord(const orv::MetaTypeData& source);
+    void copyFields(const orv::MetaTypeData& source);
     bool copyBases(const orv::MetaTypeData& source);
     void enterPackage(ZPackage* package);
     void leaveMainType();
@@ -799,6 +753,9 @@ protected:
     bool rejoinCategory(ZTypeCategory* category);
     void dropCategories();
     template <class F> bool eachDispatch(F&& call);
+    template <class F> bool changeDispatch(F&& change);
+    void publishDispatch(const DispatchTable& dispatch);
+    static void leaveOwner(ZMetaType* type);
     /// A new variant of this type, with one reference. Where the class has operations of its own on instances, variants
     /// that are no pointers are of the class too.
     virtual ZMetaType* makeVariant(const ZSelector& name);
@@ -813,6 +770,7 @@ protected:
     bool buildInstance(void* zeroed);
     ZSelector derefReference() const;
     ZMetaType* findNested(const ZSelector& name) const;
+    const ZMetaType* existing(const ZSelector& name) const;
     /// Lets the main type go, which goes itself.
     void standAlone();
     bool acceptsBase(const ZMetaType* base) const;

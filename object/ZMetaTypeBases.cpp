@@ -1,5 +1,6 @@
 #include "core/debug.h"
 #include "object/ZMetaTypeData.h"
+#include "object/packageTypes.h"
 
 #include <cstring>
 
@@ -125,6 +126,11 @@ void ZMetaType::copyLinks(ZArrayT<orv::BaseLink>& bases, ZArrayT<orv::BaseLink>&
     aliases = own->aliases;
 }
 
+/// What a name stands for from here, if there is such a type already: names are asked by scripts and tools too.
+const ZMetaType* ZMetaType::existing(const ZSelector& name) const {
+    return name.isEmpty() ? nullptr : orv::findPackageType(own->package, name, false);
+}
+
 bool ZMetaType::isBase(const ZMetaType* other) const { return comparable(this, other) && descends(this, other, false); }
 bool ZMetaType::isDescendant(const ZMetaType* other) const { return other && other->isBase(this); }
 bool ZMetaType::isBase(const ZSelector& name) const {
@@ -133,12 +139,9 @@ bool ZMetaType::isBase(const ZSelector& name) const {
         found = !at.isAlias && at.type->record().name == name;
         return !found;
     });
-    return found;
+    return found || isBase(existing(name));
 }
-bool ZMetaType::isDescendant(const ZSelector& name) const {
-    const ZMetaType* other = findType(name);
-    return other && isDescendant(other);
-}
+bool ZMetaType::isDescendant(const ZSelector& name) const { return isDescendant(existing(name)); }
 
 bool ZMetaType::isAliasOf(const ZMetaType* other) const {
     if (!other) return false;
@@ -148,10 +151,12 @@ bool ZMetaType::isAliasOf(const ZMetaType* other) const {
     return false;
 }
 bool ZMetaType::isAliasOf(const ZSelector& name) const {
-    ZScopedReadLock held(relationType()->own->basetype);
-    for (const orv::BaseLink& link : relationType()->own->aliases)
-        if (link.name == name) return true;
-    return false;
+    {
+        ZScopedReadLock held(relationType()->own->basetype);
+        for (const orv::BaseLink& link : relationType()->own->aliases)
+            if (link.name == name) return true;
+    }
+    return isAliasOf(existing(name));
 }
 
 bool ZMetaType::typeOf(const ZMetaType* other) const {
@@ -167,7 +172,7 @@ bool ZMetaType::typeOf(const ZSelector& name) const {
         found = at.type->record().name == name;
         return !found;
     });
-    return found || isAliasOf(name) || hasCategory(name);
+    return found || isAliasOf(name) || hasCategory(name) || typeOf(existing(name));
 }
 
 bool ZMetaType::upcastOffset(const ZMetaType* base, int& offset) const {
@@ -244,23 +249,26 @@ void ZMetaType::setBaseOffset(int index, int bytes) {
 }
 
 ZMetaType* ZMetaType::primaryBase() const { return toolkit::loadAcquire(relationType()->own->primaryBase); }
-bool ZMetaType::isSingleBase() const { return toolkit::load(relationType()->own->singleBase); }
+/// The line of bases has no fork anywhere.
+bool ZMetaType::isSingleBase() const {
+    const ZMetaType* type = relationType();
+    int count = type->baseCount();
+    if (count == 0) return false;
+    while (count == 1) {
+        type = type->primaryBase();
+        count = type ? type->baseCount() : 0;
+    }
+    return count == 0;
+}
 
-/// Works `primaryBase` and `singleBase` out of the list; under the base lock, but for what it asks the base.
 void ZMetaType::basesWereSet() {
     ZMetaType* first = nullptr;
-    int count = 0;
     {
         ZScopedReadLock held(own->basetype);
-        for (const orv::BaseLink& link : own->bases) {
-            if (!link.type) continue;
+        for (const orv::BaseLink& link : own->bases)
             if (!first) first = link.type;
-            ++count;
-        }
     }
     toolkit::storeRelease(own->primaryBase, first);
-    toolkit::store(own->singleBase, count == 1 && (first->baseCount() == 0 || first->isSingleBase()));
-    own->calculatedInternalSize = -1;
     orv::typesChanged();
 }
 

@@ -233,9 +233,14 @@ bool ZMetaType::deepDetachInstance(void* instance, ZDetachContext* context) cons
     if (done && typeKind > Pointer) {
         const ZMetaType* actual = actualType(instance);
         toolkit::EpochGuard guard;
-        ZMethod* method = actual->inlineOperation(orv::MetaTypeData::inlineDeepDetach).getMethod();
-        done = method ? callBool(actual, method, instance, nullptr, 0, true)
-                      : actual->deepDetachProperties(instance, context);
+        const void* word = context;
+        if (ZMethod* within =
+                context ? actual->inlineOperation(orv::MetaTypeData::inlineDeepDetachWithin).getMethod() : nullptr)
+            done = callBool(actual, within, instance, &word, 1, true);
+        else if (ZMethod* alone = actual->inlineOperation(orv::MetaTypeData::inlineDeepDetach).getMethod())
+            done = callBool(actual, alone, instance, nullptr, 0, true);
+        else
+            done = actual->deepDetachProperties(instance, context);
     }
     --depth;
     return done;

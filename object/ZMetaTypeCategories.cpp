@@ -5,6 +5,7 @@
 #include "object/ZProperty.h"
 #include "object/ZTypeCategory.h"
 #include "object/dispatchEntries.h"
+#include "object/tableBuild.h"
 
 // How categories extend a type, and the signals that a type's instances answer because of it.
 
@@ -29,17 +30,20 @@ bool declares(const MethodTable& table, const ZMethod* method) {
 bool joinMethods(ZMetaType* type, CategoryLink& link) {
     MethodTable all;
     if (!link.category->collectMethods(all)) return false;
+    const MethodTable* building = orv::methodsUnderConstruction(type);
+    auto known = [&](const ZMethod* method) {
+        toolkit::EpochGuard guard;
+        return declares(building ? *building : type->getMethodTypes(), method);
+    };
     for (const ZMethodPtr& entry : std::as_const(all)) {
-        const orv::MethodTables& tables = type->record().methods;
-        const MethodTable declared = tables.building ? tables.building->declared : type->getMethodTypes();
-        if (declares(declared, entry.get())) continue;
+        if (known(entry.get())) continue;
         ZMethod* own = entry.get()->copy();
         CategoryMethod brought;
         brought.selector = entry.get()->getSelector();
         brought.qualifier = entry.get()->getQualifier();
         brought.method = own;
         bool done = own && link.methods.append(brought);
-        if (done) done = type->appendMethod(own);
+        if (done) done = building ? type->appendMethod(own) : type->setMethodType(own, false) || known(own);
         ZMethod::release(own);
         if (!done) return false;
     }
@@ -49,12 +53,15 @@ bool joinMethods(ZMetaType* type, CategoryLink& link) {
 bool joinProperties(ZMetaType* type, CategoryLink& link) {
     PropertyTable all;
     if (!link.category->collectProperties(all)) return false;
-    for (const ZPropertyPtr& entry : std::as_const(all)) {
-        const PropertyTable* building = type->record().properties.building;
+    auto known = [&](const ZSelector& name) {
         toolkit::EpochGuard guard;
-        const PropertyTable& declared = building ? *building : type->getPropertyTypes();
-        if (declared.contains(entry.key())) continue;
-        if (!link.properties.append(entry.key()) || !type->addPropertyDef(entry)) return false;
+        return type->getPropertyTypes().contains(name);
+    };
+    for (const ZPropertyPtr& entry : std::as_const(all)) {
+        if (known(entry.key())) continue;
+        if (!link.properties.append(entry.key())) return false;
+        // Another thread may bring it at the same time.
+        if (!type->addPropertyDef(entry) && !known(entry.key())) return false;
     }
     return true;
 }
@@ -97,6 +104,17 @@ CategoryLink* linkOf(orv::MetaTypeData& data, const ZTypeCategory* category) {
     return nullptr;
 }
 
+/// What a thread fills for `ZMetaType::createDispatch`.
+using DispatchBuilding = orv::TableBuild<DispatchTable>;
+
+bool addEntries(DispatchTable& table, const DispatchTable& from) {
+    if (from.isEmpty()) return true;
+    if (!table.detach()) return false;
+    for (const ZMethodDispatch& entry : from)
+        if (!table.add(entry)) return false;
+    return true;
+}
+
 ZTypeCategory* findCategory(const ZMetaType* type, const ZSelector& name) {
     const ZPackage* package = type ? type->package() : nullptr;
     if (!package) package = ZPackage::root();
@@ -107,19 +125,37 @@ ZTypeCategory* findCategory(const ZMetaType* type, const ZSelector& name) {
 
 namespace orv {
 
-bool joinCategoryMethods(ZMetaType* type) {
-    MetaTypeData& data = type->record();
-    for (uint i = 0; i < data.categories.count(); ++i) {
-        data.categories[i].methods.clear();
-        if (!joinMethods(type, data.categories[i])) return false;
+CategoryCopies::~CategoryCopies() {
+    for (const CategoryLink& link : std::as_const(links)) link.category->release();
+}
+bool CategoryCopies::take(const MetaTypeData& of) {
+    ZScopedReadLock held(of.change);
+    for (const CategoryLink& link : of.categories) {
+        if (!links.append(link)) return false;
+        link.category->retain();
     }
     return true;
 }
-bool joinCategoryProperties(ZMetaType* type) {
-    MetaTypeData& data = type->record();
-    for (uint i = 0; i < data.categories.count(); ++i) {
-        data.categories[i].properties.clear();
-        if (!joinProperties(type, data.categories[i])) return false;
+template <class T> void CategoryCopies::keep(MetaTypeData& of, T CategoryLink::*what) const {
+    for (const CategoryLink& link : links)
+        if (CategoryLink* now = linkOf(of, link.category)) now->*what = link.*what;
+}
+template void CategoryCopies::keep(MetaTypeData&, ZArrayT<CategoryMethod> CategoryLink::*) const;
+template void CategoryCopies::keep(MetaTypeData&, ZArrayT<ZSelector> CategoryLink::*) const;
+
+bool joinCategoryMethods(ZMetaType* type, CategoryCopies& categories) {
+    if (!categories.take(type->record())) return false;
+    for (uint i = 0; i < categories.links.count(); ++i) {
+        categories.links[i].methods.clear();
+        if (!joinMethods(type, categories.links[i])) return false;
+    }
+    return true;
+}
+bool joinCategoryProperties(ZMetaType* type, CategoryCopies& categories) {
+    if (!categories.take(type->record())) return false;
+    for (uint i = 0; i < categories.links.count(); ++i) {
+        categories.links[i].properties.clear();
+        if (!joinProperties(type, categories.links[i])) return false;
     }
     return true;
 }
@@ -143,6 +179,7 @@ bool ZMetaType::addCategory(ZTypeCategory* category) {
     bool done = category->linkType(this);
     {
         ZScopedLock held(own->change);
+        if (done && linkOf(*own, category)) return true;
         done = done && own->categories.append(link);
         if (done) category->retain();
     }
@@ -160,14 +197,7 @@ bool ZMetaType::addCategory(ZTypeCategory* category) {
 
 /// Brings into built tables what a linked category has.
 bool ZMetaType::joinCategory(ZTypeCategory* category) {
-    ZScopedLock held(own->change);
-    CategoryLink* link = linkOf(*own, category);
-    if (!link) return false;
-    CategoryLink joined(*link);
-    const bool done = joinTypes(this, joined) && joinMethods(this, joined) && joinProperties(this, joined);
-    // Whatever came of it can be undone.
-    if (CategoryLink* now = linkOf(*own, category)) *now = joined;
-    return done && category->extendDispatch(this);
+    return rejoinCategory(category) && (!hasCategory(category) || category->extendDispatch(this));
 }
 
 bool ZMetaType::removeCategory() {
@@ -209,13 +239,18 @@ bool ZMetaType::removeCategory(ZTypeCategory* category) {
     return done;
 }
 
-/// Brings what a category has and others no longer hide; entries of signals are there already.
+/// Brings what a category has and the type hasn't; signals aside.
 bool ZMetaType::rejoinCategory(ZTypeCategory* category) {
-    ZScopedLock held(own->change);
-    CategoryLink* link = linkOf(*own, category);
-    if (!link) return true;
-    CategoryLink joined(*link);
+    CategoryLink joined;
+    {
+        ZScopedReadLock held(own->change);
+        const CategoryLink* link = linkOf(*own, category);
+        if (!link) return true;
+        joined = *link;
+    }
     const bool done = joinTypes(this, joined) && joinMethods(this, joined) && joinProperties(this, joined);
+    // Whatever came of it can be undone.
+    ZScopedLock held(own->change);
     if (CategoryLink* now = linkOf(*own, category)) *now = joined;
     return done;
 }
@@ -249,49 +284,65 @@ void ZMetaType::resetCategories() {
 // Signals
 
 bool ZMetaType::createDispatch() {
-    if (ORV_LIKELY(toolkit::loadAcquire(own->dispatchState) == orv::tableBuilt)) return true;
-    ZScopedLock held(own->change);
-    if (own->dispatchState != orv::tableUnbuilt) return true;
-    auto build = reinterpret_cast<bool (*)(ZMetaType*)>(getCallback(CreateDispatch));
-    own->dispatchState = orv::tableBuilding;
-    const bool done = !build || build(this);
-    toolkit::storeRelease(own->dispatchState, done ? orv::tableBuilt : orv::tableUnbuilt);
-    return done;
+    for (;;) {
+        if (ORV_LIKELY(toolkit::loadAcquire(own->dispatchState) == orv::tableBuilt)) return true;
+        if (DispatchBuilding::find(this)) return true;
+        DispatchBuilding building(this);
+        const uint resets = toolkit::loadAcquire(own->dispatchResets);
+        auto build = reinterpret_cast<bool (*)(ZMetaType*)>(getCallback(CreateDispatch));
+        if (build && !build(this)) return false;
+        ZScopedLock held(own->change);
+        if (own->dispatchState == orv::tableBuilt || own->dispatchResets != resets) continue;
+        if (!addEntries(building.table, own->dispatch)) return false;
+        publishDispatch(building.table);
+        toolkit::storeRelease(own->dispatchState, byte(orv::tableBuilt));
+        return true;
+    }
 }
 
-bool ZMetaType::setTypeMethodDispatch(const DispatchTable& dispatch) {
-    ZScopedLock held(own->change);
+/// Under the change lock.
+void ZMetaType::publishDispatch(const DispatchTable& dispatch) {
     own->dispatch = dispatch;
     toolkit::storeRelease(own->hasDispatch, !dispatch.isEmpty());
+}
+/// Changes the table that this thread is building, or a copy of the type's, which then takes its place.
+template <class F> bool ZMetaType::changeDispatch(F&& change) {
+    if (DispatchTable* building = DispatchBuilding::find(this)) return change(*building);
+    ZScopedLock held(own->change);
+    DispatchTable table(own->dispatch);
+    if (!change(table)) return false;
+    publishDispatch(table);
     return true;
 }
+bool ZMetaType::setTypeMethodDispatch(const DispatchTable& dispatch) {
+    return changeDispatch([&](DispatchTable& table) {
+        table = dispatch;
+        return true;
+    });
+}
 ZObject::DispatchTable ZMetaType::getTypeMethodDispatch() const {
+    if (const DispatchTable* building = DispatchBuilding::find(this)) return *building;
     const_cast<ZMetaType*>(this)->createDispatch();
     if (!toolkit::loadAcquire(own->hasDispatch)) return {};
     ZScopedReadLock held(own->change);
     return own->dispatch;
 }
 bool ZMetaType::addTypeDispatch(const DispatchTable& dispatch) {
-    ZScopedLock held(own->change);
-    DispatchTable table(own->dispatch);
-    if (!table.detach()) return false;
-    for (const ZMethodDispatch& entry : dispatch)
-        if (!table.add(entry)) return false;
-    return setTypeMethodDispatch(table);
+    return changeDispatch([&](DispatchTable& table) { return addEntries(table, dispatch); });
 }
 /// Takes an equal entry away for each of these.
 bool ZMetaType::removeTypeDispatch(const DispatchTable& dispatch) {
-    ZScopedLock held(own->change);
-    DispatchTable table(own->dispatch);
-    if (dispatch.isEmpty() || table.isEmpty()) return true;
-    if (!table.detach()) return false;
-    for (const ZMethodDispatch& gone : dispatch)
-        for (const ZMethodDispatch* at = table.find(gone.key()); at; at = table.findNext(at))
-            if (at->compare(gone) == 0) {
-                table.remove(at);
-                break;
-            }
-    return setTypeMethodDispatch(table);
+    return changeDispatch([&](DispatchTable& table) {
+        if (dispatch.isEmpty() || table.isEmpty()) return true;
+        if (!table.detach()) return false;
+        for (const ZMethodDispatch& gone : dispatch)
+            for (const ZMethodDispatch* at = table.find(gone.key()); at; at = table.findNext(at))
+                if (at->compare(gone) == 0) {
+                    table.remove(at);
+                    break;
+                }
+        return true;
+    });
 }
 
 void ZMetaType::useTypeDispatch() { toolkit::storeRelease(own->dispatchStale, true); }

@@ -2,6 +2,7 @@
 #include "object/ZMetaTypeData.h"
 #include "object/glueRows.h"
 #include "object/kindValues.h"
+#include "object/packageTypes.h"
 #include "value/ZVariant.h"
 
 #include <cstring>
@@ -19,7 +20,8 @@ template <class F> void eachConversion(const ZMetaType* type, F use) {
         // What is pointed to can't be converted in place.
         const ZSelector parameter = signature.param(0);
         if (parameter.ptrCount() > 0) return true;
-        const ZMetaType* source = type->findType(parameter.mainType());
+        // Signatures spell a nested type behind its owner, so that the package finds it too, and builds nothing for it.
+        const ZMetaType* source = orv::findPackageType(type->package(), parameter.mainType(), false);
         return !source || source->relationType() == type || use(const_cast<ZMetaType*>(source->relationType()));
     };
     if (const orv::glue::ClassRow* row = type->declaration()) {

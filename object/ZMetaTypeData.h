@@ -102,7 +102,7 @@ struct MetaTypeData {
     uint internalSize = 0;
     int internalOffset = 0;
     bool dynamicInternal = false;
-    int calculatedInternalSize = -1;
+    ularge calculatedInternal = 0; ///< of all bases too: the `typeGeneration` times 2^32, plus the bytes
 
     // Base graph
 
@@ -112,7 +112,6 @@ struct MetaTypeData {
     ZListT<ZMetaType*> implicitTo, implicitFrom; ///< not retained: who goes leaves the lists of others
     toolkit::EpochPtr<AncestorList> ancestors;
     ZMetaType* primaryBase = nullptr;
-    bool singleBase = false;
 
     // Relatives
 
@@ -124,12 +123,14 @@ struct MetaTypeData {
     ZMetaType* ownerType = nullptr; ///< the one that this is nested in
     ZMetaType::Types nested;
     byte typesState = tableUnbuilt; ///< of `nested`
+    uint typesResets = 0;           ///< how often they were thrown away
     ZArrayT<CategoryLink> categories;
 
     // Signals
 
     ZObject::DispatchTable dispatch;
     byte dispatchState = tableUnbuilt; ///< of `dispatch`
+    uint dispatchResets = 0;
     bool hasDispatch = false;          ///< `dispatch` isn't empty
     bool dispatchStale = false;        ///< what its entries found isn't used again
 
@@ -169,6 +170,7 @@ struct MetaTypeData {
         inlineNamedLoadXST,
         inlineStoreXST,
         inlineNamedStoreXST,
+        inlineDeepDetachWithin, ///< with the context of the detach that it is part of
         inlineCount
     };
     ZInlineMethod operations[inlineCount];

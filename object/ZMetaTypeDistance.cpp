@@ -23,15 +23,29 @@ int plus(int distance, large more) {
 bool isNumber(const ZMetaType* type) { return type->kind() >= ZMetaType::Bool && type->kind() <= ZMetaType::Real; }
 bool isReal(const ZMetaType* type) { return type->kind() >= ZMetaType::Float; }
 
-/// From one type up to another by way of bases and aliases: a direct one costs 5, each step further `d * 4 + 8`.
-int climb(const ZMetaType* from, const ZMetaType* to) {
+int betweenNumbers(const ZMetaType* from, const ZMetaType* to) {
+    return from->kind() == to->kind() ? 0 : isReal(from) == isReal(to) ? 2 : 3;
+}
+
+/// From one type up to another by way of bases and aliases: a direct one costs 5, each step further `d * 4 + 8`. A type
+/// that is derived from a number serves for other numbers too.
+int climb(const ZMetaType* from, const ZMetaType* to, bool byValue) {
     uint depth = 0;
+    large distance = 5;
+    const bool wantsNumber = byValue && isNumber(to);
     orv::eachAncestor(from, [&](const orv::Ancestor& at) {
-        if (at.type == to) depth = at.depth;
-        return depth == 0;
+        if (at.type == to) {
+            depth = at.depth;
+            distance = 5;
+            return false;
+        }
+        if (!depth && wantsNumber && isNumber(at.type)) {
+            depth = at.depth;
+            distance = betweenNumbers(at.type, to) * 4 + 8;
+        }
+        return true;
     });
     if (depth == 0) return noMatch;
-    large distance = 5;
     while (--depth && distance < farthest) distance = distance * 4 + 8;
     return saturated(distance);
 }
@@ -54,9 +68,9 @@ int ZMetaType::distance(const ZMetaType* other, bool implicit) const {
             if (from == to || from->rootType() == to->rootType())
                 found = 0;
             else if (byValue && isNumber(from) && isNumber(to))
-                found = from->kind() == to->kind() ? 0 : isReal(from) == isReal(to) ? 2 : 3;
+                found = betweenNumbers(from, to);
             else
-                found = climb(from, to->rootType());
+                found = climb(from, to->rootType(), byValue);
             if (!contained) found = plus(found, 1);
         }
     }
@@ -68,11 +82,13 @@ int ZMetaType::implicitDistance(const ZMetaType* other) const {
     if (!other || other->own->ptrCount) return noMatch;
     if (other->isVariant()) return asVariant;
     if (own->ptrCount) return noMatch;
-    const ZMetaType *from = relationType(), *to = other->relationType();
-    ZScopedReadLock held(to->own->basetype);
-    for (const ZMetaType* source : to->own->implicitFrom)
-        if (source == from) return converted;
-    return noMatch;
+    // What is near to the argument of a converting constructor converts too, as in C++.
+    int nearest = noMatch;
+    for (const ZMetaType* source : other->getImplicitFrom()) {
+        const int distance = relationType()->distance(source, false);
+        if (distance >= 0 && (nearest < 0 || distance < nearest)) nearest = distance;
+    }
+    return nearest < 0 ? noMatch : converted + nearest;
 }
 
 int ZMetaType::distance(const ZArrayT<ZMetaType*>& arguments, const ZArrayT<ZMetaType*>& parameters, bool skipResult,

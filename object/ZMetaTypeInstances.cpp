@@ -46,6 +46,7 @@ int sign(int order) { return (order > 0) - (order < 0); }
 
 } // namespace
 
+/// A class whose declaration says that it can't be made or copied isn't made or copied as its base.
 ZTypeCallback ZMetaType::instanceCallback(CallBack index) const {
     const ZMetaType* type = typeKind == Pointer ? nullptr : described();
     while (type) {
@@ -53,7 +54,7 @@ ZTypeCallback ZMetaType::instanceCallback(CallBack index) const {
         if (type->mainType)
             type = type->mainType;
         else
-            type = type->typeKind >= Dynamic ? type->primaryBase() : nullptr;
+            type = type->typeKind >= Dynamic && !type->own->declaration ? type->primaryBase() : nullptr;
     }
     return nullptr;
 }
@@ -135,6 +136,7 @@ bool ZMetaType::buildInstance(void* instance) {
     toolkit::EpochGuard guard;
     ZMethod* method = inlineOperation(Data::inlineConstructor).getMethod();
     if (!method || !method->hasStacked()) return typeKind < Dynamic;
+    if (typeKind >= Dynamic && own->declaration && method->getOwner() != relationType()) return false;
     ZFailGuard failures;
     const __ZPassMetaType* block[1] = {orv::passType(this)};
     method->getStacked()(instance, method, block);
@@ -317,6 +319,7 @@ ZSelector ZMetaType::operationName(int which) const {
         "bool loadXST(const ZXSTNode*, const ZSelector&)",
         "bool storeXST(ZXSTNode*)",
         "bool storeXST(ZXSTNode*, const ZSelector&)",
+        "bool deepDetach(ZDetachContext*)",
     };
     switch (which) {
     case Data::inlineConstructor:

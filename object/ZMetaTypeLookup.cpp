@@ -1,5 +1,7 @@
+#include "object/ZInlineType.h"
 #include "object/ZMetaTypeData.h"
 #include "object/packageTypes.h"
+#include "object/tableBuild.h"
 
 #include <cstring>
 
@@ -76,7 +78,11 @@ bool ZMetaType::isPluginType(const ZSelector& id) const { return !id.isEmpty() &
 
 // Nested types
 
+/// What a thread fills for `ZMetaType::createTypes`.
+using TypesBuilding = orv::TableBuild<ZMetaType::Types>;
+
 ZMetaType::Types ZMetaType::getTypes() const {
+    if (const Types* building = TypesBuilding::find(described())) return *building;
     const_cast<ZMetaType*>(described())->createTypes();
     ZScopedReadLock held(described()->own->change);
     return described()->own->nested;
@@ -96,9 +102,12 @@ bool ZMetaType::setTypes(const Types& types) {
 bool ZMetaType::addType(ZMetaType* type) {
     if (!type || type == this || type->mainType) return false;
     const ZSelector name = type->own->name.type() == ZSelector::Types ? type->own->name.baseName() : type->own->name;
-    {
+    const ZRetainKeyT<ZSelector, ZMetaType> entry(name, type);
+    if (Types* building = TypesBuilding::find(this)) {
+        if (!building->set(entry)) return false;
+    } else {
         ZScopedLock held(own->change);
-        if (!own->nested.set(ZRetainKeyT<ZSelector, ZMetaType>(name, type))) return false;
+        if (!own->nested.set(entry)) return false;
     }
     toolkit::storeRelease(type->own->ownerType, this);
     return true;
@@ -110,7 +119,7 @@ bool ZMetaType::removeType(const ZSelector& name) {
         if (const auto* known = std::as_const(own->nested).get(name)) gone = *known;
         if (!gone || !own->nested.remove(name)) return false;
     }
-    toolkit::storeRelease(gone->own->ownerType, nullptr);
+    leaveOwner(gone);
     return true;
 }
 bool ZMetaType::removeType(const ZMetaType* type) {
@@ -120,14 +129,22 @@ bool ZMetaType::removeType(const ZMetaType* type) {
     return !name.isEmpty() && removeType(name);
 }
 
+/// A type that isn't found in its owner any more; code that refers to it by name looks it up anew.
+void ZMetaType::leaveOwner(ZMetaType* type) {
+    toolkit::storeRelease(type->own->ownerType, nullptr);
+    orv::typesRemoved();
+    ZInlineType::forget(type);
+}
+
 void ZMetaType::clearSubTypes() {
     Types gone;
     {
         ZScopedLock held(own->change);
         gone.swap(own->nested);
+        toolkit::addFetch(own->typesResets, 1u);
         toolkit::store(own->typesState, orv::tableUnbuilt);
     }
-    for (const auto& entry : std::as_const(gone)) toolkit::storeRelease(entry.value()->own->ownerType, nullptr);
+    for (const auto& entry : std::as_const(gone)) leaveOwner(entry.value());
 }
 void ZMetaType::removeSubTypes() {
     for (const auto& entry : getTypes()) {
@@ -142,14 +159,21 @@ void ZMetaType::resetSubTypes() {
 }
 
 bool ZMetaType::createTypes() {
-    if (ORV_LIKELY(toolkit::loadAcquire(own->typesState) == orv::tableBuilt)) return true;
-    // Others wait until the table is whole; the builder itself, asking for what it has so far, doesn't.
-    ZScopedLock held(own->change);
-    if (own->typesState != orv::tableUnbuilt) return true;
-    using Callback = bool (*)(ZMetaType*);
-    auto callback = getCallback(CreateTypes);
-    own->typesState = orv::tableBuilding;
-    const bool done = !callback || reinterpret_cast<Callback>(callback)(this);
-    toolkit::storeRelease(own->typesState, done ? orv::tableBuilt : orv::tableUnbuilt);
-    return done;
+    for (;;) {
+        if (ORV_LIKELY(toolkit::loadAcquire(own->typesState) == orv::tableBuilt)) return true;
+        // Asked by its own builder, who gets what it has so far.
+        if (TypesBuilding::find(this)) return true;
+        TypesBuilding building(this);
+        const uint resets = toolkit::loadAcquire(own->typesResets);
+        auto build = reinterpret_cast<bool (*)(ZMetaType*)>(getCallback(CreateTypes));
+        if (build && !build(this)) return false;
+        ZScopedLock held(own->change);
+        if (own->typesState == orv::tableBuilt || own->typesResets != resets) continue;
+        Types all = own->nested;
+        for (const auto& entry : std::as_const(building.table))
+            if (!all.set(entry)) return false;
+        own->nested.swap(all);
+        toolkit::storeRelease(own->typesState, byte(orv::tableBuilt));
+        return true;
+    }
 }

@@ -5,11 +5,27 @@
 #include "object/inlineLinks.h"
 #include "object/methodLookup.h"
 #include "object/names.h"
+#include "object/tableBuild.h"
 #include "value/ZTypedPtr.h"
 
 // The methods of a metatype: its tables, and what is asked of them.
 
 namespace orv {
+
+/// What a thread fills for `ZMetaType::createMethods`.
+struct MethodBuild {
+    MethodTable* table = nullptr;
+    CategoryCopies categories;
+
+    ~MethodBuild() { zrelease(table); }
+};
+using MethodBuilding = TableBuild<MethodBuild>;
+
+const MethodTree* methodsUnderConstruction(const ZMetaType* type) {
+    const MethodBuild* building = MethodBuilding::find(type);
+    return building ? &building->table->declared : nullptr;
+}
+
 namespace {
 
 void reclaimTable(toolkit::EpochLink* link) { zrelease(static_cast<MethodTable*>(link)); }
@@ -50,11 +66,13 @@ void adopt(ZMetaType* type, ZMethod* method) {
 template <class F> bool edit(ZMetaType* type, F change) {
     MethodTables& tables = type->record().methods;
     MethodTable* old;
-    {
-        ZScopedLock held(type->record().change);
+    for (;;) {
         if (!type->createMethods()) return false;
+        ZScopedLock held(type->record().change);
         old = tables.published.load();
-        MethodTable* fresh = old ? zmake<MethodTable>(*old) : nullptr;
+        // It may have been reset again by now.
+        if (!old) continue;
+        MethodTable* fresh = zmake<MethodTable>(*old);
         if (!fresh) return false;
         fresh->next = nullptr;
         if (!change(*fresh)) {
@@ -63,6 +81,7 @@ template <class F> bool edit(ZMetaType* type, F change) {
         }
         tables.user = fresh->user;
         (void)tables.published.publish(fresh);
+        break;
     }
     typesChanged();
     toolkit::epochRetire(old, reclaimTable);
@@ -154,8 +173,8 @@ const MethodTable* methodTable(const ZMetaType* type) {
     }
 }
 bool reserveMethods(ZMetaType* type, uint count) {
-    MethodTable* building = type->record().methods.building;
-    return building && building->declared.init(count, 100);
+    MethodBuild* building = MethodBuilding::find(type);
+    return building && building->table->declared.init(count, 100);
 }
 
 MethodTables::~MethodTables() {
@@ -181,35 +200,32 @@ using namespace orv;
 
 bool ZMetaType::createMethods() {
     MethodTables& tables = own->methods;
-    if (tables.published.load()) return true;
-    ZScopedLock held(own->change);
-    if (tables.published.load()) return true;
-    // Asked by its own builder: there is nothing yet.
-    if (tables.building) return false;
-    tables.building = zmake<orv::MethodTable>();
-    if (!tables.building) return false;
-    if (own->declaration) reserveMethods(this, uint(own->declaration->methods.count));
-    auto build = reinterpret_cast<bool (*)(ZMetaType*)>(getCallback(CreateMethods));
-    const bool built = (!build || build(this)) && orv::joinCategoryMethods(this);
-    orv::MethodTable* fresh = std::exchange(tables.building, nullptr);
-    if (!built) {
-        zrelease(fresh);
-        return false;
+    for (;;) {
+        if (tables.published.load()) return true;
+        // Asked by its own builder: there is nothing yet.
+        if (MethodBuilding::find(this)) return false;
+        MethodBuilding building(this);
+        MethodBuild& fresh = building.table;
+        const uint resets = toolkit::loadAcquire(tables.resets);
+        fresh.table = zmake<orv::MethodTable>();
+        if (!fresh.table) return false;
+        if (own->declaration) reserveMethods(this, uint(own->declaration->methods.count));
+        auto build = reinterpret_cast<bool (*)(ZMetaType*)>(getCallback(CreateMethods));
+        if ((build && !build(this)) || !orv::joinCategoryMethods(this, fresh.categories)) return false;
+        ZScopedLock held(own->change);
+        if (tables.published.load() || tables.resets != resets) continue;
+        fresh.categories.keep(*own, &CategoryLink::methods);
+        fresh.table->user = tables.user;
+        (void)tables.published.publish(std::exchange(fresh.table, nullptr));
+        return true;
     }
-    fresh->user = tables.user;
-    (void)tables.published.publish(fresh);
-    return true;
 }
 bool ZMetaType::appendMethod(ZMethod* method) {
     if (!method) return false;
-    {
-        ZScopedLock held(own->change);
-        // Only its builder finds a table under construction: it has the lock.
-        if (orv::MethodTable* building = own->methods.building) {
-            adopt(this, method);
-            method->setDeclared(true);
-            return addEntry(building->declared, method);
-        }
+    if (MethodBuild* building = MethodBuilding::find(this)) {
+        adopt(this, method);
+        method->setDeclared(true);
+        return addEntry(building->table->declared, method);
     }
     return edit(this, [&](orv::MethodTable& table) {
         if (!addEntry(table.declared, method)) return false;
@@ -221,6 +237,7 @@ void ZMetaType::resetMethodTypes() {
     orv::MethodTable* old;
     {
         ZScopedLock held(own->change);
+        toolkit::addFetch(own->methods.resets, 1u);
         old = own->methods.published.publish(nullptr);
     }
     typesChanged();
@@ -231,8 +248,7 @@ void ZMetaType::resetMethodTypes() {
 bool ZMetaType::typesAreReset() const { return !own->methods.published.load() && !own->properties.types.load(); }
 void ZMetaType::resetType(bool build) {
     resetMethodTypes();
-    own->properties.reset();
-    typesChanged();
+    orv::resetProperties(this);
     if (!build) return;
     createTypes();
     createMethods();

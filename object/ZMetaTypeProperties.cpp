@@ -4,6 +4,7 @@
 #include "object/ZPropertyRef.h"
 #include "object/propertyAccess.h"
 #include "object/propertyTables.h"
+#include "object/tableBuild.h"
 #include "value/ZTypedPtr.h"
 #include "value/ZVariant.h"
 
@@ -34,18 +35,27 @@ bool replace(PropertyTree& tree, const ZProperty& property) {
     return tree.remove(property.name()) && putNew(tree, property);
 }
 
+/// What a thread fills for `ZMetaType::createProperties`.
+using PropertyBuilding = orv::TableBuild<PropertyTree>;
+
 /// Changes a table: the one that this thread is building, or a copy of the published one, which then takes its place.
 template <class F> bool changeTable(ZMetaType& type, bool user, F change) {
     orv::PropertyTables& tables = type.record().properties;
-    if (!user && tables.building && tables.builder == toolkit::threadNumber()) return change(*tables.building);
+    if (!user)
+        if (PropertyTree* building = PropertyBuilding::find(&type)) return change(*building);
     orv::PublishedProperties* old = nullptr;
-    {
+    for (;;) {
+        if (!user && !type.createProperties()) return false;
         toolkit::EpochGuard guard;
-        if (!user) orv::declaredProperties(&type);
         ZScopedLock held(type.record().change);
-        PropertyTree tree = user ? orv::userProperties(&type) : orv::declaredProperties(&type);
-        if (!change(tree)) return false;
-        if (!orv::publishProperties(user ? tables.users : tables.types, std::move(tree), true, old)) return false;
+        auto& place = user ? tables.users : tables.types;
+        const orv::PublishedProperties* now = place.load();
+        // The declared ones may have been reset again by now.
+        if (!user && !now) continue;
+        PropertyTree tree;
+        if (now) tree = now->tree;
+        if (!change(tree) || !orv::publishProperties(place, std::move(tree), true, old)) return false;
+        break;
     }
     orv::retireProperties(old);
     return true;
@@ -77,19 +87,38 @@ void moveTo(ZTypedPtr* typed, ZMetaType* owner, int offset) {
 
 bool ZMetaType::createProperties() {
     orv::PropertyTables& tables = own->properties;
-    if (tables.types.load()) return true;
-    ZScopedLock held(own->change);
-    if (tables.types.load() || tables.building) return true;
-    PropertyTree tree;
-    tables.building = &tree;
-    toolkit::store(tables.builder, toolkit::threadNumber());
-    auto build = reinterpret_cast<bool (*)(ZMetaType*)>(getCallback(CreateProperties));
-    bool built = (!build || build(this)) && orv::joinCategoryProperties(this);
-    tables.building = nullptr;
-    toolkit::store(tables.builder, 0u);
-    orv::PublishedProperties* old = nullptr;
-    return built && orv::publishProperties(tables.types, std::move(tree), false, old);
+    for (;;) {
+        if (tables.types.load() || PropertyBuilding::find(this)) return true;
+        PropertyBuilding building(this);
+        orv::CategoryCopies categories;
+        const uint resets = toolkit::loadAcquire(tables.resets);
+        auto build = reinterpret_cast<bool (*)(ZMetaType*)>(getCallback(CreateProperties));
+        if ((build && !build(this)) || !orv::joinCategoryProperties(this, categories)) return false;
+        ZScopedLock held(own->change);
+        if (tables.types.load() || tables.resets != resets) continue;
+        categories.keep(*own, &orv::CategoryLink::properties);
+        orv::PublishedProperties* none = nullptr;
+        return orv::publishProperties(tables.types, std::move(building.table), false, none);
+    }
 }
+
+namespace orv {
+
+const PropertyTree* propertiesUnderConstruction(const ZMetaType* type) { return PropertyBuilding::find(type); }
+
+void resetProperties(ZMetaType* type) {
+    PropertyTables& tables = type->record().properties;
+    PublishedProperties* old;
+    {
+        ZScopedLock held(type->record().change);
+        toolkit::addFetch(tables.resets, 1u);
+        old = tables.types.publish(nullptr);
+    }
+    typesChanged();
+    retireProperties(old);
+}
+
+} // namespace orv
 
 // User properties
 

@@ -6,6 +6,7 @@
 #include "value/ZVariant.h"
 
 #include <cstring>
+#include <new>
 
 namespace {
 
@@ -41,12 +42,19 @@ constexpr const char* signatures[] = {
 };
 static_assert(sizeof signatures / sizeof *signatures == orv::syntheticCount);
 
-/// One call: finds the method, then its arguments go into a block, then it runs.
-class SyntheticCall {
-public:
-    SyntheticCall(const ZMetaType* type, Synthetic operation, const ZTypedPtr& typed) : owner(typed) {
-        if (!typed.instance) return;
-        orv::SyntheticMethods* methods = orv::syntheticMethods(type);
+/// An argument as its slot holds it: an object by its address, a number or a pointer as it is.
+template <class T> const void* slot(const T& object) { return &object; }
+const void* slot(const void* pointer) { return pointer; }
+int slot(int number) { return number; }
+int slot(bool flag) { return flag; }
+
+/// The method by which a type answers an operation, and the part of the instance that it is called on.
+struct Answering {
+    ZMethod* method = nullptr;
+    const void* instance = nullptr;
+
+    Answering(const ZMetaType* type, Synthetic operation, const ZTypedPtr& typed) {
+        orv::SyntheticMethods* methods = typed.instance ? orv::syntheticMethods(type) : nullptr;
         if (!methods) return;
         orv::CachedMethod& place = methods->places[int(operation)];
         ZSelector signature;
@@ -58,199 +66,115 @@ public:
         method = found;
         instance = static_cast<char*>(typed.instance) + offset;
     }
-    SyntheticCall(const SyntheticCall&) = delete;
-
-    explicit operator bool() const { return method != nullptr; }
-    /// The argument for the instance that owns what is found.
-    SyntheticCall& place() { return add(static_cast<const void*>(&owner)); }
-    template <class T> SyntheticCall& reference(const T& value) { return add(static_cast<const void*>(&value)); }
-    SyntheticCall& pointer(const void* value) { return add(value); }
-    SyntheticCall& number(int value) { return add(value); }
-    /// Runs it with room for its result; false, with `result` as it was, if there is no method.
-    bool run(void* result) {
-        if (!method) return false;
-        std::memcpy(block, &result, sizeof result);
-        method->getStacked()(instance, method, block);
-        return true;
-    }
-    template <class R> R answer() {
-        R result{};
-        run(&result);
-        return result;
-    }
-    ZVariant value() {
-        alignas(ZVariant) byte room[sizeof(ZVariant)];
-        if (!run(room)) return ZVariant();
-        auto made = reinterpret_cast<ZVariant*>(room);
-        ZVariant result(std::move(*made));
-        made->~ZVariant();
-        return result;
-    }
-
-private:
-    template <class T> SyntheticCall& add(const T& value) {
-        std::memcpy(block + filled, &value, sizeof value);
-        filled += sizeof value;
-        return *this;
-    }
-
-    toolkit::EpochGuard guard;
-    ZMethod* method = nullptr;
-    const void* instance = nullptr;
-    ZTypedPtr owner;
-    size_t filled = 8;
-    alignas(8) byte block[48];
 };
+
+/// Calls the method that answers an operation; `otherwise` if the type has none.
+template <class R, class... A>
+R ask(R otherwise, const ZMetaType* type, Synthetic operation, const ZTypedPtr& typed, const A&... given) {
+    toolkit::EpochGuard guard;
+    const Answering answering(type, operation, typed);
+    if (!answering.method) return otherwise;
+    alignas(R) byte room[sizeof(R)];
+    byte block[8 + 8 * sizeof...(A)], *end = block;
+    auto add = [&end](auto word) {
+        std::memcpy(end, &word, sizeof word);
+        end += sizeof word;
+    };
+    add(static_cast<void*>(room));
+    (add(slot(given)), ...);
+    answering.method->getStacked()(answering.instance, answering.method, block);
+    auto made = std::launder(reinterpret_cast<R*>(room));
+    R result(std::move(*made));
+    made->~R();
+    return result;
+}
+/// The same for operations that also say which instance owns what was found, and may say that it is another one.
+template <class R, class... A>
+R askAt(R otherwise, const ZMetaType* type, Synthetic operation, const ZTypedPtr& typed, const A&... given) {
+    ZTypedPtr owner(typed);
+    return ask(std::move(otherwise), type, operation, typed, owner, given...);
+}
 
 } // namespace
 
-uint ZMetaType::syntheticPropertyCount(const ZTypedPtr& typed) const {
-    return SyntheticCall(this, Synthetic::Count, typed).answer<uint>();
-}
-
+uint ZMetaType::syntheticPropertyCount(const ZTypedPtr& typed) const { return ask(0u, this, Synthetic::Count, typed); }
 bool ZMetaType::syntheticProperty(const ZTypedPtr& typed, const ZSelector& name, ZProperty& found, bool resolve) const {
-    return SyntheticCall(this, Synthetic::Property, typed)
-        .place()
-        .reference(name)
-        .reference(found)
-        .number(resolve)
-        .answer<bool>();
+    return askAt(false, this, Synthetic::Property, typed, name, found, resolve);
 }
-
 bool ZMetaType::syntheticPropertyNames(const ZTypedPtr& typed, ZArrayT<ZSelector>& names) const {
-    return SyntheticCall(this, Synthetic::Names, typed).reference(names).answer<bool>();
+    return ask(false, this, Synthetic::Names, typed, names);
 }
-
 bool ZMetaType::hasSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name) const {
-    return SyntheticCall(this, Synthetic::Has, typed).place().reference(name).answer<bool>();
+    return askAt(false, this, Synthetic::Has, typed, name);
 }
-
 ZMetaType* ZMetaType::getSyntheticPropertyType(const ZTypedPtr& typed, const ZSelector& name) const {
-    return SyntheticCall(this, Synthetic::Type, typed).reference(name).answer<ZMetaType*>();
+    return ask(static_cast<ZMetaType*>(nullptr), this, Synthetic::Type, typed, name);
 }
-
 ZVariant ZMetaType::getSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name, bool expand) const {
-    return SyntheticCall(this, Synthetic::Get, typed).place().reference(name).number(expand).value();
+    return askAt(ZVariant(), this, Synthetic::Get, typed, name, expand);
 }
-
 ZVariant ZMetaType::getSyntheticPropertyItem(const ZTypedPtr& typed, const ZSelector& name, int index) const {
-    return SyntheticCall(this, Synthetic::GetItemAt, typed).place().reference(name).number(index).value();
+    return askAt(ZVariant(), this, Synthetic::GetItemAt, typed, name, index);
 }
-
 ZVariant ZMetaType::getSyntheticPropertyItem(const ZTypedPtr& typed, const ZSelector& name,
                                              const ZSelector& key) const {
-    return SyntheticCall(this, Synthetic::GetItemNamed, typed).place().reference(name).reference(key).value();
+    return askAt(ZVariant(), this, Synthetic::GetItemNamed, typed, name, key);
 }
-
 ZVariant ZMetaType::getSyntheticPropertyItem(const ZTypedPtr& typed, const ZSelector& name, const void* key) const {
-    return SyntheticCall(this, Synthetic::GetItemOf, typed).place().reference(name).pointer(key).value();
+    return askAt(ZVariant(), this, Synthetic::GetItemOf, typed, name, key);
 }
-
 ZVariant ZMetaType::getSyntheticPropertyItem(const ZTypedPtr& typed, const ZSelector& name, const ZVariant& key) const {
-    return SyntheticCall(this, Synthetic::GetItem, typed).place().reference(name).reference(key).value();
+    return askAt(ZVariant(), this, Synthetic::GetItem, typed, name, key);
 }
-
 int ZMetaType::getSyntheticPropertyCount(const ZTypedPtr& typed, const ZSelector& name) const {
-    return SyntheticCall(this, Synthetic::ItemCount, typed).place().reference(name).answer<int>();
+    return askAt(0, this, Synthetic::ItemCount, typed, name);
 }
-
 bool ZMetaType::hasSyntheticPropertyValue(const ZTypedPtr& typed, const ZSelector& name, const ZVariant& value) const {
-    return SyntheticCall(this, Synthetic::HasValue, typed).place().reference(name).reference(value).answer<bool>();
+    return askAt(false, this, Synthetic::HasValue, typed, name, value);
 }
-
 ZVariant ZMetaType::getSyntheticPropertyKey(const ZTypedPtr& typed, const ZSelector& name, int index) const {
-    return SyntheticCall(this, Synthetic::Key, typed).place().reference(name).number(index).value();
+    return askAt(ZVariant(), this, Synthetic::Key, typed, name, index);
 }
-
 int ZMetaType::getSyntheticPropertyKeyIndex(const ZTypedPtr& typed, const ZSelector& name, const ZVariant& key) const {
-    int index = -1;
-    SyntheticCall(this, Synthetic::KeyIndex, typed).place().reference(name).reference(key).run(&index);
-    return index;
+    return askAt(-1, this, Synthetic::KeyIndex, typed, name, key);
 }
-
 ZVariant ZMetaType::findSyntheticPropertyKey(const ZTypedPtr& typed, const ZSelector& name,
                                              const ZVariant& value) const {
-    return SyntheticCall(this, Synthetic::FindKey, typed).place().reference(name).reference(value).value();
+    return askAt(ZVariant(), this, Synthetic::FindKey, typed, name, value);
 }
-
 int ZMetaType::findSyntheticPropertyIndex(const ZTypedPtr& typed, const ZSelector& name, const ZVariant& value) const {
-    int index = -1;
-    SyntheticCall(this, Synthetic::FindIndex, typed).place().reference(name).reference(value).run(&index);
-    return index;
+    return askAt(-1, this, Synthetic::FindIndex, typed, name, value);
 }
-
 bool ZMetaType::clearSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name) const {
-    return SyntheticCall(this, Synthetic::Clear, typed).place().reference(name).answer<bool>();
+    return askAt(false, this, Synthetic::Clear, typed, name);
 }
-
 bool ZMetaType::removeSyntheticPropertyItem(const ZTypedPtr& typed, const ZSelector& name, const ZVariant& key) const {
-    return SyntheticCall(this, Synthetic::RemoveItem, typed).place().reference(name).reference(key).answer<bool>();
+    return askAt(false, this, Synthetic::RemoveItem, typed, name, key);
 }
-
 bool ZMetaType::removeSyntheticPropertyItem(const ZTypedPtr& typed, const ZSelector& name, int index) const {
-    return SyntheticCall(this, Synthetic::RemoveItemAt, typed).place().reference(name).number(index).answer<bool>();
+    return askAt(false, this, Synthetic::RemoveItemAt, typed, name, index);
 }
-
 bool ZMetaType::insertSyntheticPropertyItem(const ZTypedPtr& typed, const ZSelector& name, const ZVariant& key,
                                             const ZVariant& value, bool notify) const {
-    return SyntheticCall(this, Synthetic::InsertItem, typed)
-        .place()
-        .reference(name)
-        .reference(key)
-        .reference(value)
-        .number(notify)
-        .answer<bool>();
+    return askAt(false, this, Synthetic::InsertItem, typed, name, key, value, notify);
 }
-
 bool ZMetaType::addSyntheticPropertyItem(const ZTypedPtr& typed, const ZSelector& name, const ZVariant& value,
                                          bool notify) const {
-    return SyntheticCall(this, Synthetic::AddItem, typed)
-        .place()
-        .reference(name)
-        .reference(value)
-        .number(notify)
-        .answer<bool>();
+    return askAt(false, this, Synthetic::AddItem, typed, name, value, notify);
 }
-
 bool ZMetaType::setSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name, const ZVariant& value,
                                      bool notify) const {
-    return SyntheticCall(this, Synthetic::Set, typed)
-        .place()
-        .reference(name)
-        .reference(value)
-        .number(notify)
-        .answer<bool>();
+    return askAt(false, this, Synthetic::Set, typed, name, value, notify);
 }
-
 bool ZMetaType::setSyntheticPropertyItem(const ZTypedPtr& typed, const ZSelector& name, int index,
                                          const ZVariant& value, bool notify) const {
-    return SyntheticCall(this, Synthetic::SetItemAt, typed)
-        .place()
-        .reference(name)
-        .number(index)
-        .reference(value)
-        .number(notify)
-        .answer<bool>();
+    return askAt(false, this, Synthetic::SetItemAt, typed, name, index, value, notify);
 }
-
 bool ZMetaType::setSyntheticPropertyItem(const ZTypedPtr& typed, const ZSelector& name, const ZSelector& key,
                                          const ZVariant& value, bool notify) const {
-    return SyntheticCall(this, Synthetic::SetItemNamed, typed)
-        .place()
-        .reference(name)
-        .reference(key)
-        .reference(value)
-        .number(notify)
-        .answer<bool>();
+    return askAt(false, this, Synthetic::SetItemNamed, typed, name, key, value, notify);
 }
-
 bool ZMetaType::setSyntheticPropertyItem(const ZTypedPtr& typed, const ZSelector& name, const ZVariant& key,
                                          const ZVariant& value, bool notify) const {
-    return SyntheticCall(this, Synthetic::SetItem, typed)
-        .place()
-        .reference(name)
-        .reference(key)
-        .reference(value)
-        .number(notify)
-        .answer<bool>();
+    return askAt(false, this, Synthetic::SetItem, typed, name, key, value, notify);
 }

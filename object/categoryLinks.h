@@ -28,8 +28,26 @@ struct CategoryLink {
     int compare(const CategoryLink& other) const { return name.compare(other.name); }
 };
 
-/// While a type's table is built, under its change lock: what its categories bring and it doesn't declare itself.
-bool joinCategoryMethods(ZMetaType* type);
-bool joinCategoryProperties(ZMetaType* type);
+struct MetaTypeData;
+
+/// The categories of a type, each retained, while a table of the type is built: what they bring is told to the type
+/// when that table is published.
+class CategoryCopies {
+public:
+    CategoryCopies() = default;
+    ~CategoryCopies();
+    CategoryCopies(const CategoryCopies&) = delete;
+
+    /// What `of` has of categories; false without memory.
+    bool take(const MetaTypeData& of);
+    /// Under the type's change lock: what a member says of each category that still extends the type.
+    template <class T> void keep(MetaTypeData& of, T CategoryLink::*what) const;
+
+    ZArrayT<CategoryLink> links;
+};
+
+/// To the table that the running thread builds: what the type's categories bring and it doesn't declare itself.
+bool joinCategoryMethods(ZMetaType* type, CategoryCopies& categories);
+bool joinCategoryProperties(ZMetaType* type, CategoryCopies& categories);
 
 } // namespace orv

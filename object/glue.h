@@ -150,7 +150,35 @@ template <class T> struct Declares {
     using BaseTypes = Bases<>;
 };
 
-template <class T> inline constexpr Callbacks callbacksOf = Life<T>::callbacks(Table<T>::info);
+/// What the class offers, and in front of that what its table says itself in `callbacks`.
+template <class T> constexpr Callbacks makeCallbacks() {
+    Callbacks made = Life<T>::callbacks();
+    if constexpr (requires { Table<T>::callbacks; }) {
+        const Callbacks& own = Table<T>::callbacks;
+        auto take = [](auto& function, auto given) {
+            if (given) function = given;
+        };
+        take(made.copyType, own.copyType);
+        take(made.create, own.create);
+        take(made.construct, own.construct);
+        take(made.destruct, own.destruct);
+        take(made.copy, own.copy);
+        take(made.copyNew, own.copyNew);
+        take(made.detach, own.detach);
+        take(made.isDetached, own.isDetached);
+        take(made.compare, own.compare);
+        take(made.fromString, own.fromString);
+        take(made.newFromString, own.newFromString);
+        take(made.toString, own.toString);
+        take(made.destroy, own.destroy);
+        take(made.release, own.release);
+        take(made.retain, own.retain);
+        take(made.initialize, own.initialize);
+        take(made.createDispatch, own.createDispatch);
+    }
+    return made;
+}
+template <class T> inline constexpr Callbacks callbacksOf = makeCallbacks<T>();
 
 constexpr List<FixedRow> inOrder(List<FixedRow> rows) {
     for (int i = 0; i < rows.count; ++i)
@@ -201,8 +229,13 @@ template <class T> constexpr ClassRow makeRow() {
 #define ORV_ADAPTER(result, name, params, quals, call, ...)                                                            \
     ::orv::glue::adapterRow<Self, result(Self::*) params quals, #name>("" __VA_ARGS__, [] { return call; })
 #define ORV_STATIC(result, name, params, ...)                                                                          \
-    ::orv::glue::writtenRow<Self, result(*) params>(#result " " #name #params, #name, "" __VA_ARGS__,                  \
-                                                    [] { return static_cast<result(*) params>(&Self::name); })
+    ::orv::glue::writtenRow<Self, result(*) params>(#result " " #name #params, #name, "" __VA_ARGS__, [] {             \
+        using Given = ::orv::glue::Shape<result(*) params>;                                                            \
+        return static_cast<typename Given::Member>(&Self::name);                                                       \
+    })
+/// A static method that C++ offers in another form.
+#define ORV_STATIC_ADAPTER(result, name, params, call, ...)                                                            \
+    ::orv::glue::typedRow<Self, result(*) params, #name>("" __VA_ARGS__, [] { return call; })
 /// `ORV_CONSTRUCTOR((int, const ZString&))`. One that takes a tag is spelled without it. Whether it is explicit is
 /// found out.
 #define ORV_CONSTRUCTOR(params, ...) ::orv::glue::ConstructorOf<Self, void params>::row("" __VA_ARGS__)
@@ -235,7 +268,8 @@ template <class T> constexpr ClassRow makeRow() {
     ORV_CONTAINER_ACCESSORS(type, item, arg, name, Name), ORV_METHOD(item, name, (const key&), const),                 \
         ORV_METHOD(bool, set##Name, (const key&, arg), ), ORV_METHOD(key, name##Key, (int), const),                    \
         ORV_METHOD(int, name##Index, (const key&), const), ORV_METHOD(key, find##Name##Key, (arg), const),             \
-        ORV_METHOD(int, find##Name##Index, (arg), const), ORV_METHOD(bool, remove##Name, (const key&), )
+        ORV_METHOD(int, find##Name##Index, (arg), const), ORV_METHOD(bool, remove##Name, (const key&), ),              \
+        ORV_METHOD(bool, insert##Name, (const key&, arg), )
 
 // Properties
 

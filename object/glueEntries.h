@@ -78,11 +78,8 @@ enum class How { member, constMember, function, adapter };
 template <How how, class C, class Get> struct Call {
     // The sanitizer of g++ takes the part of a second base, to which a member pointer moves, for a whole instance.
     template <class... A>
-#ifndef __clang__
-    [[gnu::no_sanitize("alignment", "vptr")]]
-#endif
-    static decltype(auto)
-    run([[maybe_unused]] const void* instance, A&&... a) {
+    __attribute__((no_sanitize("alignment", "vptr"))) static decltype(auto) run([[maybe_unused]] const void* instance,
+                                                                                A&&... a) {
         if constexpr (how == How::constMember)
             return (static_cast<const C*>(instance)->*Get{}())(std::forward<A>(a)...);
         else if constexpr (how == How::member)
@@ -177,6 +174,10 @@ template <class C, class R, class... A> struct Shape<R (C::*)(A..., ...) const> 
 struct NoClass;
 template <class R, class... A> struct Shape<R (*)(A...)> : Shape<R (NoClass::*)(A...)> {
     using Member = R (*)(A...);
+    static constexpr bool isStatic = true;
+};
+template <class R, class... A> struct Shape<R (*)(A..., ...)> : Shape<R (NoClass::*)(A..., ...)> {
+    using Member = R (*)(A..., ZArrayT<ZVariant>&);
     static constexpr bool isStatic = true;
 };
 

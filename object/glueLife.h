@@ -81,9 +81,8 @@ template <class T> struct Life {
         return instance;
     }
 
-    static constexpr Callbacks callbacks(const ClassInfo& info) {
+    static constexpr Callbacks callbacks() {
         Callbacks made{};
-        made.initialize = info.initialize;
         if constexpr (std::is_class_v<T>) {
             if constexpr (builds<>) made.construct = construct;
             if constexpr (!std::is_trivially_destructible_v<T> && requires(T & a) { a.~T(); }) made.destruct = destruct;

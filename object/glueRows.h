@@ -1,7 +1,9 @@
 #pragma once
 
+#include "module/forward.h"
 #include "object/forward.h"
 #include "object/reflect.h"
+#include "object/typeKinds.h"
 #include "value/forward.h"
 
 #include <cstddef>
@@ -115,76 +117,52 @@ struct BaseRow {
     const void* (*upcast)(const void* instance);
 };
 
-/// What can be done with an instance, of the metatype's size: there may be room behind the C++ class. Null members are
-/// left to the metatype's own way.
+/// The callbacks of a type, see `ZMetaType::CallBack`. Instances have the metatype's size: there may be room behind the
+/// C++ class. Null members are left to the metatype's own way.
 struct Callbacks {
+    ZMetaType* (*copyType)(const ZMetaType* type) = nullptr;
     /// A new instance. Null: allocate, zero, construct.
-    void* (*create)(ZMetaType* type);
+    void* (*create)(ZMetaType* type) = nullptr;
     /// Builds in raw zeroed memory. False: nothing stands there, nothing is to be destructed.
-    bool (*construct)(void* instance, ZMetaType* type);
-    bool (*destruct)(void* instance);
+    bool (*construct)(void* instance, ZMetaType* type) = nullptr;
+    bool (*destruct)(void* instance) = nullptr;
     /// Builds a copy in raw zeroed memory; as for `construct`.
-    bool (*copy)(void* target, const void* source);
-    void* (*copyNew)(const void* source);
-    bool (*detach)(void* instance);
-    bool (*isDetached)(const void* instance);
-    int (*compare)(const void* a, const void* b);
-    bool (*fromString)(void* instance, const ZString& text);
-    ZString (*toString)(const void* instance);
-    void (*destroy)(void* instance); ///< `DeleteInstance`
-    void (*release)(void* instance);
-    void* (*retain)(void* instance);
-    bool (*initialize)(ZMetaType* type);
+    bool (*copy)(void* target, const void* source) = nullptr;
+    void* (*copyNew)(const void* source) = nullptr;
+    bool (*detach)(void* instance) = nullptr;
+    bool (*isDetached)(const void* instance) = nullptr;
+    int (*compare)(const void* a, const void* b) = nullptr;
+    bool (*fromString)(void* instance, const ZString& text) = nullptr;
+    void* (*newFromString)(const ZString& text) = nullptr;
+    ZString (*toString)(const void* instance) = nullptr;
+    void (*destroy)(void* instance) = nullptr; ///< `DeleteInstance`
+    void (*release)(void* instance) = nullptr;
+    void* (*retain)(void* instance) = nullptr;
+    /// Called once the type has what its row says; tables aside.
+    bool (*initialize)(ZMetaType* type) = nullptr;
+    bool (*createDispatch)(ZMetaType* type) = nullptr;
 };
 
-/// Kinds of types; the values of `ZMetaType::Type`.
-enum class Kind : byte {
-    Unknown,
-    Void,
-    Bool,
-    Char,
-    Byte,
-    Short,
-    Word,
-    Int,
-    UInt,
-    Large,
-    ULarge,
-    Enum,
-    Float,
-    Double,
-    Real,
-    Selector,
-    String,
-    Pointer,
-    TypeDef,
-    Structure,
-    Composite,
-    Class,
-    Interface,
-    Atomic,
-    Dynamic,
-    Object,
-};
+using Kind = TypeKinds::Type;
 
-/// Flags of a type; the values of `ZMetaType::Flags`.
+/// The flags of a type, as rows name them.
 enum TypeFlags : uint {
-    typeFinal = 1,
-    typePublic = 2,
-    typePolymorphic = 4,
-    typeLockable = 8,
-    typeWrapper = 16,
-    typeContainer = 64,
-    typeCreated = 128,
-    typeRefStore = 256,
-    typeTraverse = 512,
-    typeStorable = 1024,
-    typeMutex = 2048,
-    typeVariable = 4096,
-    typeStorageBase = 8192,
-    typeRetaining = 16384,
-    typePointerKey = 32768,
-    typePrimaryBase = 0x10000,
+    typeFinal = TypeKinds::Final,
+    typePublic = TypeKinds::Public,
+    typePolymorphic = TypeKinds::Polymorphic,
+    typeLockable = TypeKinds::Lockable,
+    typeWrapper = TypeKinds::Wrapper,
+    typeContainer = TypeKinds::Container,
+    typeCreated = TypeKinds::Created,
+    typeRefStore = TypeKinds::RefStore,
+    typeTraverse = TypeKinds::Traverse,
+    typeStorable = TypeKinds::Storable,
+    typeMutex = TypeKinds::Mutex,
+    typeVariable = TypeKinds::Variable,
+    typeStorageBase = TypeKinds::StorageBase,
+    typeRetaining = TypeKinds::Retaining,
+    typePointerKey = TypeKinds::PointerKey,
+    typePrimaryBase = TypeKinds::PrimaryBase,
 };
 
 /// What a class says of itself beside its lists.
@@ -200,7 +178,9 @@ struct ClassInfo {
     int indexLabel = 0; ///< `ZMetaType::TypeIndexLabel`
     uint internalSize = 0, internalOffset = 0;
     bool dynamicInternal = false;
-    bool (*initialize)(ZMetaType* type) = nullptr;
+    /// Makes the metatype where it is of a class derived from `ZMetaType`; null without memory.
+    ZMetaType* (*make)(ZPackage* package, const ZSelector& name, TypeKinds::Type kind,
+                       const ZArrayT<ZSelector>& bases) = nullptr;
 };
 
 template <class R> struct List {

@@ -18,10 +18,6 @@ namespace {
 
 using namespace glue;
 
-static_assert(int(Kind::Object) == ZMetaType::Object && int(Kind::Enum) == ZMetaType::Enum &&
-              int(Kind::Selector) == ZMetaType::Selector && int(Kind::Class) == ZMetaType::Class);
-static_assert(typePrimaryBase == int(ZMetaType::PrimaryBase) && typeContainer == int(ZMetaType::Container) &&
-              typeStorable == int(ZMetaType::Storable));
 static_assert(staticMethod == int(ZMethod::TypeMethod) && variadicMethod == int(ZMethod::Variadic));
 
 /// The type of a text in a row, as seen from the type that the row is of.
@@ -134,6 +130,12 @@ bool addEnum(ZMetaType* owner, const EnumRow& row) {
     return done;
 }
 
+ZMetaType* makeMetaType(ZPackage* package, const ZSelector& name, const ClassInfo& info,
+                        const ZArrayT<ZSelector>& bases) {
+    if (info.make) return info.make(package, name, info.kind, bases);
+    return zmake<ZMetaType>(package, name, info.kind, bases, passType(ztype<ZMetaType>()));
+}
+
 /// What a type has of its row, nested ones as well as those of packages.
 bool fillType(ZMetaType* type, const ClassRow& row);
 
@@ -144,8 +146,7 @@ bool addNested(ZMetaType* owner, const ClassRow& row) {
     ZArrayT<ZSelector> bases;
     for (const BaseRow& base : row.bases)
         if (!bases.append(ZSelector(base.name))) return false;
-    auto type = zmake<ZMetaType>(nullptr, ZSelector(name), ZMetaType::Type(row.info->kind), bases,
-                                 passType(ztype<ZMetaType>()));
+    ZMetaType* type = makeMetaType(nullptr, ZSelector(name), *row.info, bases);
     if (!type) return false;
     const bool done = owner->addType(type) && fillType(type, row);
     if (done) {
@@ -178,6 +179,7 @@ bool fillType(ZMetaType* type, const ClassRow& row) {
     for (int i = 0; i < row.bases.count; ++i)
         if (const int offset = offsetOf(row.bases.rows[i])) type->setBaseOffset(i, offset);
 
+    setCallback(type, ZMetaType::CopyType, life.copyType);
     setCallback(type, ZMetaType::CreateInstance, life.create);
     setCallback(type, ZMetaType::DeleteInstance, life.destroy);
     setCallback(type, ZMetaType::ReleaseInstance, life.release);
@@ -190,8 +192,10 @@ bool fillType(ZMetaType* type, const ClassRow& row) {
     setCallback(type, ZMetaType::IsDetachedInstance, life.isDetached);
     setCallback(type, ZMetaType::CompareInstance, life.compare);
     setCallback(type, ZMetaType::FromString1, life.fromString);
+    setCallback(type, ZMetaType::FromString2, life.newFromString);
     setCallback(type, ZMetaType::ToString, life.toString);
     setCallback(type, ZMetaType::Initialize, life.initialize);
+    setCallback(type, ZMetaType::CreateDispatch, life.createDispatch);
     if (row.enums.count || row.types.count) setCallback(type, ZMetaType::CreateTypes, createTypes);
     if (row.methods.count) setCallback(type, ZMetaType::CreateMethods, createMethods);
     if (row.properties.count) setCallback(type, ZMetaType::CreateProperties, createProperties);
@@ -228,7 +232,7 @@ ZMetaType* makeType(ZPackage* package, const ClassRow& row) {
     ZArrayT<ZSelector> bases;
     for (const BaseRow& base : row.bases)
         if (!bases.append(ZSelector(base.name))) return nullptr;
-    auto type = zmake<ZMetaType>(package, name, ZMetaType::Type(row.info->kind), bases, passType(ztype<ZMetaType>()));
+    ZMetaType* type = makeMetaType(package, name, *row.info, bases);
     if (!type) return nullptr;
     const bool done = fillType(type, row);
     if (!done) package->unlinkType(type);

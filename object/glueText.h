@@ -1,6 +1,6 @@
 #pragma once
 
-#include "toolkit/types.h"
+#include "object/typeKinds.h"
 
 #include <cstddef>
 #include <type_traits>
@@ -49,6 +49,8 @@ template <> inline constexpr const char* spellings<float>[2] = {"float"};
 template <> inline constexpr const char* spellings<real>[2] = {"real", "double"};
 template <> inline constexpr const char* spellings<wchar>[2] = {"wchar"};
 template <> inline constexpr const char* spellings<ichar>[2] = {"ichar"};
+template <> inline constexpr const char* spellings<TypeKinds::Type>[2] = {"ZMetaType::Type"};
+template <> inline constexpr const char* spellings<TypeKinds::Flags>[2] = {"ZMetaType::Flags"};
 
 template <class T> constexpr NamePart compilerName() {
     const char* at = __PRETTY_FUNCTION__;

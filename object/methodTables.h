@@ -4,7 +4,6 @@
 #include "core/ZHashTreeT.h"
 #include "core/ZSpinLock.h"
 #include "object/ZFixedMethod.h"
-#include "object/ZMethodDispatch.h"
 #include "object/ZMethodPtr.h"
 #include "object/typeGeneration.h"
 #include "toolkit/epoch.h"
@@ -54,18 +53,13 @@ struct ORV_API MethodTables {
 
     // Under the type's change lock
 
-    MethodTable* building = nullptr; ///< what a builder is filling
-    MethodTree user;                 ///< outlives the published table
+    MethodTree user; ///< outlives the published table
+    uint resets = 0; ///< how often the published table was thrown away
 
     ZArrayT<ZFixedMethod> fixedMethods;
     /// The signatures of the operations, once they are known: a bit for each.
     ZSelector operations[int(TypeOperation::Count)];
     uint operationsKnown = 0;
-
-    // Under the type's change lock too: the signals of the type
-
-    ZHashTreeT<ZSelector, ZMethodDispatch> dispatch;
-    bool dispatchBuilt = false, dispatchStale = false;
 
     /// Inline methods that were looked up in this type, to be reset before it ends.
     ZSpinLock inlineGuard;
@@ -75,6 +69,8 @@ struct ORV_API MethodTables {
 /// For a `CreateMethods` callback, ahead of its `ZMetaType::appendMethod`s: room for so many methods. False without
 /// memory. What the callback appends is published once, when it has returned true.
 ORV_API bool reserveMethods(ZMetaType* type, uint count);
+/// What the running thread is filling for a type; null if it isn't.
+const MethodTree* methodsUnderConstruction(const ZMetaType* type);
 /// The tables of a type, built if need be; null without memory. Borrowed under a guard.
 ORV_API const MethodTable* methodTable(const ZMetaType* type);
 

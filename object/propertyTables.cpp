@@ -147,12 +147,6 @@ void PropertyTables::clear() {
     if (SyntheticMethods* old = synthetic.publish(nullptr)) freeSynthetic(old);
 }
 
-void PropertyTables::reset() {
-    PublishedProperties* old = types.publish(nullptr);
-    typesChanged();
-    if (old) toolkit::epochRetire(old, reclaimProperties);
-}
-
 bool publishProperties(toolkit::EpochPtr<PublishedProperties>& place, PropertyTree&& tree, bool change,
                        PublishedProperties*& old) {
     auto fresh = zmake<PublishedProperties>();
@@ -171,7 +165,7 @@ const PropertyTree& declaredProperties(const ZMetaType* type) {
     const PropertyTables& tables = type->record().properties;
     PublishedProperties* published = tables.types.load();
     if (ORV_UNLIKELY(!published)) {
-        if (tables.building && toolkit::load(tables.builder) == toolkit::threadNumber()) return *tables.building;
+        if (const PropertyTree* building = propertiesUnderConstruction(type)) return *building;
         const_cast<ZMetaType*>(type)->createProperties();
         published = tables.types.load();
     }

@@ -114,9 +114,8 @@ struct ORV_API PropertyTables {
     toolkit::EpochPtr<PropertyCache> cache;
     toolkit::EpochPtr<PropertyCatalogue> catalogue;
     toolkit::EpochPtr<SyntheticMethods> synthetic;
-    PropertyTree* building = nullptr; ///< under the type's change lock, while its builder runs
-    unsigned builder = 0;             ///< the thread that does
-    ZSpinLock lock;                   ///< of the caches, while something is put in
+    uint resets = 0; ///< how often the declared properties were thrown away; under the type's change lock
+    ZSpinLock lock;  ///< of the caches, while something is put in
 
     PropertyTables() = default;
     ~PropertyTables();
@@ -125,10 +124,12 @@ struct ORV_API PropertyTables {
 
     /// Lets everything go while the types of the values are still there; nobody reads it any more.
     void clear();
-    /// Forgets the declared properties: they are built anew at the next demand. User properties stay.
-    void reset();
 };
 
+/// Forgets the declared properties: they are built anew at the next demand. User properties stay.
+void resetProperties(ZMetaType* type);
+/// What the running thread is filling for a type; null if it isn't.
+const PropertyTree* propertiesUnderConstruction(const ZMetaType* type);
 /// The tables of a type, with the declared properties built; borrowed under an open guard.
 const PropertyTree& declaredProperties(const ZMetaType* type);
 const PropertyTree& userProperties(const ZMetaType* type);

@@ -2,10 +2,59 @@
 
 #include "core/ZArrayT.h"
 #include "core/ZSelector.h"
+#include "object/ZMethodRef.h"
 #include "object/glue.h"
+#include "object/ztype.h"
 #include "text/ZFileInfo.h"
 #include "text/ZString.h"
 #include "text/ZTime.h"
+#include "value/ZVArray.h"
+#include "value/ZVariant.h"
+
+namespace {
+
+/// What a scan finds, as items of an array that knows its type at run time; one without a type takes theirs.
+template <class Item, class Scan> bool scanInto(ZVArray& found, Scan scan) {
+    ZArrayT<Item> items;
+    if (!found.hasType() && !found.setType(ztype<Item>())) return false;
+    const bool done = scan(items);
+    for (const Item& item : std::as_const(items))
+        if (!found.append(ZVariant(ztype<Item>(), &item))) return false;
+    return done;
+}
+
+} // namespace
+
+// A scan of this folder, of another one and of several, for both kinds of arrays. Behind the name and what is found:
+// its other parameters.
+#define ORV_SCAN(name, Item, ...)                                                                                      \
+    ORV_ADAPTER(                                                                                                       \
+        bool, name, (ZArrayT<Item>&, __VA_ARGS__), const,                                                              \
+        [](const Self& at, auto&&... given) { return at.name(given...); }, "sb1"),                                     \
+        ORV_STATIC_ADAPTER(                                                                                            \
+            bool, name, (ZArrayT<Item>&, const ZString&, __VA_ARGS__),                                                 \
+            [](auto&&... given) { return Self::name(given...); }, "sb1"),                                              \
+        ORV_STATIC_ADAPTER(                                                                                            \
+            bool, name, (ZArrayT<Item>&, const ZArrayT<ZString>&, __VA_ARGS__),                                        \
+            [](auto&&... given) { return Self::name(given...); }, "sb1"),                                              \
+        ORV_ADAPTER(                                                                                                   \
+            bool, name, (ZVArray&, __VA_ARGS__), const,                                                                \
+            [](const Self& at, ZVArray& found, auto&&... given) {                                                      \
+                return scanInto<Item>(found, [&](auto& items) { return at.name(items, given...); });                   \
+            },                                                                                                         \
+            "sb1"),                                                                                                    \
+        ORV_STATIC_ADAPTER(                                                                                            \
+            bool, name, (ZVArray&, const ZString&, __VA_ARGS__),                                                       \
+            [](ZVArray& found, auto&&... given) {                                                                      \
+                return scanInto<Item>(found, [&](auto& items) { return Self::name(items, given...); });                \
+            },                                                                                                         \
+            "sb1"),                                                                                                    \
+        ORV_STATIC_ADAPTER(                                                                                            \
+            bool, name, (ZVArray&, const ZArrayT<ZString>&, __VA_ARGS__),                                              \
+            [](ZVArray& found, auto&&... given) {                                                                      \
+                return scanInto<Item>(found, [&](auto& items) { return Self::name(items, given...); });                \
+            },                                                                                                         \
+            "sb1")
 
 namespace orv::glue {
 
@@ -94,6 +143,14 @@ template <> struct Table<ZFileName> : Declares<ZFileName> {
         ORV_METHOD(bool, copyLegacyFile, (const ZString&, const ZSelector&), const, "sb1"),
         ORV_METHOD(bool, copyLegacyFolder, (const ZString&, const ZSelector&, const ZString&), const, "sb1"),
         ORV_METHOD(bool, checkExt, (const ZString&), const),
+        ORV_SCAN(scan, ZString, bool, bool, const ZArrayT<ZString>&),
+        ORV_SCAN(scan, ZString, bool, bool, const ZArrayT<ZString>&, const ZMethodRef&),
+        ORV_SCAN(scanFiles, ZString, bool, const ZArrayT<ZString>&),
+        ORV_SCAN(scanFiles, ZString, bool, const ZArrayT<ZString>&, const ZMethodRef&),
+        ORV_SCAN(scanInfo, ZFileInfo, bool, bool, const ZArrayT<ZString>&),
+        ORV_SCAN(scanInfo, ZFileInfo, bool, bool, const ZArrayT<ZString>&, const ZMethodRef&),
+        ORV_SCAN(scanFileInfo, ZFileInfo, bool, const ZArrayT<ZString>&),
+        ORV_SCAN(scanFileInfo, ZFileInfo, bool, const ZArrayT<ZString>&, const ZMethodRef&),
     };
     static constexpr EnumItemRow flagsItems[] = {ORV_ITEM(Flags, None), ORV_ITEM(Flags, Read),   ORV_ITEM(Flags, Write),
                                                  ORV_ITEM(Flags, Dir),  ORV_ITEM(Flags, System), ORV_ITEM(Flags, Exec)};
@@ -110,3 +167,5 @@ template <> struct Table<ZFileName> : Declares<ZFileName> {
 } // namespace orv::glue
 
 ORV_DECLARE(ZFileName);
+
+#undef ORV_SCAN

@@ -155,6 +155,19 @@ TEST_F(Package, InlineRecordsFollowTheirPackage) {
     }
     EXPECT_TRUE(record.unresolved());
     EXPECT_EQ(record.type(), nullptr);
+    // So they do one type that goes, in its package or in another type.
+    record.setSelector(ZSelector("ZFileName::Flags"));
+    ZMetaType* flags = record.type();
+    ASSERT_TRUE(flags);
+    ztype<ZFileName>()->resetSubTypes();
+    EXPECT_TRUE(record.unresolved());
+    EXPECT_STREQ(record.type()->signatureName().string(), "ZFileName::Flags");
+    Made b("test.one");
+    ZMetaType* held = b.type("Held");
+    record.setSelector(ZSelector("test.one::Held"));
+    EXPECT_EQ(record.type(), held);
+    b->unlinkType(held);
+    EXPECT_EQ(record.type(), nullptr);
     record.clear();
 }
 

@@ -1,5 +1,6 @@
 #include "object/ZDetachContext.h"
 
+#include "object/ZMetaType.h"
 #include "object/ztype.h"
 #include "tests/support/CoreScope.h"
 #include "value/ZVArray.h"
@@ -38,6 +39,11 @@ TEST_F(ZDetachContextTest, OneCopyOfOneObject) {
     EXPECT_NE(value.toType(), object);
     EXPECT_EQ(map.variant("a").toType(), value.toType());
     EXPECT_EQ(context->detached(object), value.toType());
+    // A type hands the context on to what its values hold.
+    ZVArray held(objects);
+    ASSERT_TRUE(ztype<ZVArray>()->deepDetachInstance(&held, context));
+    EXPECT_EQ(held.valuePtr(0), value.toType());
+    held.clear();
     context->endDetach();
     EXPECT_EQ(context->detached(object), nullptr);
     ZVariant later(object);

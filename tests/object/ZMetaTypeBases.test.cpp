@@ -26,6 +26,7 @@ TEST_F(MetaTypeBases, TheGraphIsSeenFromBothEnds) {
     EXPECT_TRUE(left->isSingleBase());
     EXPECT_FALSE(leaf->isSingleBase()) << "its base has two";
     EXPECT_EQ(root->primaryBase(), nullptr);
+    EXPECT_FALSE(root->isSingleBase()) << "it has none";
     struct Row {
         ZMetaType *type, *other;
         bool isBase;
@@ -160,6 +161,11 @@ TEST_F(MetaTypeBases, Distances) {
     // An alias is as near as a base.
     EXPECT_TRUE(root->addAlias(other));
     EXPECT_EQ(root->distance(other, false), 5);
+    // What is made of a number serves for other numbers as that number does, further up the line.
+    TypePtr angle = makeType("DAngle", Kind::TypeDef, {real}), turn = makeType("DTurn", Kind::TypeDef, {angle});
+    EXPECT_EQ(angle->distance(single, false), 4 * 2 + 8);
+    EXPECT_EQ(turn->distance(integer, false), 4 * (4 * 3 + 8) + 8);
+    EXPECT_EQ(turn->distance(real, false), 28);
 
     // Lists: the worst argument decides, and each one too many or too few costs.
     auto list = [](std::initializer_list<ZMetaType*> types) {

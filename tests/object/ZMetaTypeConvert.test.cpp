@@ -1,3 +1,4 @@
+#include "object/ztype.h"
 #include "tests/object/HandMade.h"
 #include "tests/support/CoreScope.h"
 #include "text/ZBlendPos.h"
@@ -99,6 +100,18 @@ TEST_F(MetaTypeConvert, VariantsAreTakenByAnyParameterThatAsksForThem) {
     arguments.append(type.get());
     EXPECT_EQ(ZMetaType::distance(arguments, parameters, true, false, true), (1 << 26) + 64);
     any->clearVariants();
+}
+
+TEST_F(MetaTypeConvert, ConstructorsThatConvertCountForWhatIsNearToTheirArgument) {
+    ZMetaType *time = ztype<ZAtomicInt>(), *number = ztype<int>(), *single = ztype<float>();
+    EXPECT_TRUE(time->getImplicitFrom().contains(number)) << "of a package that opens later too";
+    EXPECT_TRUE(number->getImplicitTo().contains(time));
+    constexpr int converted = 1 << 25;
+    EXPECT_EQ(number->distance(time, false), -1);
+    EXPECT_EQ(number->distance(time, true), converted);
+    EXPECT_EQ(ztype<byte>()->distance(time, true), converted + 2);
+    EXPECT_EQ(single->distance(time, true), converted + 3);
+    EXPECT_EQ(ztype<ZString>()->distance(time, true), -1);
 }
 
 TEST_F(MetaTypeConvert, BlendsLieBetween) {

@@ -1,4 +1,5 @@
 #include "object/ZType.h"
+#include "object/glueRows.h"
 #include "tests/object/HandMade.h"
 #include "tests/support/CoreScope.h"
 
@@ -186,6 +187,17 @@ TEST_F(MetaTypeInstances, ClassesOfTypesBelongToTheTypeThatMadeThem) {
     wider->releaseInstance(made);
     EXPECT_EQ(Counted::alive, 0);
     EXPECT_EQ(makeType("Empty", Kind::Dynamic)->createInstance(), nullptr) << "no class stands behind it";
+    // A class that is declared, and not as one that can be made or copied, isn't made as its base.
+    static constexpr orv::glue::ClassRow row{};
+    TypePtr strict = makeType("Strict", Kind::Dynamic, {type});
+    strict->setSize(sizeof(Counted) + 40);
+    strict->setDeclaration(&row);
+    EXPECT_EQ(strict->createInstance(), nullptr);
+    alignas(16) byte room[sizeof(Counted) + 40];
+    void* source = type->createInstance();
+    EXPECT_FALSE(strict->copyInstance(room, source));
+    type->releaseInstance(source);
+    EXPECT_EQ(Counted::alive, 0);
 }
 
 TEST_F(MetaTypeInstances, WhatCantBeMadeLeavesNothing) {

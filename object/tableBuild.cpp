@@ -1,0 +1,20 @@
+#include "object/tableBuild.h"
+
+#include "toolkit/thread.h"
+
+namespace orv {
+
+static ORV_THREAD_LOCAL TableBuildBase* innermost = nullptr;
+
+TableBuildBase::TableBuildBase(const ZMetaType* type, const void* kind) : type(type), kind(kind), outer(innermost) {
+    innermost = this;
+}
+TableBuildBase::~TableBuildBase() { innermost = outer; }
+
+TableBuildBase* TableBuildBase::find(const ZMetaType* type, const void* kind) {
+    for (TableBuildBase* at = innermost; at; at = at->outer)
+        if (at->type == type && at->kind == kind) return at;
+    return nullptr;
+}
+
+} // namespace orv

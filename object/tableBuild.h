@@ -1,0 +1,43 @@
+#pragma once
+
+#include "object/forward.h"
+#include "toolkit/types.h"
+
+namespace orv {
+
+/// A table that the running thread fills for a type: what the type's builder adds goes here until the table is whole.
+/// Nobody else sees it and no lock is held meanwhile, so a builder may ask and call what it likes. Where two threads
+/// build the same table, that of the first is published and the other one's is thrown away.
+class TableBuildBase {
+public:
+    TableBuildBase(const TableBuildBase&) = delete;
+    TableBuildBase& operator=(const TableBuildBase&) = delete;
+
+protected:
+    TableBuildBase(const ZMetaType* type, const void* kind);
+    ~TableBuildBase();
+    /// What the running thread is filling; null if it fills none such.
+    static TableBuildBase* find(const ZMetaType* type, const void* kind);
+
+private:
+    const ZMetaType* type;
+    const void* kind;
+    TableBuildBase* outer;
+};
+
+/// The C++ type of the table tells which one of the type it is.
+template <class T> class TableBuild : TableBuildBase {
+public:
+    explicit TableBuild(const ZMetaType* type) : TableBuildBase(type, &kind) {}
+    static T* find(const ZMetaType* type) {
+        TableBuildBase* found = TableBuildBase::find(type, &kind);
+        return found ? &static_cast<TableBuild*>(found)->table : nullptr;
+    }
+
+    T table{};
+
+private:
+    static inline char kind = 0;
+};
+
+} // namespace orv

@@ -1,0 +1,14 @@
+#include "value/ZVSelectMapType.h"
+
+#include "object/glue.h"
+
+namespace orv::glue {
+
+template <> struct Table<ZVSelectMapType> : Declares<ZVSelectMapType> {
+    using BaseTypes = Bases<ZMetaType>;
+    static constexpr ClassInfo info = {.kind = Kind::Object, .flags = typePublic | typePolymorphic};
+};
+
+} // namespace orv::glue
+
+ORV_DECLARE(ZVSelectMapType);
