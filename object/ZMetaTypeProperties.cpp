@@ -39,26 +39,26 @@ bool replace(PropertyTree& tree, const ZProperty& property) {
 using PropertyBuilding = orv::TableBuild<PropertyTree>;
 
 /// Changes a table: the one that this thread is building, or a copy of the published one, which then takes its place.
+/// `change` is called again if somebody else was faster.
 template <class F> bool changeTable(ZMetaType& type, bool user, F change) {
     orv::PropertyTables& tables = type.record().properties;
-    if (!user)
-        if (PropertyTree* building = PropertyBuilding::find(&type)) return change(*building);
-    orv::PublishedProperties* old = nullptr;
-    for (;;) {
-        if (!user && !type.createProperties()) return false;
-        toolkit::EpochGuard guard;
-        ZScopedLock held(type.record().change);
-        auto& place = user ? tables.users : tables.types;
-        const orv::PublishedProperties* now = place.load();
-        // The declared ones may have been reset again by now.
-        if (!user && !now) continue;
+    if (PropertyTree* building = user ? nullptr : PropertyBuilding::find(&type)) return change(*building);
+    orv::PropertyPublish done = orv::PropertyPublish::Outdated;
+    while (done == orv::PropertyPublish::Outdated) {
         PropertyTree tree;
-        if (now) tree = now->tree;
-        if (!change(tree) || !orv::publishProperties(place, std::move(tree), true, old)) return false;
-        break;
+        uint seen;
+        {
+            toolkit::EpochGuard guard;
+            if (!user && !type.createProperties()) return false;
+            seen = toolkit::loadAcquire(tables.edits);
+            orv::PublishedProperties* from = user ? tables.users.load() : tables.types.load();
+            if (!user && !from) continue;
+            if (from) tree = from->tree;
+        }
+        if (!change(tree)) return false;
+        done = orv::publishProperties(tables, user ? tables.users : tables.types, tree, seen, true);
     }
-    orv::retireProperties(old);
-    return true;
+    return done == orv::PropertyPublish::Done;
 }
 
 bool givenToInstances(const ZProperty& property) {
@@ -87,36 +87,25 @@ void moveTo(ZTypedPtr* typed, ZMetaType* owner, int offset) {
 
 bool ZMetaType::createProperties() {
     orv::PropertyTables& tables = own->properties;
-    for (;;) {
+    auto build = reinterpret_cast<bool (*)(ZMetaType*)>(getCallback(CreateProperties));
+    orv::PropertyPublish done;
+    do {
+        const uint seen = toolkit::loadAcquire(tables.edits);
         if (tables.types.load() || PropertyBuilding::find(this)) return true;
         PropertyBuilding building(this);
         orv::CategoryCopies categories;
-        const uint resets = toolkit::loadAcquire(tables.resets);
-        auto build = reinterpret_cast<bool (*)(ZMetaType*)>(getCallback(CreateProperties));
         if ((build && !build(this)) || !orv::joinCategoryProperties(this, categories)) return false;
         ZScopedLock held(own->change);
-        if (tables.types.load() || tables.resets != resets) continue;
-        categories.keep(*own, &orv::CategoryLink::properties);
-        orv::PublishedProperties* none = nullptr;
-        return orv::publishProperties(tables.types, std::move(building.table), false, none);
-    }
+        if (tables.types.load()) return true;
+        done = orv::publishProperties(tables, tables.types, building.table, seen, false);
+        if (done == orv::PropertyPublish::Done) categories.keep(*own, &orv::CategoryLink::properties);
+    } while (done == orv::PropertyPublish::Outdated);
+    return done == orv::PropertyPublish::Done;
 }
 
 namespace orv {
 
 const PropertyTree* propertiesUnderConstruction(const ZMetaType* type) { return PropertyBuilding::find(type); }
-
-void resetProperties(ZMetaType* type) {
-    PropertyTables& tables = type->record().properties;
-    PublishedProperties* old;
-    {
-        ZScopedLock held(type->record().change);
-        toolkit::addFetch(tables.resets, 1u);
-        old = tables.types.publish(nullptr);
-    }
-    typesChanged();
-    retireProperties(old);
-}
 
 } // namespace orv
 
@@ -377,7 +366,7 @@ bool ZMetaType::getPropertyDef(const ZProperty* property, const void* instance, 
 bool ZMetaType::enumeratePropertyDefs(const void* instance, orv::PropertyVisit visit, void* context) const {
     return forEach(this, [&](const Entry& entry) {
         ZVariant value;
-        getPropertyDef(entry.property, instance, value);
+        orv::readEntry(this, entry, instance, value);
         return visit(*entry.property, value, context);
     });
 }

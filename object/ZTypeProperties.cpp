@@ -89,11 +89,27 @@ bool ZType::propertiesWithOptions(const ZSelector& words, ZArrayT<ZSelector>& na
 }
 
 bool ZType::enumerateProperties(orv::PropertyVisit visit, void* context) const {
-    return forEachProperty(this, [&](const ZProperty& property) {
+    // A visitor may change the instance: the entries that are being walked stay.
+    const DynamicProperties walked(dynamicProperties);
+    for (const ZPropertyPtr& entry : walked) {
+        if (!entry.property()) continue;
+        ZVariant value = entry->value();
+        if (entry->resolved()) value = resolveValue(value);
+        if (!visit(*entry.property(), value, context)) return false;
+    }
+    const ZMetaType* type = metaType;
+    if (!type) return true;
+    toolkit::EpochGuard guard;
+    const orv::PropertyCatalogue* all = orv::propertyCatalogue(type);
+    if (!all) return false;
+    for (const orv::PropertyCatalogue::Entry& entry : all->entries) {
+        if (!walked.isEmpty() && walked.contains(entry.property->name())) continue;
         ZVariant value;
-        orv::readProperty(this, nullptr, property.name(), true, value);
-        return visit(property, value, context);
-    });
+        orv::readEntry(type, entry, this, value);
+        if (entry.property->resolved()) value = resolveValue(value);
+        if (!visit(*entry.property, value, context)) return false;
+    }
+    return true;
 }
 
 // Lookup

@@ -50,6 +50,38 @@ struct ArgumentBlock {
     }
 };
 
+/// Makes the first bytes of a word a number of that kind; false for other kinds.
+bool setNumber(byte kind, const void* word, ZVariant& result) {
+    auto as = [&](auto zero) {
+        std::memcpy(&zero, &word, sizeof zero);
+        return zero;
+    };
+    switch (kind) {
+    case ZMetaType::Bool:
+        return result.setBool(as(byte(0)) != 0);
+    case ZMetaType::Byte:
+        return result.setByte(as(byte(0)));
+    case ZMetaType::Short:
+        return result.setShort(as(short(0)));
+    case ZMetaType::Word:
+        return result.setWord(as(::word(0)));
+    case ZMetaType::Int:
+        return result.setInt(as(0));
+    case ZMetaType::UInt:
+        return result.setUInt(as(0u));
+    case ZMetaType::Large:
+        return result.setLarge(as(large(0)));
+    case ZMetaType::ULarge:
+        return result.setULarge(as(ularge(0)));
+    case ZMetaType::Double:
+        return result.setDouble(as(0.0));
+    case ZMetaType::Real:
+        return result.setReal(as(real(0)));
+    default:
+        return false;
+    }
+}
+
 /// A copy of the value at an address. An instance there may be part of another one, so it is copied, not shared.
 bool takeCopy(const ReadPlan& plan, const void* address, ZVariant& result) {
     if (!address) return false;
@@ -114,6 +146,8 @@ ReadPlan readPlan(const ZMethod* method, const ZMetaType* type) {
         plan.shape = fast && !plan.variant && param.data->heldInline() ? ReadPlan::Word
                      : stacked                                         ? ReadPlan::Stacked
                                                                        : ReadPlan::Nothing;
+        if (ZVariant number; plan.shape == ReadPlan::Word && setNumber(byte(param.kind), nullptr, number))
+            plan.number = number.type() == plan.type ? byte(param.kind) : byte(0);
         break;
     }
     return plan;
@@ -193,7 +227,15 @@ bool callAccessor(ZMethod* method, const void* instance, const AccessorWord* wor
 }
 
 bool callGetter(ZMethod* method, const void* instance, const ReadPlan& plan, ZVariant& result) {
+    if (plan.number) return setNumber(plan.number, method->getFunc()(instance, method), result);
     return callAccessor(method, instance, nullptr, 0, plan, result);
+}
+
+bool readEntry(const ZMetaType* type, const PropertyCatalogue::Entry& entry, const void* instance, ZVariant& value) {
+    if (const CachedMethod* getter = readAccessor(type, entry))
+        return callGetter(getter->method, static_cast<const char*>(instance) + getter->offset, entry.readPlan, value);
+    if (entry.property->dynamic()) value = entry.property->value();
+    return entry.property->dynamic();
 }
 
 bool callForNumber(ZMethod* method, const void* instance, const AccessorWord* words, int count, int& answer) {

@@ -31,6 +31,9 @@ bool callAccessor(ZMethod* method, const void* instance, const AccessorWord* wor
                   ZVariant& result);
 /// The same for a getter without arguments.
 bool callGetter(ZMethod* method, const void* instance, const ReadPlan& plan, ZVariant& result);
+/// The value that an instance of the type has of a declared property: what its getter answers; without a getter that of
+/// a dynamic one's declaration. False if there is none. Under an open guard.
+bool readEntry(const ZMetaType* type, const PropertyCatalogue::Entry& entry, const void* instance, ZVariant& value);
 /// The same for an accessor that answers a bool, or an int; `answer` is 0 for "no".
 bool callForNumber(ZMethod* method, const void* instance, const AccessorWord* words, int count, int& answer);
 

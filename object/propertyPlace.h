@@ -45,7 +45,9 @@ private:
 };
 
 /// Whether what is held is a variant of its own.
-inline bool holdsVariant(const ZVariant& value) { return value.type() && value.type()->isVariant(); }
+inline bool holdsVariant(const ZVariant& value) {
+    return value.type() && !value.type()->heldInline() && value.type()->isVariant();
+}
 
 bool isSelectMap(const ZVariant& value);
 

@@ -147,18 +147,39 @@ void PropertyTables::clear() {
     if (SyntheticMethods* old = synthetic.publish(nullptr)) freeSynthetic(old);
 }
 
-bool publishProperties(toolkit::EpochPtr<PublishedProperties>& place, PropertyTree&& tree, bool change,
-                       PublishedProperties*& old) {
-    auto fresh = zmake<PublishedProperties>();
-    if (!fresh) return false;
-    fresh->tree = std::move(tree);
-    old = place.publish(fresh);
-    if (change) typesChanged();
-    return true;
+void resetProperties(ZMetaType* type) {
+    PropertyTables& tables = type->record().properties;
+    PublishedProperties* old;
+    {
+        ZScopedLock held(tables.lock);
+        toolkit::store(tables.edits, tables.edits + 1);
+        old = tables.types.publish(nullptr);
+    }
+    typesChanged();
+    if (old) toolkit::epochRetire(old, reclaimProperties);
 }
 
-void retireProperties(PublishedProperties* old) {
+PropertyPublish publishProperties(PropertyTables& tables, toolkit::EpochPtr<PublishedProperties>& place,
+                                  PropertyTree& tree, uint seen, bool change) {
+    auto fresh = zmake<PublishedProperties>();
+    if (!fresh) return PropertyPublish::NoMemory;
+    fresh->tree = std::move(tree);
+    PublishedProperties* old = fresh;
+    {
+        ZScopedLock held(tables.lock);
+        if (tables.edits == seen) {
+            toolkit::store(tables.edits, seen + 1);
+            old = place.publish(fresh);
+        }
+    }
+    if (old == fresh) {
+        tree = std::move(fresh->tree);
+        zrelease(fresh);
+        return PropertyPublish::Outdated;
+    }
+    if (change) typesChanged();
     if (old) toolkit::epochRetire(old, reclaimProperties);
+    return PropertyPublish::Done;
 }
 
 const PropertyTree& declaredProperties(const ZMetaType* type) {
@@ -215,9 +236,7 @@ ZMethod* cachedMethod(const ZMetaType* type, CachedMethod& place, const ZSelecto
     return place.method;
 }
 
-const CachedMethod* readAccessor(const ZMetaType* type, PropertyLookup* row) {
-    if (ORV_LIKELY(toolkit::loadAcquire(row->read.state) != CachedMethod::Unknown))
-        return row->read.method ? &row->read : nullptr;
+const CachedMethod* findReadAccessor(const ZMetaType* type, PropertyLookup* row) {
     // A const getter is asked before one that could change the instance, a pointer last.
     static constexpr int forms[] = {2, 0, 3, 1};
     ZMethod* method = nullptr;
@@ -240,9 +259,18 @@ const CachedMethod* readAccessor(const ZMetaType* type, PropertyLookup* row) {
     return row->read.method ? &row->read : nullptr;
 }
 
-const CachedMethod* writeAccessor(const ZMetaType* type, PropertyLookup* row) {
-    if (ORV_LIKELY(toolkit::loadAcquire(row->write.state) != CachedMethod::Unknown))
-        return row->write.method ? &row->write : nullptr;
+const CachedMethod* readAccessor(const ZMetaType* type, const PropertyCatalogue::Entry& entry) {
+    if (ORV_UNLIKELY(toolkit::loadAcquire(entry.read.state) == CachedMethod::Unknown)) {
+        PropertyLookup* row = lookUpProperty(type, entry.property->name());
+        if (!row || row->property != entry.property) return nullptr;
+        const CachedMethod* found = readAccessor(type, row);
+        fill(tablesOf(type), entry.read, found ? found->method : nullptr, found ? found->offset : 0,
+             [&] { entry.readPlan = row->readPlan; });
+    }
+    return entry.read.method ? &entry.read : nullptr;
+}
+
+const CachedMethod* findWriteAccessor(const ZMetaType* type, PropertyLookup* row) {
     int offset = 0;
     ZMethod* method =
         cachedMethod(type, row->places[int(Accessor::Setter) - 1], row->property->setter(false), ZSelector(), offset);
@@ -264,7 +292,7 @@ bool addTree(PropertyCatalogue& into, Places& places, const PropertyTree& tree, 
     for (const ZPropertyPtr& node : tree) {
         ZProperty* property = node.property() ? node.property()->retain() : nullptr;
         if (!property) continue;
-        Entry entry{property, owner, offset};
+        Entry entry{property, owner, offset, {}, {}};
         if (const int* at = std::as_const(places).get(node.key())) {
             if (uint(*at) < start) {
                 property->release();
@@ -306,6 +334,13 @@ bool collect(PropertyCatalogue& into, Places& places, const ZMetaType* type, int
 void reclaimCatalogue(toolkit::EpochLink* link) { zrelease(static_cast<PropertyCatalogue*>(link)); }
 
 } // namespace
+
+PropertyCatalogue::~PropertyCatalogue() {
+    for (const Entry& entry : entries) {
+        entry.property->release();
+        ZMethod::release(entry.read.method);
+    }
+}
 
 const PropertyCatalogue* propertyCatalogue(const ZMetaType* type) {
     PropertyTables& tables = tablesOf(type);

@@ -32,7 +32,8 @@ struct ReadPlan {
 
     ZMetaType* type = nullptr; ///< of the value; that of a pointer with its "*"
     byte shape = Nothing;
-    bool owned = false;   ///< a pointer comes with a reference that is the caller's
+    byte number = 0;    ///< of a `Word` that is a number: the `ZMetaType::Type` whose variants are of exactly this type
+    bool owned = false; ///< a pointer comes with a reference that is the caller's
     bool variant = false; ///< the value is a variant
 };
 
@@ -65,7 +66,8 @@ struct PropertyLookup : toolkit::EpochLink {
     ReadPlan readPlan;
     CachedMethod write; ///< the setter that writing takes
     WritePlan writePlan;
-    CachedMethod getters[6];                ///< by `item` ? 4 + ptrForm : constForm * 2 + ptrForm
+    /// By `item` ? 4 + ptrForm : constForm * 2 + ptrForm. Items are asked of a const method, else of any.
+    CachedMethod getters[6];
     CachedMethod places[accessorCount - 1]; ///< by accessor, without `Getter`
 };
 
@@ -94,15 +96,17 @@ struct PropertyCatalogue : toolkit::EpochLink {
         ZProperty* property = nullptr; ///< retained
         ZMetaType* owner = nullptr;
         int offset = 0;
+        mutable CachedMethod read; ///< what the lookup of its name has, so that walks over all needn't look up
+        mutable ReadPlan readPlan;
     };
     ularge generation = 0;
     bool delegates = false; ///< some entry has the flag `Delegate`
     bool dynamic = false;   ///< some entry is given to each new instance
     ZArrayT<Entry> entries;
 
-    ~PropertyCatalogue() {
-        for (const Entry& entry : entries) entry.property->release();
-    }
+    PropertyCatalogue() = default;
+    PropertyCatalogue(const PropertyCatalogue&) = delete;
+    ~PropertyCatalogue();
 };
 
 struct SyntheticMethods;
@@ -114,8 +118,8 @@ struct ORV_API PropertyTables {
     toolkit::EpochPtr<PropertyCache> cache;
     toolkit::EpochPtr<PropertyCatalogue> catalogue;
     toolkit::EpochPtr<SyntheticMethods> synthetic;
-    uint resets = 0; ///< how often the declared properties were thrown away; under the type's change lock
-    ZSpinLock lock;  ///< of the caches, while something is put in
+    uint edits = 0; ///< how often `types` and `users` were published or reset; changed under `lock`
+    ZSpinLock lock; ///< of the caches, while something is put in
 
     PropertyTables() = default;
     ~PropertyTables();
@@ -138,18 +142,31 @@ const PropertyTree& userProperties(const ZMetaType* type);
 /// type doesn't declare, and without memory.
 PropertyLookup* lookUpProperty(const ZMetaType* type, const ZSelector& name);
 /// The getter that reading takes, or the setter, with its plan filled in; null if there is none.
-const CachedMethod* readAccessor(const ZMetaType* type, PropertyLookup* row);
-const CachedMethod* writeAccessor(const ZMetaType* type, PropertyLookup* row);
+const CachedMethod* findReadAccessor(const ZMetaType* type, PropertyLookup* row);
+const CachedMethod* findWriteAccessor(const ZMetaType* type, PropertyLookup* row);
+inline const CachedMethod* readAccessor(const ZMetaType* type, PropertyLookup* row) {
+    if (ORV_UNLIKELY(toolkit::loadAcquire(row->read.state) == CachedMethod::Unknown))
+        return findReadAccessor(type, row);
+    return row->read.method ? &row->read : nullptr;
+}
+inline const CachedMethod* writeAccessor(const ZMetaType* type, PropertyLookup* row) {
+    if (ORV_UNLIKELY(toolkit::loadAcquire(row->write.state) == CachedMethod::Unknown))
+        return findWriteAccessor(type, row);
+    return row->write.method ? &row->write : nullptr;
+}
+/// The same for an entry of the type's catalogue.
+const CachedMethod* readAccessor(const ZMetaType* type, const PropertyCatalogue::Entry& entry);
 /// A method of the type, looked up once for the place.
 ZMethod* cachedMethod(const ZMetaType* type, CachedMethod& place, const ZSelector& signature,
                       const ZSelector& qualifier, int& offset);
 /// Borrowed under an open guard; null without memory.
 const PropertyCatalogue* propertyCatalogue(const ZMetaType* type);
 
-/// Publishes a tree and answers the old one, to be retired with no lock held; `change`: lookups may answer otherwise
-/// now. False without memory.
-bool publishProperties(toolkit::EpochPtr<PublishedProperties>& place, PropertyTree&& tree, bool change,
-                       PublishedProperties*& old);
-void retireProperties(PublishedProperties* old);
+enum class PropertyPublish { Done, Outdated, NoMemory };
+/// Publishes a tree that was made from what stood there while `edits` was `seen`; if that isn't so any more, `Outdated`
+/// and the caller has the tree back.
+/// `change`: lookups may answer otherwise now. Under no lock that a reclaim function takes.
+PropertyPublish publishProperties(PropertyTables& tables, toolkit::EpochPtr<PublishedProperties>& place,
+                                  PropertyTree& tree, uint seen, bool change);
 
 } // namespace orv
