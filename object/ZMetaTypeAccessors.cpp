@@ -63,9 +63,11 @@ ZMethod* simple(const ZMetaType* type, ZTypedPtr* typed, const ZProperty* prop, 
 
 ZMethod* getterOf(const ZMetaType* type, ZTypedPtr* typed, const ZProperty* prop, PropertyLookup* row, bool ptrForm,
                   bool constForm, bool item) {
-    int place = item ? 4 + ptrForm : constForm * 2 + ptrForm;
+    CachedMethod* place = row ? &row->getters[item ? 4 + ptrForm : constForm * 2 + ptrForm] : nullptr;
+    if (item && !(place && toolkit::loadAcquire(place->state) != CachedMethod::Unknown))
+        constForm = type->methodType(prop->getter(ptrForm, true, true), zsel<"const">()) != nullptr;
     return accessor(
-        type, typed, row ? &row->getters[place] : nullptr, [&] { return prop->getter(ptrForm, constForm, item); },
+        type, typed, place, [&] { return prop->getter(ptrForm, constForm, item); },
         constForm ? zsel<"const">() : ZSelector());
 }
 ZMethod* setterOf(const ZMetaType* type, ZTypedPtr* typed, const ZProperty* prop, PropertyLookup* row, bool item) {

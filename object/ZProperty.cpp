@@ -1,5 +1,6 @@
 #include "object/ZProperty.h"
 
+#include "core/ZError.h"
 #include "object/ZMetaType.h"
 #include "object/propertyContainers.h"
 #include "object/ztype.h"
@@ -98,7 +99,7 @@ void ZProperty::setOptions(const ZSelector& options) {
 
 void ZProperty::setValue(const ZVariant& value) {
     held = value.type() && value.type() == ztype<ZVariant>() && !value.isNull() ? value.expand() : value;
-    if (bits & Copy) held.detach();
+    if ((bits & Copy) && !held.detach()) ZError::fail();
     resetType();
 }
 
@@ -128,7 +129,8 @@ void ZProperty::setupDynamic(const ZVariant& value, const ZSelector& options) {
     itemType = index = nullptr;
     if (value.type() && orv::containerTypes(value, types)) {
         itemType = types.item;
-        index = types.index ? types.index : ztype<int>();
+        const bool byPosition = types.kind == orv::ContainerTypes::Array || types.kind == orv::ContainerTypes::HashSet;
+        index = byPosition ? ztype<int>() : types.index;
         bits |= types.flags();
     }
     setOptions(options);
@@ -185,8 +187,4 @@ bool ZProperty::isTraversed() const {
     return !(bits & Alias) && held.type()->isTraversed();
 }
 
-bool ZProperty::beginUpdate() {
-    if (updating || (bits & Linked)) return false;
-    updating = 1;
-    return true;
-}
+bool ZProperty::beginUpdate() { return !(bits & Linked) && !toolkit::exchange(updating, byte(1)); }

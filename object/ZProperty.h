@@ -3,6 +3,7 @@
 #include "core/SlotPool.h"
 #include "core/ZSelector.h"
 #include "object/forward.h"
+#include "toolkit/atomic.h"
 #include "value/ZVariant.h"
 
 class ZBlendPos;
@@ -197,11 +198,18 @@ public:
 
     // Work
 
-
-    /// Marks the record as being walked; false if it is, or is a link. The caller holds the owner's write lock, or has
-    /// the owner alone.
+    /// How many items an instance of the type has of the property: what its counter method answers. 0 for what is no
+    /// container, and without a counter.
+    int countItems(ZMetaType* type, const void* instance) const;
+    /// Gives the object, which has this record as a dynamic property, methods that set it: the setter and, of a
+    /// container, that of an item. They can be called, and bound to. Done once for a record unless `force` asks for it;
+    /// a read-only property gets none. False without memory, and for null.
+    bool setupMethods(ZObject* object, bool force);
+    /// Marks the record as being walked; false if it is, or is a link. Other instances may share the record: a walk of
+    /// theirs, too, finds it marked.
     bool beginUpdate();
-    void endUpdate() { updating = 0; }
+    void endUpdate() { toolkit::store(updating, byte(0)); }
+    bool isUpdating() const { return toolkit::load(updating) != 0; }
 
 private:
     friend class ZPropertyPtr;

@@ -79,8 +79,8 @@ bool ZPropertyPtr::detach() {
     if (!record || record->refcount() < 2) return true;
     ZProperty* own = record->copy();
     if (!own) return false;
-    own->methodsSetup = record->methodsSetup;
-    own->updating = record->updating;
+    toolkit::store(own->methodsSetup, toolkit::load(record->methodsSetup));
+    toolkit::store(own->updating, toolkit::load(record->updating));
     std::exchange(record, own)->release();
     return true;
 }

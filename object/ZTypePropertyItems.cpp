@@ -47,11 +47,8 @@ Call accessor(const PropertyPlace& place, Accessor which) {
 Call itemGetter(const PropertyPlace& place) {
     Call call;
     if (place.kind != PropertyPlace::Declared) return call;
-    for (bool constForm : {true, false}) {
-        call.at = ZTypedPtr(place.self);
-        call.method = place.type->getterMethod(&call.at, place.property, false, constForm, true);
-        if (call) break;
-    }
+    call.at = ZTypedPtr(place.self);
+    call.method = place.type->getterMethod(&call.at, place.property, false, true, true);
     return call;
 }
 Call itemSetter(const PropertyPlace& place) {
@@ -66,6 +63,12 @@ ZVariant valueAt(const PropertyPlace& place) {
     ZVariant value;
     orv::readPlace(place, nullptr, true, value);
     return orv::holdsVariant(value) ? value.expand() : value;
+}
+
+/// After an accessor has changed the value, or hasn't.
+bool told(ZType* self, const PropertyPlace& place, bool notify, bool done) {
+    if (done) orv::tellDeclared(self, place, notify);
+    return done;
 }
 
 /// Changes a private copy of the value and writes it back.
@@ -211,7 +214,7 @@ bool ZType::removePropertyItem(const ZSelector& name, const ZVariant& key) {
         return forward(this, place, true,
                        [&](ZTypedPtr& to, const ZSelector& as) { return to.removePropertyItem(as, key); });
     if (place.kind == PropertyPlace::Nowhere) return false;
-    if (Call call = accessor(place, &ZMetaType::removerMethod)) return call.set(key);
+    if (Call call = accessor(place, &ZMetaType::removerMethod)) return told(this, place, true, call.set(key));
     return change(this, place, true, [&](ZVariant& value) { return value.removeItem(key); });
 }
 
@@ -224,9 +227,11 @@ bool ZType::removePropertyItem(const ZSelector& name, int index) {
         return forward(this, place, true,
                        [&](ZTypedPtr& to, const ZSelector& as) { return to.removePropertyItem(as, index); });
     if (place.kind == PropertyPlace::Nowhere) return false;
-    if (Call call = accessor(place, &ZMetaType::removeByIndexMethod)) return call.set(ZVariant(index));
+    if (Call call = accessor(place, &ZMetaType::removeByIndexMethod))
+        return told(this, place, true, call.set(ZVariant(index)));
     if (place.property->isArray())
-        if (Call call = accessor(place, &ZMetaType::removerMethod)) return call.set(ZVariant(index));
+        if (Call call = accessor(place, &ZMetaType::removerMethod))
+            return told(this, place, true, call.set(ZVariant(index)));
     return change(this, place, true, [&](ZVariant& value) { return value.removeItem(index); });
 }
 
@@ -240,7 +245,7 @@ bool ZType::insertPropertyItem(const ZSelector& name, const ZVariant& key, const
             return to.insertPropertyItem(as, key, value, notify);
         });
     if (place.kind == PropertyPlace::Nowhere) return false;
-    if (Call call = accessor(place, &ZMetaType::inserterMethod)) return call.set(key, value);
+    if (Call call = accessor(place, &ZMetaType::inserterMethod)) return told(this, place, notify, call.set(key, value));
     return change(this, place, notify, [&](ZVariant& held) { return held.insertItem(key, value); });
 }
 
@@ -253,7 +258,7 @@ bool ZType::addPropertyItem(const ZSelector& name, const ZVariant& value, bool n
         return forward(this, place, notify,
                        [&](ZTypedPtr& to, const ZSelector& as) { return to.addPropertyItem(as, value, notify); });
     if (place.kind == PropertyPlace::Nowhere) return false;
-    if (Call call = accessor(place, &ZMetaType::adderMethod)) return call.set(value);
+    if (Call call = accessor(place, &ZMetaType::adderMethod)) return told(this, place, notify, call.set(value));
     return change(this, place, notify, [&](ZVariant& held) { return held.appendItem(value); });
 }
 
@@ -268,7 +273,7 @@ bool ZType::setPropertyItem(const ZSelector& name, int index, const ZVariant& va
         });
     if (place.kind == PropertyPlace::Nowhere) return false;
     if (place.property->isArray())
-        if (Call call = itemSetter(place)) return call.set(ZVariant(index), value);
+        if (Call call = itemSetter(place)) return told(this, place, notify, call.set(ZVariant(index), value));
     return change(this, place, notify, [&](ZVariant& held) { return held.setItem(index, value); });
 }
 
@@ -285,7 +290,7 @@ bool ZType::setPropertyItem(const ZSelector& name, const ZVariant& key, const ZV
         return forward(this, place, notify,
                        [&](ZTypedPtr& to, const ZSelector& as) { return to.setPropertyItem(as, key, value, notify); });
     if (place.kind == PropertyPlace::Nowhere) return false;
-    if (Call call = itemSetter(place)) return call.set(key, value);
+    if (Call call = itemSetter(place)) return told(this, place, notify, call.set(key, value));
     return change(this, place, notify, [&](ZVariant& held) { return held.setItem(key, value); });
 }
 

@@ -12,8 +12,8 @@ namespace {
 
 constexpr int deepestWalk = 512;
 
-/// A declared property of an instance whose value is being walked. Marks can't stand in the record: all instances and
-/// threads share it.
+/// A property of an instance whose value is being walked. Marks can't stand in the record: other instances, and with
+/// them other threads, share it.
 struct Frame {
     const void* instance;
     const ZProperty* property;
@@ -22,11 +22,23 @@ struct Frame {
 constinit thread_local const Frame* innermost = nullptr;
 constinit thread_local int walkDepth = 0;
 
-bool walked(const void* instance, const ZProperty* property) {
+bool isWalked(const void* instance, const ZProperty* property) {
     for (const Frame* frame = innermost; frame; frame = frame->outer)
         if (frame->instance == instance && frame->property == property) return true;
     return false;
 }
+
+class FrameScope {
+public:
+    FrameScope(const void* instance, const ZProperty* property) : frame{instance, property, innermost} {
+        innermost = &frame;
+    }
+    ~FrameScope() { innermost = frame.outer; }
+    FrameScope(const FrameScope&) = delete;
+
+private:
+    const Frame frame;
+};
 
 struct Depth {
     Depth() { ++walkDepth; }
@@ -42,14 +54,31 @@ struct Walk {
 
     /// Whether the value, that of a property of `instance`, changed.
     bool enter(const ZProperty& property, ZVariant& value, const void* instance) const {
-        bool changed = update && update(property, value, context);
-        if (recursive && value.toType() != instance && Depth::mayEnter()) {
-            Depth deeper;
-            changed |= value.updateProperties(nullptr, filter, update, context, recursive, detached);
-        }
-        return changed;
+        if (update && update(property, value, context)) return true;
+        if (!recursive || value.toType() == instance || !Depth::mayEnter()) return false;
+        Depth deeper;
+        return value.updateProperties(nullptr, filter, update, context, recursive, detached);
     }
 };
+
+bool mayWalk(const ZType* self, const ZProperty& property) {
+    return !property.hasFlags(ZProperty::Linked) && !property.isUpdating() && !isWalked(self, &property);
+}
+
+/// Walks the value of a dynamic property, whose record the caller holds. Where another instance shares the value, or
+/// with `detached`, this is done on a copy, which takes its place after a change.
+bool walkDynamic(const Walk& walk, ZType* self, ZType::DynamicProperties& tree, ZProperty* record) {
+    const bool shared = !tree.isDetached() || record->refcount() > 2;
+    if (!walk.detached && !shared) return walk.enter(*record, const_cast<ZVariant&>(record->value()), self);
+    ZVariant copy = record->value();
+    if (walk.detached && copy.toType() != self && !copy.detach()) return false;
+    if (!walk.enter(*record, copy, self)) return false;
+    const ZPropertyPtr* known = tree.find(record->name());
+    ZPropertyPtr* own = known ? tree.edit(known) : nullptr;
+    if (!own || !own->property() || !own->detach()) return false;
+    (*own)->setValue(copy);
+    return true;
+}
 
 } // namespace
 
@@ -74,9 +103,8 @@ bool ZMetaType::updatePropertyDefs(ZTypedPtr* typed, orv::PropertyVisit filter, 
             }
         }
         if (!property) continue;
-        if (!walked(typed->instance, property) && (!filter || filter(*property, value, context))) {
-            const Frame frame{typed->instance, property, innermost};
-            innermost = &frame;
+        if (!isWalked(typed->instance, property) && (!filter || filter(*property, value, context))) {
+            FrameScope frame(typed->instance, property);
             const bool itself = value.toType() == typed->instance;
             if ((!detached || itself || value.detach()) && walk.enter(*property, value, typed->instance)) {
                 ZTypedPtr at(const_cast<ZMetaType*>(this), typed->instance);
@@ -84,7 +112,6 @@ bool ZMetaType::updatePropertyDefs(ZTypedPtr* typed, orv::PropertyVisit filter, 
                 ZMethod* setter = property->readOnly() ? nullptr : setterMethod(&at, name, false);
                 changed |= setter && setVariant(setter, at.instance, value);
             }
-            innermost = frame.outer;
         }
         property->release();
     }
@@ -104,25 +131,9 @@ bool ZType::updateProperties(ZTypedPtr* typed, orv::PropertyVisit filter, orv::P
         const ZPropertyPtr* entry = dynamicProperties.find(name);
         ZProperty* record = entry && entry->property() ? entry->property()->retain() : nullptr;
         if (!record) continue;
-        auto& stored = const_cast<ZVariant&>(record->value());
-        if ((!filter || filter(*record, stored, context)) && record->beginUpdate()) {
-            if (!detached) {
-                changed |= walk.enter(*record, stored, this);
-            } else {
-                ZVariant copy = stored;
-                const bool itself = copy.toType() == this;
-                if ((itself || copy.detach()) && walk.enter(*record, copy, this)) {
-                    record->endUpdate();
-                    const ZPropertyPtr* known = dynamicProperties.find(name);
-                    ZPropertyPtr* own = known ? dynamicProperties.edit(known) : nullptr;
-                    if (own && own->property() && own->detach()) {
-                        (*own)->setValue(copy);
-                        changed = true;
-                    }
-                }
-            }
-            record->endUpdate();
-            if (ZProperty* now = dynamicProperty(name)) now->endUpdate();
+        if ((!filter || filter(*record, const_cast<ZVariant&>(record->value()), context)) && mayWalk(this, *record)) {
+            FrameScope frame(this, record);
+            changed |= walkDynamic(walk, this, dynamicProperties, record);
         }
         record->release();
     }

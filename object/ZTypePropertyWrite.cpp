@@ -54,16 +54,31 @@ void callUpdaters(ZType* self, const ZProperty& property) {
     innermostUpdate = update.outer;
 }
 
+bool isBound(ZType* self, const ZMetaType* type) {
+    return type && type->kind() == ZMetaType::Object && static_cast<ZObject*>(self)->hasBindings();
+}
 /// Tells who is bound to a property of an object.
 void callBindings(ZType* self, const ZMetaType* type, const ZSelector& name, const ZVariant& value) {
-    if (!type || type->kind() != ZMetaType::Object) return;
-    auto object = static_cast<ZObject*>(self);
-    if (object->hasBindings()) object->callPropertyBindings(name, value);
+    if (isBound(self, type)) static_cast<ZObject*>(self)->callPropertyBindings(name, value);
 }
+
+/// Keeps an instance while foreign code runs that may give up the last reference to it.
+class Kept {
+public:
+    explicit Kept(ZType* instance) : instance(instance->retain()) {}
+    ~Kept() {
+        if (instance) instance->release();
+    }
+    Kept(const Kept&) = delete;
+
+private:
+    ZType* instance;
+};
 
 /// Tells a change of a dynamic property with no lock held. Gives up the record, which is kept until then, whatever
 /// happens to the entry.
 void tell(ZType* self, ZProperty* record, bool notify) {
+    Kept kept(self);
     self->propertyChanged(*record);
     if (notify) callBindings(self, self->type(), record->name(), record->value());
     record->release();
@@ -77,7 +92,13 @@ bool setDynamicValue(ZType* self, ZType::DynamicProperties& tree, const ZSelecto
     ZPropertyPtr* entry = editEntry(tree, name);
     if (!entry) return false;
     old = entry->property()->value();
+    ZFailGuard failures;
     (*entry)->setValue(value);
+    if (ORV_UNLIKELY(failures.rose())) {
+        failures.forget();
+        (*entry)->setValue(old);
+        return false;
+    }
     ZProperty* record = entry->property()->retain();
     lock.open();
     if (record) tell(self, record, notify);
@@ -113,6 +134,14 @@ bool putDynamic(ZType* self, ZType::DynamicProperties& tree, const ZProperty& pr
     return true;
 }
 
+bool putDynamic(ZType* self, ZType::DynamicProperties& tree, const ZSelector& name, const ZVariant& value, uint flags) {
+    ZFailGuard failures;
+    ZProperty fresh(name, value, flags | ZProperty::Dynamic);
+    if (ORV_LIKELY(!failures.rose())) return putDynamic(self, tree, fresh);
+    failures.forget();
+    return false;
+}
+
 /// Writes through the setter of a declared property.
 bool setDeclared(ZType* self, const PropertyPlace& place, const ZVariant& value, bool notify) {
     const orv::CachedMethod* setter = orv::writeAccessor(place.type, place.row);
@@ -126,12 +155,19 @@ bool setDeclared(ZType* self, const PropertyPlace& place, const ZVariant& value,
     bool called = orv::callForNumber(setter->method, at, &word, 1, done);
     if (locked) self->unlock();
     if (!called || (place.row->writePlan.answers && !(done & 0xFF))) return false;
-    if (ORV_UNLIKELY(!place.property->getUpdaters().isEmpty())) callUpdaters(self, *place.property);
-    if (notify) callBindings(self, place.type, *place.name, value);
+    orv::tellDeclared(self, place, notify);
     return true;
 }
 
 } // namespace
+
+void orv::tellDeclared(ZType* self, const PropertyPlace& place, bool notify) {
+    const bool updates = !place.property->getUpdaters().isEmpty(), bound = notify && isBound(self, place.type);
+    if (ORV_LIKELY(!updates && !bound)) return;
+    Kept kept(self);
+    if (updates) callUpdaters(self, *place.property);
+    if (bound) callBindings(self, place.type, *place.name, self->getProperty(*place.name));
+}
 
 // Values
 
@@ -140,7 +176,7 @@ bool ZType::setDynamicProperty(ZTypedPtr* typed, const ZSelector& name, const ZV
     if (today.isEmpty()) return false;
     if (typed) *typed = ZTypedPtr(this);
     if (hasDynamicProperty(today)) return setDynamicValue(this, dynamicProperties, today, value);
-    return add && putDynamic(this, dynamicProperties, ZProperty(today, value, flags | ZProperty::Dynamic));
+    return add && putDynamic(this, dynamicProperties, today, value, flags);
 }
 
 bool ZType::setDynamicProperty(const ZSelector& name, const ZVariant& value, bool add) {
@@ -209,7 +245,9 @@ bool ZType::clearProperty(const ZSelector& name) {
         ZTypedPtr at(this);
         if (ZMethod* method = metaType->cleanerMethod(&at, place.property)) {
             int done = 0;
-            return orv::callForNumber(method, at.instance, nullptr, 0, done) && (done & 0xFF);
+            if (!orv::callForNumber(method, at.instance, nullptr, 0, done) || !(done & 0xFF)) return false;
+            orv::tellDeclared(this, place, true);
+            return true;
         }
         return setProperty(today, place.property->value());
     }
@@ -315,7 +353,7 @@ bool ZType::addProperty(const ZSelector& name, const ZVariant& value) {
 }
 
 bool ZType::addProperty(const ZSelector& name, const ZVariant& value, uint flags) {
-    return !name.isEmpty() && putDynamic(this, dynamicProperties, ZProperty(name, value, flags | ZProperty::Dynamic));
+    return !name.isEmpty() && putDynamic(this, dynamicProperties, name, value, flags);
 }
 
 bool ZType::addProperty(const ZSelector& name, const ZVariant& value, const ZSelector& words) {

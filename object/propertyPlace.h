@@ -56,6 +56,8 @@ bool readProperty(const ZType* self, ZTypedPtr* typed, const ZSelector& name, bo
 /// The same at a place.
 bool readPlace(const PropertyPlace& place, ZTypedPtr* typed, bool resolve, ZVariant& value);
 
+/// Calls the update methods of a declared property that has changed, and, with `notify`, what is bound to it.
+void tellDeclared(ZType* self, const PropertyPlace& place, bool notify);
 /// Puts the value that a place holds back under the first name.
 bool writeBack(ZType* self, const PropertyPlace& place, bool notify);
 /// Writes a path of at least two parts.
