@@ -1,10 +1,28 @@
 #include "object/DelegateWalk.h"
 
 #include "core/memory.h"
+#include "toolkit/thread.h"
 
 #include <cstring>
 
+namespace {
+ORV_THREAD_LOCAL orv::WalkTurn* currentTurn = nullptr;
+} // namespace
+
 namespace orv {
+
+WalkTurn::WalkTurn(const ZObject* object, Operation operation, const ZSelector& name)
+    : object(object), operation(operation), name(name.key()), outer(currentTurn) {
+    currentTurn = this;
+}
+WalkTurn::~WalkTurn() { currentTurn = outer; }
+bool WalkTurn::take(const ZObject* object, Operation operation, const ZSelector& name) {
+    WalkTurn* turn = currentTurn;
+    if (ORV_LIKELY(!turn) || turn->object != object || turn->operation != operation || turn->name != name.key())
+        return false;
+    turn->object = nullptr;
+    return true;
+}
 
 DelegateWalk::~DelegateWalk() {
     while (depth) pop();

@@ -23,6 +23,8 @@ public:
 
     /// The next object in turn, to be used until the next call; null at the end.
     ZObject* next();
+    /// The delegates that come behind the object in turn, and its parent, are left out.
+    void skipRest() { frames[depth - 1].phase = Done; }
     /// Whether the walk has come to its end for lack of memory.
     bool outOfMemory() const { return failed; }
 
@@ -57,6 +59,28 @@ private:
     Seen* seen = nullptr;
     const void* firstSeen[ownFrames];
     Frame own[ownFrames];
+};
+
+/// The turn of one object in a walk, which calls the object's virtual operation. Where that comes to the operation of
+/// `ZObject`, which takes the turn, the object answers for itself alone, and the walk goes on to its delegates.
+class WalkTurn {
+public:
+    enum Operation : byte { Method, Multimethod, Dispatch, DispatchArguments };
+
+    WalkTurn(const ZObject* object, Operation operation, const ZSelector& name);
+    ~WalkTurn();
+    WalkTurn(const WalkTurn&) = delete;
+
+    /// Whether it is the turn of this object. Calls that it makes in turn are calls like any other.
+    static bool take(const ZObject* object, Operation operation, const ZSelector& name);
+    /// False if the operation was overridden, and answered for the delegates as well.
+    bool taken() const { return !object; }
+
+private:
+    const ZObject* object;
+    const Operation operation;
+    const uint name;
+    WalkTurn* const outer;
 };
 
 } // namespace orv

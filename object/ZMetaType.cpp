@@ -331,6 +331,7 @@ void ZMetaType::setIndexLabel(int label) { own->indexLabel = label; }
 
 uint ZMetaType::getInternalSize() const { return (own->internalSize + 15) & ~15u; }
 void ZMetaType::setInternalSize(uint bytes) {
+    if (own->internalSize == bytes) return;
     own->internalSize = bytes;
     orv::typesChanged();
 }
@@ -341,19 +342,19 @@ void ZMetaType::setInternalOffset(int bytes) { own->internalOffset = bytes; }
 
 /// Asked for each new instance, so the sum is kept until types change.
 int ZMetaType::calcInternalSize(bool whole) const {
-    if (!whole) return int(getInternalSize());
-    const ularge now = orv::typeGeneration() << 32;
-    const ularge known = toolkit::load(own->calculatedInternal);
-    if (ORV_LIKELY(known >> 32 == now >> 32)) return int(uint(known));
+    ularge size = getInternalSize();
+    if (!whole) return int(size);
+    const uint now = uint(orv::typeGeneration());
+    const ularge known = toolkit::load(own->wholeInternalSize);
+    if (ORV_LIKELY(uint(known >> 32) == now)) return int(uint(known));
     toolkit::EpochGuard guard;
     const orv::AncestorList* list = orv::ancestorsOf(this);
-    ularge size = getInternalSize();
-    if (!list) return int(size);
+    if (!list) return -1;
     for (const orv::Ancestor *at = list->entries(), *end = at + list->count; at < end; ++at)
         if (!at->isAlias) size += at->type->getInternalSize();
-    const uint whole32 = size > 0x7FFFFFFF ? ~0u : uint(size);
-    toolkit::store(own->calculatedInternal, now | whole32);
-    return int(whole32);
+    const int whole32 = size > 0x7FFFFFFF ? -1 : int(size);
+    toolkit::store(own->wholeInternalSize, ularge(now) << 32 | uint(whole32));
+    return whole32;
 }
 
 // Callbacks

@@ -160,8 +160,12 @@ public:
     virtual void clearSubTypes();
     virtual void removeSubTypes();
     virtual bool initialize();
+    /// The ends of the list of this type's objects, in the order of creation. Objects come and go on any thread: a walk
+    /// along them is for who knows that none does, all others ask `getTypeObjects`.
     virtual ZObject* getTypeFirst() const;
     virtual ZObject* getTypeLast() const;
+    /// Adds the objects of this type, each retained. False, with none added, without memory.
+    bool getTypeObjects(ZArrayT<ZRetainPtrT<ZObject>>& objects) const;
     virtual void changed();
 
     // Names

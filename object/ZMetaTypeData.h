@@ -102,7 +102,7 @@ struct MetaTypeData {
     uint internalSize = 0;
     int internalOffset = 0;
     bool dynamicInternal = false;
-    ularge calculatedInternal = 0; ///< of all bases too: the `typeGeneration` times 2^32, plus the bytes
+    ularge wholeInternalSize = 0; ///< with all bases: in the lower half, for the `typeGeneration` in the upper one
 
     // Base graph
 
@@ -131,8 +131,8 @@ struct MetaTypeData {
     ZObject::DispatchTable dispatch;
     byte dispatchState = tableUnbuilt; ///< of `dispatch`
     uint dispatchResets = 0;
-    bool hasDispatch = false;          ///< `dispatch` isn't empty
-    bool dispatchStale = false;        ///< what its entries found isn't used again
+    bool hasDispatch = false;   ///< `dispatch` isn't empty
+    bool dispatchStale = false; ///< what its entries found isn't used again
 
     // Callbacks and what was made of them
 
@@ -141,8 +141,10 @@ struct MetaTypeData {
     ZHashMapT<ZSelector, ZKeyValueT<ZSelector, ZSelectorMap>> selectorGroups;
     ularge predicates[predCount] = {}; ///< the `typeGeneration` it was worked out at, times 2, plus the value
 
-    // Instances
+    // Instances. The list has a lock of its own, under which none is taken.
 
+    ZSpinLock instanceLock;
+    uint objectCount = 0;
     ZObject* firstInstance = nullptr;
     ZObject* lastInstance = nullptr;
     ZObject* singleton = nullptr;

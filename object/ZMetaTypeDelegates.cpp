@@ -9,12 +9,8 @@ namespace {
 /// The objects of a type, each retained while `use` sees it; no lock is held then.
 template <class F> void eachObject(const ZMetaType* type, F use) {
     ZArrayT<ZRetainPtrT<ZObject>> objects;
-    type->readLock();
-    for (ZObject* object = type->getTypeFirst(); object; object = object->getTypeNext())
-        if (!objects.append(ZRetainPtrT<ZObject>(object))) break;
-    type->unlock();
-    for (const auto& object : std::as_const(objects))
-        if (object) use(object.get());
+    type->getTypeObjects(objects);
+    for (const auto& object : std::as_const(objects)) use(object.get());
 }
 
 } // namespace

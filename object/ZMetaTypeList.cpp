@@ -1,3 +1,4 @@
+#include "core/ZRetainPtrT.h"
 #include "core/memlock.h"
 #include "object/ZMetaTypeData.h"
 
@@ -31,29 +32,44 @@ ZObject* ZMetaType::getTypeFirst() const { return toolkit::loadAcquire(own->firs
 ZObject* ZMetaType::getTypeLast() const { return toolkit::loadAcquire(own->lastInstance); }
 
 void ZMetaType::linkObject(ZObject* object) {
-    writeLock();
+    orv::MetaTypeData& data = *own;
+    ZScopedLock held(data.instanceLock);
     object->typeNext = nullptr;
-    object->typePrev = own->lastInstance;
-    if (own->lastInstance) own->lastInstance->typeNext = object;
-    if (!own->firstInstance) toolkit::storeRelease(own->firstInstance, object);
-    toolkit::storeRelease(own->lastInstance, object);
-    unlock();
+    object->typePrev = data.lastInstance;
+    if (data.lastInstance) data.lastInstance->typeNext = object;
+    if (!data.firstInstance) toolkit::storeRelease(data.firstInstance, object);
+    toolkit::storeRelease(data.lastInstance, object);
+    toolkit::store(data.objectCount, data.objectCount + 1);
 }
 void ZMetaType::unlinkObject(ZObject* object) {
-    writeLock();
+    orv::MetaTypeData& data = *own;
+    ZScopedLock held(data.instanceLock);
     ZObject *next = object->typeNext, *prev = object->typePrev;
-    if (prev || next || own->firstInstance == object) {
-        if (prev)
-            prev->typeNext = next;
-        else
-            toolkit::storeRelease(own->firstInstance, next);
-        if (next)
-            next->typePrev = prev;
-        else
-            toolkit::storeRelease(own->lastInstance, prev);
-    }
+    if (!prev && !next && data.firstInstance != object) return;
+    if (prev)
+        prev->typeNext = next;
+    else
+        toolkit::storeRelease(data.firstInstance, next);
+    if (next)
+        next->typePrev = prev;
+    else
+        toolkit::storeRelease(data.lastInstance, prev);
+    toolkit::store(data.objectCount, data.objectCount - 1);
     object->typeNext = object->typePrev = nullptr;
-    unlock();
+}
+
+bool ZMetaType::getTypeObjects(ZArrayT<ZRetainPtrT<ZObject>>& objects) const {
+    orv::MetaTypeData& data = *own;
+    for (;;) {
+        // No memory is asked for under the lock.
+        const uint room = toolkit::load(data.objectCount) + 16;
+        if (!objects.reserve(objects.count() + room)) return false;
+        ZScopedLock held(data.instanceLock);
+        if (data.objectCount > room) continue;
+        for (ZObject* object = data.firstInstance; object; object = object->typeNext)
+            if (::retain(object)) objects.append(ZRetainPtrT<ZObject>::adopt(object));
+        return true;
+    }
 }
 
 void ZMetaType::dropObjects() {

@@ -54,6 +54,12 @@ bool ZMethodDispatch::known(const void* instance, const ZMetaType* type, const Z
     return true;
 }
 
+namespace {
+/// What is found on another part of an object isn't kept: the next lookup asks for the object itself. Nor what
+/// delegates have to do with: they change without their owners.
+bool keeps(const ZObject* object) { return !object->hasDelegate(); }
+} // namespace
+
 ZMethodRef ZMethodDispatch::getMethod(const ZMetaType* type) const {
     ZMethodRef found;
     if (!type || known(nullptr, type, {}, found)) return found;
@@ -78,10 +84,9 @@ ZMethodRef ZMethodDispatch::getMethod(const ZObject* object) const {
     const ularge generation = orv::typeGeneration();
     ZTypedPtr typed(object);
     found.set(object->method(&typed, name, words), object, object->type());
-    // What is called on another part of the object isn't kept: the next lookup asks for the object itself.
     if (typed.instance != object)
         found.set(found.getMethod(), typed.instance, typed.type);
-    else
+    else if (keeps(object))
         keep(found, {}, generation);
     return found;
 }
@@ -94,7 +99,7 @@ ZMethodRef ZMethodDispatch::getMethod(const ZObject* object, const ZArrayT<ZMeta
     found.set(object->multimethod(nullptr, &typed, name, types, true, true, false, words), object, object->type());
     if (typed.instance != object)
         found.set(found.getMethod(), typed.instance, typed.type);
-    else
+    else if (keeps(object))
         keep(found, types, generation);
     return found;
 }

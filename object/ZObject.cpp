@@ -105,13 +105,13 @@ bool NameIndex::add(ZObject* object) {
 
 ZObject::ZObject(const __ZPassMetaType* type, ZInternal* given)
     : ZType(ownType(type)), internal(internalBlock(metaType, given)), priv(makePart(this, internal)) {
-    if (priv) ZObject::typeLink();
+    if (priv) enlist();
 }
 
 ZObject::ZObject(const ZObject* source, const __ZPassMetaType* type, ZInternal* given)
     : ZType(source, ownType(type)), internal(internalBlock(metaType, given)), priv(makePart(this, internal)) {
     if (!priv) return;
-    ZObject::typeLink();
+    enlist();
     ObjectData* from = source ? ObjectData::of(source) : nullptr;
     if (!from) return;
     priv->selector = from->selector;
@@ -133,7 +133,8 @@ ZObject::ZObject(const ZObject* source, const __ZPassMetaType* type, ZInternal* 
             ZError::fail();
             return;
         }
-        priv->set(toolkit::load(from->bits) & (ObjectData::Methods | ObjectData::ExtMethods | ObjectData::Dispatch),
+        priv->set(toolkit::load(from->bits) &
+                      (ObjectData::Methods | ObjectData::ExtMethods | ObjectData::Dispatch | ObjectData::ExtStale),
                   true);
     }
     if (!from->has(ObjectData::CopyMembers) || !source->firstChild) return;
@@ -164,7 +165,7 @@ ZObject::~ZObject() {
             child->release();
         }
         if (parent) ZObject::unlink();
-        ZObject::typeUnlink();
+        if (metaType && priv->has(ObjectData::TypeLinked)) metaType->unlinkObject(this);
         orv::dropDelegates(this);
         orv::NameIndex::drop(priv->childNames);
         orv::NameIndex::drop(priv->delegateNames);
@@ -225,6 +226,12 @@ bool ZObject::log_verify() const {
 
 // Type
 
+void ZObject::enlist() {
+    if (!metaType) return;
+    // Nobody knows the object yet.
+    priv->bits |= ObjectData::TypeLinked;
+    metaType->linkObject(this);
+}
 void ZObject::typeLink() {
     if (!priv || !metaType || priv->has(ObjectData::TypeLinked)) return;
     metaType->linkObject(this);
@@ -271,8 +278,7 @@ ZSelector ZObject::selector() const { return priv ? priv->selector : ZSelector()
 void ZObject::setSelector(const ZSelector& name) {
     if (!priv || priv->selector == name) return;
     if (priv->has(ObjectData::Published | ObjectData::PropertyDelegate)) orv::renamePublished(this, name);
-    priv->selector = name;
-    orv::namedAnew(this);
+    orv::rename(this, name);
     if (globalNamed()) publishNamed();
 }
 

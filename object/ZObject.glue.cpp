@@ -2,11 +2,15 @@
 
 #include "core/ZArrayT.h"
 #include "core/ZSelector.h"
+#include "core/ZUnique.h"
 #include "object/ZMetaType.h"
 #include "object/ZMethodRef.h"
-#include "object/ZType.h"
+#include "object/ZObjectData.h"
 #include "object/glue.h"
+#include "value/ZVArray.h"
 #include "value/ZVariant.h"
+
+#include <iterator>
 
 namespace orv::glue {
 
@@ -35,6 +39,21 @@ template <> struct Table<ZObject> : Declares<ZObject> {
         ORV_METHOD(bool, definesName, (const ZSelector&), const),
         ORV_METHOD(bool, implements, (const ZSelector&, const ZSelector&), const),
         ORV_METHOD(void, delegatePropertyChanged, (const ZSelector&), ),
+        ORV_STATIC(void, closeNamed, (), "unsafe"),
+        ORV_STATIC(int, internalSizeOfType, (bool)),
+        ORV_STATIC(void, resourceChanged, (const ZSelector&)),
+        // Signals: they do nothing, for others to be bound to.
+        ORV_ADAPTER(
+            void, discarded, (), , [](Self&) {}, "bind"),
+        ORV_ADAPTER(
+            void, revived, (), , [](Self&) {}, "bind"),
+        ORV_ADAPTER(
+            void, loaded, (), , [](Self&) {}, "bind"),
+        ORV_ADAPTER(
+            void, loopExited, (), , [](Self&) {}, "bind"),
+        ORV_ADAPTER(
+            void, eventPosted, (), , [](Self&) {}, "bind"),
+        ORV_METHOD(bool, log_verify, (), const),
         ORV_METHOD(void, cancelDiscarded, (), , "unsafe"),
         ORV_METHOD(void, releaseDiscarded, (), , "unsafe"),
         ORV_METHOD(bool, isDiscarded, (), const),
@@ -45,6 +64,7 @@ template <> struct Table<ZObject> : Declares<ZObject> {
         ORV_METHOD(bool, removeNamed, (), , "unsafe"),
         ORV_METHOD(bool, setPropertyDelegate, (bool), , "unsafe"),
         ORV_METHOD(ZObject*, deepCopy, (), const, "creator"),
+        ORV_METHOD(bool, hasBindings, (), const),
         ORV_METHOD(bool, isMetaType, (), const),
         ORV_METHOD(void, setIsMetaType, (bool), , "unsafe"),
         ORV_METHOD(bool, isTypeLinked, (), const),
@@ -121,13 +141,74 @@ template <> struct Table<ZObject> : Declares<ZObject> {
         ORV_METHOD(bool, addDelegate, (ZObject*, bool), , "unsafe"),
         ORV_METHOD(bool, removeDelegate, (ZObject*), , "unsafe"),
         ORV_METHOD(bool, removeDelegate, (const ZSelector&), , "unsafe"),
+        ORV_METHOD(bool, loadDelegate, (const ZSelector&, const ZSelector&), , "unsafe"),
         ORV_METHOD(ZObject*, findDelegate, (const ZSelector&), const),
         ORV_METHOD(bool, detachDelegates, (), , "unsafe"),
+        ORV_METHOD(int, findBinding,
+                   (const ZObject*, const ZSelector&, const ZSelector&, const ZSelector&, const ZSelector&), const),
+        ORV_METHOD(int, bind, (ZObject*, const ZSelector&, const ZSelector&, const ZSelector&, const ZSelector&), ),
+        ORV_METHOD(bool, xbind, (ZObject*, const ZSelector&, const ZSelector&, const ZSelector&, const ZSelector&), ),
+        ORV_METHOD(bool, xunbind, (ZObject*, const ZSelector&, const ZSelector&, const ZSelector&, const ZSelector&), ),
+        ORV_METHOD(int, bindArg, (ZObject*, const ZSelector&, const ZSelector&, const ZArrayT<ZVariant>&, int), ),
+        ORV_METHOD(int, bindService, (const ZSelector&, const ZSelector&, const ZSelector&), ),
+        ORV_METHOD(bool, autobind, (ZObject*, bool), ),
+        ORV_METHOD(bool, unbind, (ZObject*, const ZSelector&, const ZSelector&, const ZSelector&, const ZSelector&), ),
+        ORV_METHOD(bool, unbindsrc, (const ZSelector&, const ZSelector&), ),
+        ORV_METHOD(bool, unbinddst, (const ZSelector&, const ZSelector&), ),
+        ORV_METHOD(bool, unbindLabeled, (const ZSelector&), ),
+        ORV_METHOD(bool, unbindLabeled, (ZObject*, const ZSelector&), ),
+        ORV_METHOD(bool, unbindService, (const ZSelector&, const ZSelector&, const ZSelector&), ),
+        ORV_METHOD(int, lbind, (const ZSelector&, ZObject*, const ZSelector&, const ZSelector&), ),
+        ORV_METHOD(bool, lxbind, (const ZSelector&, ZObject*, const ZSelector&, const ZSelector&), ),
+        ORV_METHOD(bool, bindings, (ZArrayT<int>&), const),
+        ORV_METHOD(bool, bindings, (const ZObject*, ZArrayT<int>&), const),
+        ORV_METHOD(int, bindType, (ZMetaType*, const ZSelector&, const ZSelector&), ),
+        ORV_METHOD(bool, unbindType, (ZMetaType*, const ZSelector&, const ZSelector&), ),
+        ORV_METHOD(ZObject*, caller, (), const),
+        ORV_METHOD(bool, callerReturn, (const ZVariant&), ),
+        ORV_METHOD(ZMetaType*, callerRetType, (), const),
+        ORV_METHOD(bool, callPropertyBindings, (const ZSelector&, const ZVariant&), ),
+        ORV_METHOD(bool, invokePropertyBindings, (const ZSelector&, const ZVariant&), ),
         ORV_METHOD(void, resetPropertyDelegates, (), , "unsafe"),
         ORV_METHOD(bool, hasPropDelegate, (const ZSelector&), const),
         ORV_METHOD(ZVariant, getPropDelegate, (const ZSelector&), const),
         ORV_METHOD(bool, setPropDelegate, (const ZSelector&, const ZVariant&), ),
         ORV_METHOD(bool, removePropDelegate, (const ZSelector&), ),
+        ORV_METHOD(void, notifyResource, (const ZSelector&), ),
+        ORV_METHOD(bool, setStringRes, (const ZSelector&), ),
+        ORV_METHOD(bool, addWatchdog, (const ZSelector&, real), ),
+        ORV_METHOD(bool, removeWatchdog, (const ZSelector&), ),
+        ORV_METHOD(void, removeFromEvents, (), ),
+        ORV_METHOD(bool, forwardCurrentEvent, (bool), ),
+        ORV_METHOD(bool, runLoop, (bool), ),
+        ORV_METHOD(void, exitLoop, (), ),
+        ORV_METHOD(ZUnique, postMethod, (const ZMethodRef&), ),
+        ORV_METHOD(bool, postMethod, (const ZUnique&, const ZMethodRef&), ),
+        ORV_METHOD(ZUnique, timedMethod, (const ZMethodRef&, real), ),
+        ORV_METHOD(bool, timedMethod, (const ZUnique&, const ZMethodRef&, real), ),
+        ORV_METHOD(ZUnique, postedMethodId, (const ZSelector&), const),
+        ORV_METHOD(bool, hasPostMethod, (const ZUnique&), const),
+        ORV_METHOD(bool, hasTimedMethod, (const ZUnique&), const),
+        ORV_METHOD(bool, isTimedPost, (const ZSelector&), const),
+        ORV_METHOD(bool, hasMethodPost, (const ZSelector&), const),
+        ORV_METHOD(int, startTimer, (real, bool), ),
+        ORV_METHOD(int, startTimer, (const ZMethodRef&, real), ),
+        ORV_METHOD(bool, stopTimer, (int), ),
+        ORV_METHOD(bool, removePostMethod, (const ZUnique&), ),
+        ORV_METHOD(bool, removeTimedMethod, (const ZUnique&), ),
+        ORV_METHOD(bool, setPostedMethodId, (const ZSelector&, const ZUnique&), ),
+        ORV_METHOD(bool, removeMethodPost, (const ZSelector&), ),
+        ORV_METHOD(bool, addMethodPost, (const ZSelector&, const ZMethodRef&), ),
+        ORV_METHOD(bool, addMethodPost, (const ZSelector&, const ZMethodRef&, real), ),
+        ORV_METHOD(bool, addMethodPost, (const ZSelector&, const ZSelector&), ),
+        ORV_METHOD(bool, addMethodPost, (const ZSelector&, const ZSelector&, real), ),
+        ORV_METHOD(bool, addMethodPost, (const ZSelector&), ),
+        ORV_METHOD(bool, addMethodPost, (const ZSelector&, real), ),
+        ORV_METHOD(ZUnique, namedMethodPostId, (const ZSelector&), const),
+        ORV_METHOD(bool, setNamedMethodPostId, (const ZSelector&, const ZUnique&), ),
+        ORV_METHOD(ZMetaType*, loadTypeFromName, (const ZSelector&), const),
+        ORV_METHOD(ZObject*, loadObject, (ZMetaType*, const ZSelector&, const ZSelector&), ),
+        ORV_METHOD(ZObject*, createObject, (const ZSelector&, const ZSelector&, const ZVArray&), ),
         ORV_METHOD(ZSelector, selector, (), const),
         ORV_METHOD(ZObject::DelegateType, delegateType, (), const),
         ORV_METHOD(ZObject::DelegateType, parentDelegate, (), const),
@@ -188,9 +269,59 @@ template <> struct Table<ZObject> : Declares<ZObject> {
     static constexpr EnumItemRow signalItems[] = {ORV_ITEM(Signal, FirstSignal),    ORV_ITEM(Signal, DiscardSignal),
                                                   ORV_ITEM(Signal, ReviveSignal),   ORV_ITEM(Signal, LoadSignal),
                                                   ORV_ITEM(Signal, ExitLoopSignal), ORV_ITEM(Signal, PostSignal)};
+    static constexpr FixedRow fixed[] = {
+        ORV_FIXED(DeletingMethod, void, deleting, (), ),
+        ORV_FIXED(DetachMethod, bool, detach, (), ),
+        ORV_FIXED(IsDetachedMethod, bool, isDetached, (), const),
+        ORV_FIXED(CopyMethod, ZType*, copy, (), const),
+        ORV_FIXED(AssignMethod, bool, assign, (const ZType*), ),
+        ORV_FIXED(CompareMethod, int, compare, (const ZType*), const),
+        ORV_FIXED(HashKeyMethod, uint, hashKey, (), const),
+        ORV_FIXED(DeepCopyMethod, ZObject*, deepCopy, (), const),
+        ORV_FIXED(SelectorMethod, ZSelector, selector, (), const),
+        ORV_FIXED(MemberObjectMethod, ZObject*, memberObject, (const ZSelector&), const),
+        ORV_FIXED(FindObjectMethod, ZObject*, findObject, (const ZSelector&, bool), const),
+        ORV_FIXED(DiscardMethod, bool, discard, (), ),
+        ORV_FIXED(ReviveMethod, bool, revive, (), ),
+        ORV_FIXED(ReleaseDiscardedMethod, void, releaseDiscarded, (), ),
+        ORV_FIXED(SetParentMethod, void, setParent, (ZObject*), ),
+        ORV_FIXED(DiscardSignal, void, discarded, (), ),
+        ORV_FIXED(ReviveSignal, void, revived, (), ),
+        ORV_FIXED(LoadSignal, void, loaded, (), ),
+        ORV_FIXED(ExitLoopSignal, void, loopExited, (), ),
+        ORV_FIXED(PostSignal, void, eventPosted, (), ),
+        ORV_FIXED(InvokeNameMethod, ZVariant, invokeName, (const ZSelector&), ),
+        ORV_FIXED(AllowNameInvokeMethod, bool, allowNameInvoke, (const ZSelector&), const),
+        ORV_FIXED(CallDispatchMethod, bool, callDispatch, (const ZSelector&, const ZArrayT<ZVariant>&), ),
+        ORV_FIXED(DispatchArgsMethod, bool, dispatchArgs, (const ZSelector&, const ZArrayT<ZVariant>&), ),
+        ORV_FIXED(AddDelegateMethod, bool, addDelegate, (ZObject*, bool), ),
+        ORV_FIXED(RemoveDelegateMethod, bool, removeDelegate, (ZObject*), ),
+        ORV_FIXED(HasPropDelegateMethod, bool, hasPropDelegate, (const ZSelector&), const),
+        ORV_FIXED(GetPropDelegateMethod, ZVariant, getPropDelegate, (const ZSelector&), const),
+        ORV_FIXED(SetPropDelegateMethod, bool, setPropDelegate, (const ZSelector&, const ZVariant&), ),
+        ORV_FIXED(RemovePropDelegateMethod, bool, removePropDelegate, (const ZSelector&), ),
+        ORV_FIXED(GetPropertyMethod, ZVariant, getProperty, (const ZSelector&), const),
+        ORV_FIXED(SetPropertyMethod, bool, setProperty, (const ZSelector&, const ZVariant&), ),
+        ORV_FIXED(HasPropertyMethod, bool, hasProperty, (const ZSelector&), const),
+        ORV_FIXED(BlendFromMethod, bool, blendFrom, (const ZType*, const ZType*, const ZBlendPos&), ),
+        ORV_FIXED(SetIdentityMethod, bool, setIdentity, (), ),
+        ORV_FIXED(ReplacePropertyNameMethod, ZSelector, replacePropertyName, (const ZSelector&), const),
+        ORV_FIXED(DelegatePropertyChangedMethod, void, delegatePropertyChanged, (const ZSelector&), ),
+        ORV_FIXED(NotifyResourceMethod, void, notifyResource, (const ZSelector&), ),
+        ORV_FIXED(ExitLoopMethod, void, exitLoop, (), ),
+        ORV_FIXED(RunLoopMethod, bool, runLoop, (bool), ),
+        ORV_FIXED(CreateObjectMethod, ZObject*, createObject, (const ZSelector&, const ZSelector&, const ZVArray&), ),
+        ORV_FIXED(LoadTypeFromNameMethod, ZMetaType*, loadTypeFromName, (const ZSelector&), const),
+    };
+    static_assert(std::size(fixed) == ZObject::FixedMethodCount);
+    static constexpr SelectorPairRow delegateWords[] = {
+        {"binder", "Binder"}, {"dispatch", "Dispatch"}, {"priority", "Priority"}, {"extension", "Extension"},
+        {"event", "Event"},   {"property", "Property"}, {"resource", "Resource"}, {"child", "Child"}};
+    static constexpr GroupRow groups[] = {ORV_GROUP("delegate", delegateWords)};
     static constexpr EnumRow enums[] = {ORV_ENUM(DelegateType, delegateTypeItems), ORV_ENUM(Signal, signalItems)};
     static constexpr ClassInfo info = {.kind = Kind::Object,
-                                       .flags = typePublic | typePolymorphic | typeCreated | typeRefStore};
+                                       .flags = typePublic | typePolymorphic | typeCreated | typeRefStore,
+                                       .internalSize = internalRoom(sizeof(ObjectData))};
 };
 
 } // namespace orv::glue

@@ -31,7 +31,50 @@ public:
         Resource = 128,  ///< answers for resources
         Child = 256      ///< becomes a child of the owner
     };
-    /// Places of the signals that this class itself sends, in its table of fixed methods.
+    /// Places in the table of fixed methods: what compiled code calls by index, so that a type that is made at run time
+    /// may have methods of its own for it. See `fixedMethod`.
+    enum FixedMethod {
+        DeletingMethod,
+        DetachMethod,
+        IsDetachedMethod,
+        CopyMethod,
+        AssignMethod,
+        CompareMethod,
+        HashKeyMethod,
+        DeepCopyMethod,
+        SelectorMethod,
+        MemberObjectMethod,
+        FindObjectMethod,
+        DiscardMethod,
+        ReviveMethod,
+        ReleaseDiscardedMethod,
+        SetParentMethod,
+        InvokeNameMethod = 20, ///< behind the signals
+        AllowNameInvokeMethod,
+        CallDispatchMethod,
+        DispatchArgsMethod,
+        AddDelegateMethod,
+        RemoveDelegateMethod,
+        HasPropDelegateMethod,
+        GetPropDelegateMethod,
+        SetPropDelegateMethod,
+        RemovePropDelegateMethod,
+        GetPropertyMethod,
+        SetPropertyMethod,
+        HasPropertyMethod,
+        BlendFromMethod,
+        SetIdentityMethod,
+        ReplacePropertyNameMethod,
+        DelegatePropertyChangedMethod,
+        NotifyResourceMethod,
+        ExitLoopMethod,
+        RunLoopMethod,
+        CreateObjectMethod,
+        LoadTypeFromNameMethod,
+        FixedMethodCount
+    };
+    /// Places of the signals that this class itself sends, in the same table: methods that do nothing, to which others
+    /// are bound.
     enum Signal {
         FirstSignal = 15,
         DiscardSignal = 15,
@@ -165,8 +208,9 @@ public:
     virtual bool isParentOf(const ZObject* other) const;
     /// The nearest of this object and its ancestors that `other` descends from; null if there is none.
     virtual ZObject* sharedAncestor(const ZObject* other) const;
-    /// The object that the longest prefix of a deep name leads to, `field` being the rest; this object, and the whole
-    /// name, if none does.
+    /// The object that the longest prefix of a deep name leads to, through children or properties, `field` being the
+    /// rest, which has a part at least; this object, and the whole name, if none does. Here as in `findObject`, a
+    /// property whose value is made anew for each question leads nowhere: nobody would hold the answer.
     virtual ZObject* resolveObjectName(const ZSelector& name, ZSelector& field) const;
     /// The same for the name of a function, whose words go to `qualifier`.
     virtual ZObject* resolveFieldName(const ZSelector& name, ZSelector& field) const;
@@ -187,7 +231,8 @@ public:
     /// The same with references: the first parent retains the object; null releases it, unless that was the last
     /// reference, which is the caller's then. Nothing happens for the object itself and for its descendants.
     virtual void setParent(ZObject* parent);
-    /// In front of `before`, a child of `parent`; at the end for null. The object has no parent before.
+    /// In front of `before`, a child of `parent`; at the end for null. The object has no parent before. Nothing
+    /// happens, here and in `linkParent`, where the object would become its own ancestor.
     virtual void link(ZObject* parent, ZObject* before);
     virtual void unlink();
     virtual ZSelector getTypeName() const;
@@ -248,7 +293,8 @@ public:
     /// Dispatches a name, or, if nobody answers or it is a signature, calls the method. Null if there is none.
     virtual ZVariant invokeName(const ZSelector& name);
 
-    // Dispatch: signals, each answered by any number of methods. Answers true if anybody did.
+    // Dispatch: signals, each answered by any number of methods. Answers true if anybody did. A name of several parts
+    // goes along properties that hold objects; one of more than `depthLimit` parts concerns only whom it leads to.
 
     /// What calls have found isn't used again.
     virtual void useDispatch();
@@ -277,7 +323,9 @@ public:
     /// The same, each method getting the arguments as its own parameters.
     virtual bool dispatchArgs(const ZSelector& name, const ZArrayT<ZVariant>& arguments);
 
-    // Delegates, in the order of adding. In a walk through delegates and theirs each object answers once.
+    // Delegates, in the order of adding. In a walk through delegates and theirs each object answers once. It is asked
+    // by the virtual operation that was called on the owner; a class that overrides one, and doesn't call that of its
+    // base, answers for its own delegates too.
 
     virtual ZListT<ZObject*> getDelegates() const;
     virtual bool getDelegates(ZArrayT<ZObject*>& delegates) const;
@@ -469,6 +517,9 @@ protected:
     friend class ZMetaType;
     friend struct orv::ObjectData;
     friend struct orv::detail::ObjectLayout;
+
+    /// Enters a new object in the list of its type.
+    void enlist();
 
     ZObject* parent = nullptr;
     ZObject* firstChild = nullptr;

@@ -1,5 +1,3 @@
-#include "core/ZHashMapT.h"
-#include "core/ZMapItems.h"
 #include "core/ZRetainPtrT.h"
 #include "core/construct.h"
 #include "object/ZMetaType.h"
@@ -20,13 +18,6 @@ using Owned = ZRetainPtrT<ZObject>;
 
 Owned copyOf(const ZObject* object) { return Owned::adopt(static_cast<ZObject*>(object->copy())); }
 
-/// The object that a property holds, if the answer isn't made anew for each question.
-ZObject* heldObject(const ZType* owner, const ZSelector& name) {
-    const ZVariant value = owner->getProperty(name);
-    ZObject* object = value.toObject();
-    return object && value.referenceCount() > 1 ? object : nullptr;
-}
-
 } // namespace
 
 ZObject* ZObject::deepCopy() const {
@@ -35,29 +26,33 @@ ZObject* ZObject::deepCopy() const {
     made->setDelegateType(delegateType());
     if (copyMembers()) return made.give();
 
-    // A child or delegate, and the property that holds it.
-    using Names = ZHashMapT<const ZObject*, ZKeyValueT<const ZObject*, ZSelector>>;
+    // The properties that hold children and delegates, before anything is changed.
+    struct Holder {
+        ZSelector name;
+        const ZObject* object;
+    };
     ZArrayT<ZSelector> stored;
-    Names names;
+    ZArrayT<Holder> holders;
     if (!storedPropertyNames(stored)) return nullptr;
     for (const ZSelector& name : std::as_const(stored))
-        if (ZObject* held = heldObject(this, name))
-            if ((held->parent == this || hasDelegate(held)) && !names.add({held, name})) return nullptr;
+        if (ZObject* held = orv::heldObject(this, name))
+            if ((held->parent == this || hasDelegate(held)) && !holders.append({name, held})) return nullptr;
 
     for (ZObject* child = firstChild; child; child = child->nextSibling) {
         Owned copied = copyOf(child);
         if (!copied.get()) return nullptr;
         copied->setParent(made.get());
         if (hasDelegate(child) && !made->addDelegate(copied.get(), false)) return nullptr;
-        if (const ZSelector* name = std::as_const(names).get(child); name && !made->setProperty(*name, copied.get()))
-            return nullptr;
+        for (const Holder& holder : std::as_const(holders))
+            if (holder.object == child && !made->setProperty(holder.name, copied.get())) return nullptr;
     }
     ZArrayT<ZObject*> delegates;
     if (!getDelegates(delegates)) return nullptr;
     for (ZObject* delegate : std::as_const(delegates)) {
         if (delegate->parent == this) continue;
-        const ZSelector* name = std::as_const(names).get(delegate);
-        ZObject* held = name ? heldObject(made.get(), *name) : nullptr;
+        ZObject* held = nullptr;
+        for (const Holder& holder : std::as_const(holders))
+            if (!held && holder.object == delegate) held = orv::heldObject(made.get(), holder.name);
         const Owned copied = held ? Owned(held) : copyOf(delegate);
         if (!copied.get() || !made->addDelegate(copied.get(), false)) return nullptr;
     }

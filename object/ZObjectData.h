@@ -150,12 +150,15 @@ void forgetPropertyDelegate(ZObject* object);
 /// Both tables follow a new name.
 void renamePublished(ZObject* object, const ZSelector& name);
 
+/// The object that a property holds, if others hold it too: one that comes with the answer goes with it. Borrowed.
+ZObject* heldObject(const ZType* owner, const ZSelector& name);
+
 /// To be called after a change of an object's own methods, with no lock held.
 void ownMethodsChanged(ZObject* object);
 /// An object changes its delegate type: those that it is a delegate of count anew.
 void delegateTypeChanged(ZObject* object, uint type);
-/// An object changes its name: indexes of names that it stands in go.
-void namedAnew(ZObject* object);
+/// Gives an object a name; indexes of names that it stands in go.
+void rename(ZObject* object, const ZSelector& name);
 /// An object goes: it lets its delegates go, and is none any more.
 void dropDelegates(ZObject* object);
 

@@ -141,9 +141,11 @@ void delegateTypeChanged(ZObject* object, uint type) {
     }
 }
 
-void namedAnew(ZObject* object) {
+void rename(ZObject* object, const ZSelector& name) {
     if (ZObject* parent = object->getParent()) NameIndex::drop(ObjectData::at(parent).childNames);
+    // Owners look for names on any thread.
     ZScopedLock graph(graphLock);
+    ObjectData::at(object).selector = name;
     for (ZObject* owner : std::as_const(ObjectData::at(object).delegatedBy))
         NameIndex::drop(ObjectData::at(owner).delegateNames);
 }
@@ -214,20 +216,23 @@ ZObject* ZObject::findDelegate(const ZSelector& name) const {
 bool ZObject::addDelegate(ZObject* object, bool bind) {
     if (!object || !priv || !object->priv) return false;
     ObjectData& part = *object->priv;
-    const uint type = toolkit::load(part.delegateType);
     bool known = false;
+    uint type = None;
     {
         ZScopedLock graph(graphLock);
+        type = part.delegateType;
         known = isDelegate(*priv, part);
         if (!known) {
             if (findNamed(*priv, part.selector) || reaches(object, this) != Reach::No) return false;
             orv::ObjectWrite held(this);
             if (!held || !part.delegatedBy.append(this)) return false;
-            if (!priv->delegates.append(object)) {
+            const bool listed = priv->delegates.append(object);
+            // One that is on its way out can't be held.
+            if (!listed || !::retain(object)) {
+                if (listed) priv->delegates.remove(priv->delegates.count() - 1);
                 part.delegatedBy.remove(part.delegatedBy.count() - 1);
                 return false;
             }
-            object->retain();
             ++priv->delegatesChanged;
             if (counts(type)) toolkit::store(priv->delegateCount, priv->delegateCount + 1);
             if (priv->delegateNames && !priv->delegateNames->add(object)) orv::NameIndex::drop(priv->delegateNames);
@@ -243,27 +248,48 @@ bool ZObject::addDelegate(ZObject* object, bool bind) {
     return true;
 }
 
+namespace {
+/// Gives up what an object had of a delegate that is disconnected.
+void letGo(ZObject* owner, ZObject* delegate) {
+    owner->resetMethods();
+    if ((delegate->delegateType() & ZObject::Child) && delegate->getParent() == owner) delegate->setParent(nullptr);
+    delegate->release();
+}
+} // namespace
+
 bool ZObject::removeDelegate(ZObject* object) {
     if (!object || !hasDelegate() || !object->priv) return false;
     {
         ZScopedLock graph(graphLock);
         if (!disconnect(*priv, object)) return false;
     }
-    resetMethods();
-    if ((object->delegateType() & Child) && object->parent == this) object->setParent(nullptr);
-    object->release();
+    letGo(this, object);
     return true;
 }
-bool ZObject::removeDelegate(const ZSelector& name) { return removeDelegate(findDelegate(name)); }
+bool ZObject::removeDelegate(const ZSelector& name) {
+    if (!hasDelegate()) return false;
+    ZObject* object = nullptr;
+    {
+        ZScopedLock graph(graphLock);
+        object = findNamed(*priv, name);
+        if (!object || !disconnect(*priv, object)) return false;
+    }
+    letGo(this, object);
+    return true;
+}
 
 bool ZObject::detachDelegates() {
     ZArrayT<ZObject*> all;
     if (!getDelegates(all)) return false;
+    uint done = 0;
     for (ZObject* delegate : std::as_const(all)) {
         // One that is a child here is held twice.
-        if (delegate->refcount() <= 1 + int(delegate->parent == this)) continue;
+        if (delegate->refcount() <= 1 + int(delegate->parent == this)) {
+            ++done;
+            continue;
+        }
         auto copied = static_cast<ZObject*>(delegate->copy());
-        if (!copied) return false;
+        if (!copied) break;
         bool enough = true, replaced = false;
         {
             ZScopedLock graph(graphLock);
@@ -272,6 +298,8 @@ bool ZObject::detachDelegates() {
             // It may have gone meanwhile.
             if (at >= 0) enough = replaced = held && copied->priv->delegatedBy.append(this);
             if (replaced) {
+                const int more = int(counts(copied->priv->delegateType)) - int(counts(delegate->priv->delegateType));
+                if (more) toolkit::store(priv->delegateCount, priv->delegateCount + more);
                 priv->delegates.set(uint(at), copied);
                 ++priv->delegatesChanged;
                 orv::NameIndex::drop(priv->delegateNames);
@@ -279,11 +307,16 @@ bool ZObject::detachDelegates() {
                 removeAnyOrder(delegate->priv->delegatedBy, this);
             }
         }
+        if (replaced && (copied->delegateType() & Child) && delegate->parent == this) {
+            copied->setParent(this);
+            delegate->setParent(nullptr);
+        }
         (replaced ? delegate : copied)->release();
-        if (!enough) return false;
+        if (!enough) break;
+        ++done;
     }
     resetMethods();
-    return true;
+    return done == all.count();
 }
 
 bool ZObject::loadDelegate(const ZSelector& name, const ZSelector& kind) {

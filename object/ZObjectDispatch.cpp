@@ -57,10 +57,42 @@ bool callEntry(const ZMethodDispatch& entry, ZObject* object, const Arguments& a
 
 /// The object that the first part of a path leads to, and the rest of the path.
 ZVariant firstOfPath(const ZObject* object, const ZSelector& name, ZSelector& rest) {
-    if (name.type() != ZSelector::UID || name.parcount() < 2 || name.parcount() > ZObject::depthLimit) return {};
+    if (name.type() != ZSelector::UID || name.parcount() < 2) return {};
     ZVariant value = object->getProperty(name.param(0));
     if (value.toObject()) rest = name.extract(1, name.parcount());
     return value;
+}
+/// Follows a path until so few parts are left that each object on the way is asked for its own answer. `held` keeps the
+/// object that is come to.
+ZObject* followLongPath(ZObject* object, ZSelector& name, ZVariant& held) {
+    const int parts = name.parcount();
+    int at = 0;
+    for (; parts - at > ZObject::depthLimit; ++at) {
+        ZVariant value = object->getProperty(name.param(at));
+        object = value.toObject();
+        if (!object) return nullptr;
+        held = std::move(value);
+    }
+    name = name.extract(at, parts);
+    return object;
+}
+
+bool call(ZObject* object, const ZSelector& name, const Arguments& arguments, bool asArray) {
+    return asArray ? object->callDispatch(name, arguments) : object->dispatchArgs(name, arguments);
+}
+
+/// What an object and its type answer, without delegates.
+bool answer(ZObject* object, const ZSelector& name, const Arguments& arguments, bool asArray) {
+    bool answered = false;
+    ZSelector rest;
+    const ZVariant value = firstOfPath(object, name, rest);
+    if (ZObject* next = rest.isEmpty() ? nullptr : value.toObject()) answered = call(next, rest, arguments, asArray);
+    object->cleanDispatch();
+    answered |= orv::callEntries(entries(object), object, name, arguments, asArray);
+    if (ZMetaType* type = object->type())
+        answered |=
+            asArray ? type->typeCallDispatch(object, name, arguments) : type->typeDispatch(object, name, arguments);
+    return answered;
 }
 
 constexpr orv::DelegateWalk::Plan dispatchPlan = {0, {ZObject::Dispatch, ZObject::Extension}, true};
@@ -70,25 +102,26 @@ bool dispatch(ZObject* root, const ZSelector& name, const Arguments& arguments, 
     // Its own handler may let the last reference go.
     const ZRetainPtrT<ZObject> kept(root);
     if (!kept.get()) return false;
-    bool answered = false;
-    auto visit = [&](ZObject* object) {
-        ZSelector rest;
-        const ZVariant value = firstOfPath(object, name, rest);
-        if (ZObject* next = rest.isEmpty() ? nullptr : value.toObject())
-            answered |= asArray ? next->callDispatch(rest, arguments) : next->dispatchArgs(rest, arguments);
-        object->cleanDispatch();
-        answered |= orv::callEntries(entries(object), object, name, arguments, asArray);
-        if (ZMetaType* type = object->type())
-            answered |=
-                asArray ? type->typeCallDispatch(object, name, arguments) : type->typeDispatch(object, name, arguments);
-    };
+    if (ORV_UNLIKELY(name.type() == ZSelector::UID && name.parcount() > ZObject::depthLimit)) {
+        ZSelector rest = name;
+        ZVariant held;
+        ZObject* object = followLongPath(root, rest, held);
+        return object && call(object, rest, arguments, asArray);
+    }
+    const auto operation = asArray ? orv::WalkTurn::Dispatch : orv::WalkTurn::DispatchArguments;
     ObjectData* data = ObjectData::of(root);
     const bool alone = !data || (!toolkit::load(data->delegateCount) && !(data->parentDelegate & ZObject::Dispatch));
-    if (alone) {
-        visit(root);
-    } else {
-        orv::DelegateWalk walk(root, dispatchPlan);
-        while (ZObject* object = walk.next()) visit(object);
+    if (orv::WalkTurn::take(root, operation, name) || alone) return answer(root, name, arguments, asArray);
+    bool answered = false;
+    orv::DelegateWalk walk(root, dispatchPlan);
+    while (ZObject* object = walk.next()) {
+        if (object == root) {
+            answered |= answer(root, name, arguments, asArray);
+            continue;
+        }
+        orv::WalkTurn turn(object, operation, name);
+        answered |= call(object, name, arguments, asArray);
+        if (!turn.taken()) walk.skipRest();
     }
     return answered;
 }
@@ -188,9 +221,10 @@ bool ZObject::addDispatch(const DispatchTable& dispatch) {
 
 bool ZObject::removeDispatch() {
     if (!hasDispatch()) return false;
+    DispatchTable gone; // when the lock is free
     orv::ObjectWrite held(this);
     if (!held) return false;
-    priv->dispatch.clear();
+    std::swap(gone, priv->dispatch);
     priv->set(ObjectData::Dispatch, false);
     return true;
 }

@@ -53,8 +53,7 @@ bool addAll(MethodTable& to, const MethodTable& from) {
 }
 
 /// The methods of all delegates with `Extension` that were written for instances such as this one. Under its lock.
-bool buildExtension(ObjectData& data) {
-    MethodTable fresh;
+bool buildExtension(ObjectData& data, MethodTable& fresh) {
     const ZMetaType* type = data.object->type();
     for (ZObject* delegate : std::as_const(data.delegates)) {
         if (!(toolkit::load(ObjectData::at(delegate).delegateType) & ZObject::Extension)) continue;
@@ -63,18 +62,19 @@ bool buildExtension(ObjectData& data) {
         // Delegates have no cycles, so neither have their locks.
         if (!addAll(fresh, ownMethods(delegate))) return false;
     }
-    data.extMethods = std::move(fresh);
+    std::swap(data.extMethods, fresh);
     data.set(ObjectData::ExtMethods, !data.extMethods.isEmpty());
     return true;
 }
 bool freshExtension(const ZObject* object) {
     ObjectData& data = ObjectData::at(object);
     if (!data.has(ObjectData::ExtStale)) return true;
+    MethodTable fresh; // the old one goes when the lock is free
     orv::ObjectWrite held(object);
     if (!held) return false;
     if (!data.has(ObjectData::ExtStale)) return true;
     data.set(ObjectData::ExtStale, false);
-    if (buildExtension(data)) return true;
+    if (buildExtension(data, fresh)) return true;
     data.set(ObjectData::ExtStale, true);
     return false;
 }
@@ -182,10 +182,10 @@ bool ZObject::calcMultiMethods() const {
     if (!priv) return false;
     if (!priv->has(ObjectData::MultiStale)) return true;
     if (!freshExtension(this)) return false;
+    MultiMethodTable fresh; // the old one goes when the lock is free
     orv::ObjectWrite held(this);
     if (!held) return false;
     if (!priv->has(ObjectData::MultiStale)) return true;
-    MultiMethodTable fresh;
     for (const MethodTable* table : {&priv->methods, &priv->extMethods})
         for (const ZMethodPtr& node : *table) {
             ZNamedMethod* entry = ZNamedMethod::create(node.get());
@@ -194,7 +194,7 @@ bool ZObject::calcMultiMethods() const {
             entry->release();
             return false;
         }
-    priv->multiMethods = std::move(fresh);
+    std::swap(priv->multiMethods, fresh);
     priv->set(ObjectData::MultiStale, false);
     return true;
 }
@@ -252,10 +252,18 @@ ZMethod* ZObject::method(ZTypedPtr* typed, const ZSelector& selector, const ZSel
         if (found && typed) *typed = at;
         return found;
     };
-    if (!priv || !priv->has(ObjectData::Delegates)) return ask(this);
+    if (orv::WalkTurn::take(this, orv::WalkTurn::Method, selector) || !priv || !priv->has(ObjectData::Delegates))
+        return ask(this);
     orv::DelegateWalk walk(const_cast<ZObject*>(this), methodPlan);
-    while (const ZObject* object = walk.next())
-        if (ZMethod* found = ask(object)) return found;
+    while (const ZObject* object = walk.next()) {
+        if (object == this) {
+            if (ZMethod* found = ask(this)) return found;
+            continue;
+        }
+        orv::WalkTurn turn(object, orv::WalkTurn::Method, selector);
+        if (ZMethod* found = object->method(typed, selector, qualifier)) return found;
+        if (!turn.taken()) walk.skipRest();
+    }
     return nullptr;
 }
 ZMethod* ZObject::method(const ZSelector& selector, const ZSelector& qualifier) const {
@@ -299,11 +307,21 @@ ZMethod* ZObject::multimethod(int* distance, ZTypedPtr* typed, const ZSelector& 
             object->metaType->multimethodType(&far, &at, name, types, implicit, skipResult, exactCount, qualifier);
         keep(found, far, at);
     };
-    if (!priv || !priv->has(ObjectData::Delegates)) {
+    if (orv::WalkTurn::take(this, orv::WalkTurn::Multimethod, name) || !priv || !priv->has(ObjectData::Delegates)) {
         ask(this);
     } else {
         orv::DelegateWalk walk(const_cast<ZObject*>(this), methodPlan);
-        while (const ZObject* object = bestDistance ? walk.next() : nullptr) ask(object);
+        while (const ZObject* object = bestDistance ? walk.next() : nullptr) {
+            if (object == this) {
+                ask(this);
+                continue;
+            }
+            orv::WalkTurn turn(object, orv::WalkTurn::Multimethod, name);
+            int far = -1;
+            ZTypedPtr at(object->metaType, object);
+            keep(object->multimethod(&far, &at, name, types, implicit, skipResult, exactCount, qualifier), far, at);
+            if (!turn.taken()) walk.skipRest();
+        }
     }
     if (distance) *distance = bestDistance;
     return best;
@@ -390,10 +408,11 @@ bool ZObject::removeMethod(const ZSelector& selector, const ZSelector& qualifier
 }
 bool ZObject::removeMethods() {
     if (!hasMethods()) return false;
+    MethodTable gone;
     {
         orv::ObjectWrite held(this);
         if (!held) return false;
-        priv->methods.clear();
+        std::swap(gone, priv->methods);
         priv->set(ObjectData::Methods, false);
     }
     orv::ownMethodsChanged(this);

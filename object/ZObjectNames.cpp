@@ -91,16 +91,43 @@ ZObject* objectProperty(const ZObject* object, const ZSelector& name, bool decla
         const ZMetaType* type = object->getPropertyType(name);
         if (!type || type->getType(true) != ZMetaType::Object) return nullptr;
     }
-    return object->getProperty(name).toObject();
+    return orv::heldObject(object, name);
 }
 
-/// How many parts of a path are taken together when the longest beginning is looked for: with more, each try would be
-/// as long as the path.
+/// How many parts of a path are taken together when a part of it is looked for as one name: with more, each try would
+/// be as long as the path.
 constexpr uint pathWindow = 64;
+
+/// Part for part; where that ends, back along the way for an object that knows the rest by one name.
+ZObject* followPath(const ZObject* from, const Path& path) {
+    const ZObject* way[pathWindow] = {};
+    const ZObject* at = from;
+    uint i = 0;
+    for (; i < path.count && at; ++i) {
+        way[i % pathWindow] = at;
+        at = at->findObject(path.parts[i], false);
+    }
+    if (at) return const_cast<ZObject*>(at);
+    for (uint back = 0; back < pathWindow && i-- > 0; ++back) {
+        if (i + 1 == path.count) continue; // it was asked for that
+        at = way[i % pathWindow];
+        const ZSelector rest = path.range(i, path.count);
+        ZObject* found = i ? at->getFirst(rest) : nullptr;
+        if (!found) found = objectProperty(at, rest, false);
+        if (found) return found;
+    }
+    return nullptr;
+}
 
 } // namespace
 
 namespace orv {
+
+ZObject* heldObject(const ZType* owner, const ZSelector& name) {
+    const ZVariant value = owner->getProperty(name);
+    ZObject* object = value.toObject();
+    return object && value.referenceCount() > 1 ? object : nullptr;
+}
 
 void forgetPublished(ZObject* object) { leave(object, ObjectData::Published); }
 void forgetPropertyDelegate(ZObject* object) { leave(object, ObjectData::PropertyDelegate); }
@@ -149,10 +176,7 @@ ZObject* ZObject::findObject(const ZSelector& name, bool deep) const {
     if (name == zsel<"parent">()) return parent;
     if (ZObject* child = getFirst(name)) return child;
     if (const Path path(name); path.deep) {
-        const ZObject* at = this;
-        for (uint i = 0; i < path.count && at; ++i) at = at->findObject(path.parts[i], false);
-        if (at) return const_cast<ZObject*>(at);
-        if (ZObject* held = objectProperty(this, name, false)) return held;
+        if (ZObject* found = followPath(this, path)) return found;
     } else if (ZObject* held = objectProperty(this, name, true)) {
         return held;
     }
@@ -188,7 +212,7 @@ ZObject* ZObject::resolveObjectName(const ZSelector& name, ZSelector& field) con
         for (; end > done; --end) {
             const ZSelector prefix = path.range(done, end);
             found = at->memberObject(prefix);
-            if (!found) found = at->getProperty(prefix).toObject();
+            if (!found) found = orv::heldObject(at, prefix);
             if (found) break;
         }
         if (!found) break;

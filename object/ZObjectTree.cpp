@@ -100,16 +100,26 @@ ZObject* ZObject::sharedAncestor(const ZObject* other) const {
 ZArrayT<ZObject*> ZObject::getObjects(const ZSelector& name) const {
     ZArrayT<ZObject*> found;
     for (ZObject* child = firstChild; child; child = child->nextSibling)
-        if (matches(child, nullptr, name) && !found.append(child)) ZError::fail();
+        if (matches(child, nullptr, name) && !found.append(child)) {
+            ZError::fail();
+            return {};
+        }
     return found;
 }
 int ZObject::countObjects() const { return priv ? int(priv->childCount) : 0; }
 
 // Linking
 
+namespace {
+/// Whether an object would become its own ancestor. Without children nothing descends from it.
+bool closesCircle(const ZObject* object, const ZObject* to) {
+    return to == object || (to && object->first() && to->isDescendantOf(object));
+}
+} // namespace
+
 void ZObject::link(ZObject* to, ZObject* before) {
+    if (!to || closesCircle(this, to) || !priv || !to->priv) return;
     if (parent) unlink();
-    if (!to || to == this || !priv || !to->priv) return;
     if (before && before->parent != to) before = nullptr;
     parent = to;
     nextSibling = before;
@@ -134,6 +144,7 @@ void ZObject::unlink() {
 }
 
 void ZObject::linkParent(ZObject* to) {
+    if (closesCircle(this, to)) return;
     unlink();
     if (!to) return;
     link(to, nullptr);
@@ -141,13 +152,11 @@ void ZObject::linkParent(ZObject* to) {
 }
 
 void ZObject::setParent(ZObject* to) {
-    // Without children nothing descends from it.
-    if (to == this || (to && firstChild && to->isDescendantOf(this))) return;
-    if (to && !parent)
-        retain();
-    else if (!to && parent && refcount() > 1)
-        release();
+    if (closesCircle(this, to)) return;
+    const ZObject* before = parent;
+    if (to && !before) retain();
     linkParent(to);
+    if (!to && before && refcount() > 1) release();
 }
 
 // Iterator

@@ -164,8 +164,8 @@ const PropertyCatalogue* propertyCatalogue(const ZMetaType* type);
 
 enum class PropertyPublish { Done, Outdated, NoMemory };
 /// Publishes a tree that was made from what stood there while `edits` was `seen`; if that isn't so any more, `Outdated`
-/// and the caller has the tree back.
-/// `change`: lookups may answer otherwise now. Under no lock that a reclaim function takes.
+/// and the caller has the tree back. `change`: lookups may answer otherwise now. Under no lock that a reclaim function
+/// takes.
 PropertyPublish publishProperties(PropertyTables& tables, toolkit::EpochPtr<PublishedProperties>& place,
                                   PropertyTree& tree, uint seen, bool change);
 

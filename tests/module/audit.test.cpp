@@ -182,4 +182,30 @@ TEST_F(Audit, InstancesComeAndGo) {
     std::printf("[ AUDIT    ] %d types with instances\n", made);
 }
 
+/// A caller sees null or a whole instance, whatever is missing meanwhile, and nothing is left behind.
+TEST_F(Audit, AnyAllocationOfAnInstanceMayFail) {
+    int made = 0;
+    for (ZMetaType* type : types()) {
+        if (type->kind() <= ZMetaType::Void) continue;
+        SCOPED_TRACE(text(type->fullName()));
+        auto cycle = [&](AllocProbe& probe) {
+            void* instance = type->createInstance();
+            if (instance) {
+                void* copy = type->copyInstance(static_cast<const void*>(instance));
+                static_cast<void>(probe);
+                if (copy) type->releaseInstance(copy);
+                type->releaseInstance(instance);
+            }
+            toolkit::epochDrain();
+            EXPECT_EQ(zfailcount(), 0);
+            zrecover();
+        };
+        AllocProbe warm;
+        cycle(warm);
+        made += warm.allocations() > 0;
+        failEachAllocation(cycle);
+    }
+    EXPECT_GT(made, 50);
+}
+
 } // namespace

@@ -1,14 +1,18 @@
 #include "object/ZObject.h"
 #include "core/ZInternal.h"
+#include "object/ZEnumType.h"
 #include "object/ZMetaType.h"
 #include "object/ZMethodDispatch.h"
 #include "object/ZMethodPtr.h"
 #include "object/ZPropertyPtr.h"
+#include "object/ztype.h"
 #include "tests/support/CoreScope.h"
 #include "toolkit/epoch.h"
+#include "value/ZVArray.h"
 #include "value/ZVariant.h"
 
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -124,6 +128,7 @@ TEST_F(ZObjectLife, DeepCopyRewires) {
     outside->setSelector("outside");
     object->addDelegate(outside, false);
     EXPECT_TRUE(object->addProperty("holder", ZVariant(static_cast<const ZType*>(part))));
+    EXPECT_TRUE(object->addProperty("also", ZVariant(static_cast<const ZType*>(part))));
     EXPECT_TRUE(object->addProperty("helper", ZVariant(static_cast<const ZType*>(outside))));
 
     ZObject* made = object->deepCopy();
@@ -134,10 +139,102 @@ TEST_F(ZObjectLife, DeepCopyRewires) {
     EXPECT_TRUE(made->hasDelegate(madePart));
     EXPECT_EQ(made->getDelegates().count(), 2u);
     EXPECT_EQ(madePart->delegateType(), ZObject::Binder);
-    EXPECT_EQ(made->getProperty("holder").toObject(), madePart);
+    for (const char* holder : {"holder", "also"}) EXPECT_EQ(made->getProperty(holder).toObject(), madePart);
     EXPECT_EQ(object->getProperty("holder").toObject(), part);
     EXPECT_EQ(made->getProperty("helper").toObject(), madeOutside) << "it is the one that the property holds";
     for (ZObject* end : {object, part, outside, made}) end->release();
+}
+
+TEST_F(ZObjectLife, FixedMethodsAndWords) {
+    toolkit::EpochGuard guard;
+    const ZMetaType* type = ztype<ZObject>();
+    ASSERT_EQ(type->getFixedMethods().count(), 42u);
+    for (int i = 0; i < ZObject::FixedMethodCount; ++i) {
+        const ZMethod* method = type->getFixedMethod(i);
+        ASSERT_NE(method, nullptr) << i;
+        EXPECT_EQ(ztype<ZMetaType>()->getFixedMethod(i) != nullptr, true) << i;
+        const bool signal = i >= ZObject::FirstSignal && i <= ZObject::PostSignal;
+        EXPECT_EQ(signal, (method->getFlags() & ZMethod::Bindable) && method->paramCount() == 0) << i;
+    }
+    EXPECT_EQ(type->getFixedMethod(ZObject::FixedMethodCount), nullptr);
+    ZObject* object = zmake<ZObject>();
+    EXPECT_STREQ(object->fixedMethod(ZObject::ExitLoopSignal)->methodName().string(), "loopExited");
+    // A class says its words once: each is one of the type's enum.
+    ZEnumType* bits = object->findEnum("DelegateType");
+    const ZSelectorMap words = type->selectorGroup("delegate");
+    ASSERT_EQ(words.count(), 8u);
+    for (const char* word : {"binder", "dispatch", "priority", "extension", "event", "property", "resource", "child"}) {
+        int value = 0;
+        EXPECT_TRUE(bits && bits->value(words.get(word), &value)) << word;
+        EXPECT_EQ(value, int(ZObject::scanDelegate(word))) << word;
+    }
+    object->release();
+}
+
+/// A class with a private part has it behind that of its base, also where its type says nothing of a base's size.
+TEST_F(ZObjectLife, PrivateParts) {
+    class Parted : public ZObject {
+    public:
+        explicit Parted(ZMetaType* type) : ZObject(orv::passType(type)) {
+            part = static_cast<char*>(ZInternal::getmem(internal, nullptr, 200));
+        }
+        char* part;
+    };
+    ZMetaType* type = zmake<ZMetaType>(nullptr, "PartedObject", ZMetaType::Object);
+    ASSERT_TRUE(type->addBase(ztype<ZObject>()));
+    const int plain = type->calcInternalSize(true);
+    EXPECT_GE(plain, ZObject::internalSizeOfType(true));
+    Parted* none = zmake<Parted>(type);
+    EXPECT_EQ(none->part, nullptr);
+    type->setInternalSize(200);
+    EXPECT_EQ(type->calcInternalSize(true), plain + 208);
+    Parted* object = zmake<Parted>(type);
+    ASSERT_NE(object->part, nullptr);
+    for (int i = 0; i < 200; ++i) EXPECT_EQ(object->part[i], 0);
+    for (ZObject* end : {static_cast<ZObject*>(none), static_cast<ZObject*>(object), static_cast<ZObject*>(type)})
+        end->release();
+}
+
+TEST_F(ZObjectLife, ListOfATypeWhileObjectsComeAndGo) {
+    ZMetaType* type = zmake<ZMetaType>(nullptr, "ListedObject", ZMetaType::Object);
+    ZObject* kept = zmake<ZObject>(orv::passType(type));
+    bool stop = false;
+    std::thread maker([&] {
+        while (!toolkit::loadAcquire(stop)) zmake<ZObject>(orv::passType(type))->release();
+    });
+    for (int i = 0; i < 2000; ++i) {
+        ZArrayT<ZRetainPtrT<ZObject>> objects;
+        ASSERT_TRUE(type->getTypeObjects(objects));
+        ASSERT_FALSE(objects.isEmpty());
+        EXPECT_EQ(std::as_const(objects).data()[0].get(), kept);
+    }
+    toolkit::storeRelease(stop, true);
+    maker.join();
+    for (ZObject* end : {kept, static_cast<ZObject*>(type)}) end->release();
+}
+
+TEST_F(ZObjectLife, MadeByTheNameOfAType) {
+    ZObject* root = zmake<ZObject>();
+    EXPECT_EQ(root->createObject("NoSuchType", "a", {}), nullptr);
+    EXPECT_EQ(root->createObject("ZString", "a", {}), nullptr);
+    ZObject* child = root->createObject("ZObject", "a", {});
+    ASSERT_NE(child, nullptr);
+    EXPECT_EQ(root->findObject("a", false), child);
+    EXPECT_EQ(child->refcount(), 1);
+    child->setDelegateType(ZObject::Binder);
+    ZVArray source(ztype<ZVariant>());
+    ASSERT_TRUE(source.append(ZVariant(static_cast<const ZType*>(child))));
+    ZObject* copied = root->createObject("ZObject", "b", source);
+    ASSERT_NE(copied, nullptr);
+    EXPECT_EQ(copied->delegateType(), ZObject::Binder);
+    EXPECT_EQ(copied->refcount(), 1);
+    EXPECT_EQ(root->countObjects(), 2);
+
+    EXPECT_TRUE(root->loadDelegate("x", {}));
+    EXPECT_FALSE(root->hasDelegate() || root->loadDelegate("x", "NoSuchType"));
+    EXPECT_TRUE(root->loadDelegate("x", "ZObject"));
+    EXPECT_EQ(root->findDelegate("x")->refcount(), 1);
+    root->release();
 }
 
 /// Whatever allocation fails, a caller sees null or false, the old state, and nothing is left behind.

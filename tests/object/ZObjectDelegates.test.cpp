@@ -6,6 +6,7 @@
 #include "value/ZTypedPtr.h"
 #include "value/ZVariant.h"
 
+#include <cstring>
 #include <string>
 #include <thread>
 #include <vector>
@@ -231,6 +232,79 @@ TEST_F(ZObjectDelegates, SignalsGoTheirWay) {
     for (ZObject* end : {object, dispatch, extension, deaf, parent}) end->release();
 }
 
+/// A delegate changes without its owner: what the owner's entries have found, or not found, doesn't stay.
+TEST_F(ZObjectDelegates, EntriesFollowDelegates) {
+    ZObject *owner = make("owner"), *middle = make("middle", ZObject::Binder), *below = make("below", ZObject::Binder);
+    owner->addDelegate(middle, false);
+    middle->addDelegate(below, false);
+    owner->addDispatch("click", "void clicked(ZArrayT<ZVariant>&)", {});
+    const auto heard = [&] {
+        calls.clear();
+        owner->callDispatch("click");
+        return calls;
+    };
+    EXPECT_EQ(heard(), "");
+    give(below, "void clicked(ZArrayT<ZVariant>&)", "b");
+    EXPECT_EQ(heard(), "b");
+    give(owner, "void clicked(ZArrayT<ZVariant>&)", "o");
+    EXPECT_EQ(heard(), "o");
+    below->setDelegateType(ZObject::Priority);
+    EXPECT_EQ(heard(), "o") << "the way to it leads past the owner";
+    middle->setDelegateType(ZObject::Priority);
+    EXPECT_EQ(heard(), "b");
+    for (ZObject* end : {owner, middle, below}) end->release();
+}
+
+/// Hears what passes, and answers itself or leaves the answer to its base.
+class Listener : public ZObject {
+public:
+    bool callDispatch(const ZSelector& name, const ZArrayT<ZVariant>& arguments) override {
+        calls += "L";
+        return alone || ZObject::callDispatch(name, arguments);
+    }
+    using ZObject::callDispatch;
+    ZMethod* method(ZTypedPtr* typed, const ZSelector& selector, const ZSelector& qualifier) const override {
+        return alone ? nullptr : ZObject::method(typed, selector, qualifier);
+    }
+    using ZObject::method;
+    bool alone = false;
+};
+TEST_F(ZObjectDelegates, OverriddenOperations) {
+    ZObject *owner = make("owner"), *below = make("below", ZObject::Dispatch);
+    Listener* listener = zmake<Listener>();
+    listener->setDelegateType(ZObject::Dispatch);
+    owner->addDelegate(listener, false);
+    listener->addDelegate(below, false);
+    give(below, "void clicked(ZArrayT<ZVariant>&)", "b");
+    below->addDispatch("click", "void clicked(ZArrayT<ZVariant>&)", {});
+    for (const bool alone : {false, true}) {
+        listener->alone = alone;
+        calls.clear();
+        EXPECT_TRUE(owner->callDispatch("click"));
+        EXPECT_EQ(calls, alone ? "L" : "Lb");
+        EXPECT_EQ(found(owner, "void clicked(ZArrayT<ZVariant>&)"), alone ? "" : "b");
+    }
+    for (ZObject* end : {owner, static_cast<ZObject*>(listener), below}) end->release();
+}
+
+TEST_F(ZObjectDelegates, LongNames) {
+    ZObject *one = make("one"), *two = make("two");
+    EXPECT_TRUE(one->addProperty("a", ZVariant(static_cast<const ZType*>(two))) &&
+                two->addProperty("a", ZVariant(static_cast<const ZType*>(one))));
+    give(two, "void heard(ZArrayT<ZVariant>&)", "h");
+    two->addDispatch("end", "void heard(ZArrayT<ZVariant>&)", {});
+    for (const int parts : {1, 511, 513, 100001}) {
+        std::string path;
+        for (int i = 0; i < parts; ++i) path += "a.";
+        calls.clear();
+        EXPECT_TRUE(one->callDispatch((path + "end").c_str())) << parts;
+        EXPECT_EQ(calls, "h") << parts;
+        EXPECT_FALSE(one->callDispatch((path + "b.end").c_str())) << parts;
+    }
+    one->removeProperty("a");
+    for (ZObject* end : {one, two}) end->release();
+}
+
 TEST_F(ZObjectDelegates, EntriesInOrderAndAnew) {
     ZObject* object = make("object");
     give(object, "void one(ZArrayT<ZVariant>&)", "1");
@@ -269,6 +343,32 @@ TEST_F(ZObjectDelegates, ReleasedInItsOwnHandler) {
     EXPECT_TRUE(victim->callDispatch("end"));
     EXPECT_EQ(calls, "hh");
     EXPECT_EQ(victim, nullptr);
+    // In a method that is called by its name, and as a delegate.
+    for (const bool asDelegate : {false, true}) {
+        ZObject *owner = make("owner"), *held = victim = make("victim", ZObject::Binder);
+        give(owner, "void other()", "o");
+        ZMethod* method =
+            ZMethod::create("int leave()", {}, 0, ZMethod::emptyFunc, [](const void*, ZMethod*, void* args) {
+                if (victim) std::exchange(victim, nullptr)->release();
+                int* result;
+                std::memcpy(&result, args, sizeof result);
+                *result = 7;
+            });
+        held->setMethod(method, true);
+        ZMethod::release(method);
+        if (asDelegate) {
+            owner->addDelegate(held, false);
+            held->release();
+        }
+        EXPECT_EQ((asDelegate ? owner : held)->invokeName("leave").toInt(), 7);
+        EXPECT_EQ(victim, nullptr);
+        if (asDelegate) {
+            victim = held;
+            held->retain();
+            EXPECT_EQ(owner->invoke("leave", ZArrayT<ZVariant>()).toInt(), 7);
+        }
+        owner->release();
+    }
 }
 
 TEST_F(ZObjectDelegates, ByName) {

@@ -42,7 +42,11 @@ TEST_F(ZObjectTree, LinksKeepOrder) {
     EXPECT_TRUE(b->isDescendantOf(root) && root->isParentOf(b) && !b->isDescendantOf(b));
     root->setParent(b); // a descendant can't become the parent
     root->setParent(root);
+    root->linkParent(b);
+    root->link(root, nullptr);
     EXPECT_EQ(root->getParent(), nullptr);
+    a->linkParent(b);
+    EXPECT_EQ(a->getParent(), root) << "it stays where it is";
     EXPECT_TRUE(root->log_verify() && a->log_verify());
     root->release();
 }
@@ -159,6 +163,41 @@ TEST_F(ZObjectTree, Paths) {
     EXPECT_STREQ(field.string(), "int count(int, bool)");
     EXPECT_STREQ(qualifier.string(), "const");
     root->release();
+}
+
+/// Makes what its property "made" answers anew each time.
+class Maker : public ZObject {
+public:
+    using ZObject::getProperty;
+    ZVariant getProperty(ZTypedPtr* typed, const ZSelector& name, bool resolve) const override {
+        if (name != ZSelector("made")) return ZObject::getProperty(typed, name, resolve);
+        ZObject* made = zmake<ZObject>();
+        ZVariant answer(static_cast<const ZType*>(made));
+        made->release();
+        return answer;
+    }
+    ZVariant getProperty(const ZSelector& name) const override { return getProperty(nullptr, name, true); }
+};
+TEST_F(ZObjectTree, PathsThroughProperties) {
+    ZObject *root = child(nullptr, "root"), *a = child(root, "a"), *held = child(nullptr, "held");
+    EXPECT_TRUE(a->addProperty("holder", ZVariant(static_cast<const ZType*>(held))));
+    ZObject* inside = child(held, "inside");
+    ZSelector rest;
+    EXPECT_EQ(root->findObject("a.holder", false), held);
+    EXPECT_EQ(root->findObject("a.holder.inside", false), inside);
+    EXPECT_EQ(root->findObject("a.holder.inside.none", rest), inside);
+    EXPECT_EQ(a->resolveObjectName("holder.width", rest), held);
+    EXPECT_STREQ(rest.string(), "width");
+    // One object knows the end of the path by a name of several parts.
+    ZObject* named = child(a, "b.c");
+    EXPECT_EQ(root->findObject("a.b.c", false), named);
+    EXPECT_EQ(root->findObject("a.b.d", false), nullptr);
+
+    Maker* maker = zmake<Maker>();
+    EXPECT_NE(maker->getProperty("made").toObject(), nullptr);
+    EXPECT_EQ(maker->resolveObjectName("made.width", rest), maker) << "nobody would hold it";
+    EXPECT_EQ(maker->findObject("made", false), nullptr);
+    for (ZObject* end : {static_cast<ZObject*>(maker), root, held}) end->release();
 }
 
 TEST_F(ZObjectTree, LongPaths) {
