@@ -40,7 +40,7 @@ TEST(Command, ExitStatusAndWhereThingsGo) {
         {"types ZObject --methods --properties", 0, "ZObject* findObject(const ZSelector&, bool) const\n", ""},
         {"types ZObject --methods --properties", 0, "ZSelector selector  \"store value\"\n", ""},
         {"types ZObject", 0, "ZObject : ZType\n", ""},
-        {"types ZSring", 1, "", "no type \"ZSring\"; did you mean ZString?"},
+        {"types ZSring", 1, "", "no type \"ZSring\"; did you mean ZString"},
         {"types ZRange --json", 0, "{\"name\": \"ZRange\", \"package\": \"orv.core.base\"", ""},
         {"words " + folder.path("texts"), 0, "         2  two\n         1  one\n", "1 texts"},
         {"words " + folder.path("none") + " " + folder.path("texts"), 1, "         2  two\n", "none: can't be read"},
