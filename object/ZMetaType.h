@@ -330,7 +330,9 @@ public:
     virtual ZTypeCallback getCallback(CallBack index) const;
     virtual void setCallback(CallBack index, ZTypeCallback function);
 
-    // Table builders: run at the first demand
+    // Table builders: they run the callback at the first demand, with no lock held. What the callback adds to the type
+    // is seen by nobody else until it has answered true; false leaves nothing. Two threads may run it for one table:
+    // what the first made counts.
 
     virtual bool createTypes();
     virtual bool createMethods();
@@ -420,6 +422,7 @@ public:
     // Conversion
 
     virtual int calcInternalSize(bool whole) const;
+    /// How well a value converts by a constructor of `other`: what is nearest to the constructor's argument decides.
     virtual int implicitDistance(const ZMetaType* other) const;
     virtual void setupImplicitMap();
     virtual ZMethod* findImplicitConstructor(const ZMetaType* source) const;
@@ -482,6 +485,7 @@ public:
     virtual void setBaseOffset(int index, int bytes);
     virtual bool addBase(ZMetaType* type);
     virtual bool addBase(const ZSelector& name);
+    /// Whether there is one base, and no base above it has several.
     virtual bool isSingleBase() const;
     virtual ZMetaType* primaryBase() const;
     virtual bool isBase(const ZMetaType* other) const;

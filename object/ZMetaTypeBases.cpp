@@ -128,7 +128,12 @@ void ZMetaType::copyLinks(ZArrayT<orv::BaseLink>& bases, ZArrayT<orv::BaseLink>&
 
 /// What a name stands for from here, if there is such a type already: names are asked by scripts and tools too.
 const ZMetaType* ZMetaType::existing(const ZSelector& name) const {
-    return name.isEmpty() ? nullptr : orv::findPackageType(own->package, name, false);
+    if (name.isEmpty()) return nullptr;
+    for (const ZMetaType* at = described(); at; at = at->getOwnerType()) {
+        const Types nested = at->getTypes();
+        if (const auto* found = nested.get(name)) return found->get();
+    }
+    return orv::findPackageType(own->package, name, false);
 }
 
 bool ZMetaType::isBase(const ZMetaType* other) const { return comparable(this, other) && descends(this, other, false); }
@@ -270,6 +275,11 @@ void ZMetaType::basesWereSet() {
     }
     toolkit::storeRelease(own->primaryBase, first);
     orv::typesChanged();
+    if (!hasWrapper()) return;
+    orv::eachBase(this, [](ZMetaType* base) {
+        base->resetWrapper();
+        return true;
+    });
 }
 
 bool ZMetaType::acceptsBase(const ZMetaType* base) const {
@@ -373,12 +383,19 @@ bool ZMetaType::resetBase() {
             resolved = false;
             continue;
         }
-        ZScopedLock held(own->basetype);
-        orv::BaseLink* place = own->bases.entry(i);
-        if (!place || place->type || !(place->name == link.name)) continue;
-        place->type = type;
-        type->retain();
-        changed = true;
+        bool taken = false;
+        {
+            ZScopedLock held(own->basetype);
+            orv::BaseLink* place = own->bases.entry(i);
+            if (place && !place->type && place->name == link.name) {
+                place->type = type;
+                type->retain();
+                taken = true;
+            }
+        }
+        // Somebody else was quicker, or has other bases in mind.
+        if (!taken) type->removeDescendant(this);
+        changed |= taken;
     }
     for (uint i = 0; i < aliases.count(); ++i) {
         const orv::BaseLink& link = std::as_const(aliases)[i];

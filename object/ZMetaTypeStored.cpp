@@ -1,5 +1,6 @@
 #include "object/ZMetaTypeData.h"
 #include "object/ZProperty.h"
+#include "object/tableBuild.h"
 #include "value/ZVariant.h"
 
 // The stored properties of a type: those declared with the word "store", bases first, each in the place of its first
@@ -54,7 +55,7 @@ const StoredList* storedOf(const ZMetaType* type) {
         const size_t bytes = walk.count * sizeof(StoredProperty);
         auto fresh = static_cast<StoredList*>(__zalloc(sizeof(StoredList) + bytes));
         if (!fresh) return nullptr;
-        ::new (fresh) StoredList{{}, now, walk.count};
+        ::new (fresh) StoredList{{}, buildsTables() ? 0 : now, walk.count};
         if (bytes) __builtin_memcpy(fresh->entries(), walk.entries, bytes);
         // Building a table at the first demand is no change, but one that came meanwhile makes this list an old one.
         if (cell.publishOver(known, fresh)) {

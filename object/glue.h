@@ -153,6 +153,7 @@ template <class T> struct Declares {
 /// What the class offers, and in front of that what its table says itself in `callbacks`.
 template <class T> constexpr Callbacks makeCallbacks() {
     Callbacks made = Life<T>::callbacks();
+    made.initialize = Table<T>::info.initialize;
     if constexpr (requires { Table<T>::callbacks; }) {
         const Callbacks& own = Table<T>::callbacks;
         auto take = [](auto& function, auto given) {
@@ -173,7 +174,6 @@ template <class T> constexpr Callbacks makeCallbacks() {
         take(made.destroy, own.destroy);
         take(made.release, own.release);
         take(made.retain, own.retain);
-        take(made.initialize, own.initialize);
         take(made.createDispatch, own.createDispatch);
     }
     return made;

@@ -178,9 +178,7 @@ struct ClassInfo {
     int indexLabel = 0; ///< `ZMetaType::TypeIndexLabel`
     uint internalSize = 0, internalOffset = 0;
     bool dynamicInternal = false;
-    /// Makes the metatype where it is of a class derived from `ZMetaType`; null without memory.
-    ZMetaType* (*make)(ZPackage* package, const ZSelector& name, TypeKinds::Type kind,
-                       const ZArrayT<ZSelector>& bases) = nullptr;
+    bool (*initialize)(ZMetaType* type) = nullptr;
 };
 
 template <class R> struct List {

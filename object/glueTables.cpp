@@ -130,12 +130,6 @@ bool addEnum(ZMetaType* owner, const EnumRow& row) {
     return done;
 }
 
-ZMetaType* makeMetaType(ZPackage* package, const ZSelector& name, const ClassInfo& info,
-                        const ZArrayT<ZSelector>& bases) {
-    if (info.make) return info.make(package, name, info.kind, bases);
-    return zmake<ZMetaType>(package, name, info.kind, bases, passType(ztype<ZMetaType>()));
-}
-
 /// What a type has of its row, nested ones as well as those of packages.
 bool fillType(ZMetaType* type, const ClassRow& row);
 
@@ -146,7 +140,8 @@ bool addNested(ZMetaType* owner, const ClassRow& row) {
     ZArrayT<ZSelector> bases;
     for (const BaseRow& base : row.bases)
         if (!bases.append(ZSelector(base.name))) return false;
-    ZMetaType* type = makeMetaType(nullptr, ZSelector(name), *row.info, bases);
+    auto type = zmake<ZMetaType>(nullptr, ZSelector(name), ZMetaType::Type(row.info->kind), bases,
+                                 passType(ztype<ZMetaType>()));
     if (!type) return false;
     const bool done = owner->addType(type) && fillType(type, row);
     if (done) {
@@ -204,7 +199,8 @@ bool fillType(ZMetaType* type, const ClassRow& row) {
     if (info.blockName) type->setBlockName(ZSelector(info.blockName));
     if (info.sandBoxName) type->setSandBoxName(ZSelector(info.sandBoxName));
     if (info.sandBoxLevel >= 0) type->setSandBoxLevel(info.sandBoxLevel);
-    type->setFlags(info.flags);
+    // References are counted where they are given up.
+    type->setFlags(info.flags | (life.retain ? uint(typeRetaining) : 0));
     type->setIndexLabel(info.indexLabel);
     if (info.pluginPrefix) type->setPluginPrefix(ZSelector(info.pluginPrefix));
     if (info.pluginId) type->setPluginId(ZSelector(info.pluginId));
@@ -232,7 +228,7 @@ ZMetaType* makeType(ZPackage* package, const ClassRow& row) {
     ZArrayT<ZSelector> bases;
     for (const BaseRow& base : row.bases)
         if (!bases.append(ZSelector(base.name))) return nullptr;
-    ZMetaType* type = makeMetaType(package, name, *row.info, bases);
+    auto type = zmake<ZMetaType>(package, name, ZMetaType::Type(row.info->kind), bases, passType(ztype<ZMetaType>()));
     if (!type) return nullptr;
     const bool done = fillType(type, row);
     if (!done) package->unlinkType(type);

@@ -5,6 +5,7 @@
 #include "object/names.h"
 #include "object/propertyAccess.h"
 #include "object/syntheticMethods.h"
+#include "object/tableBuild.h"
 
 #include <cstring>
 
@@ -206,6 +207,7 @@ PropertyLookup* lookUpProperty(const ZMetaType* type, const ZSelector& name) {
         if (PropertyLookup* row = cache->find(name.key()); ORV_LIKELY(row != nullptr))
             return row->property ? row : nullptr;
 
+    if (buildsTables()) generation = 0;
     Declared found;
     bool known = findDeclared(type, name, found, 0);
     auto row = zmake<PropertyLookup>();
@@ -347,6 +349,7 @@ const PropertyCatalogue* propertyCatalogue(const ZMetaType* type) {
     ularge generation = typeGeneration();
     PropertyCatalogue* known = tables.catalogue.load();
     if (ORV_LIKELY(known && known->generation == generation)) return known;
+    if (buildsTables()) generation = 0;
     auto fresh = zmake<PropertyCatalogue>();
     if (!fresh) return nullptr;
     Places places;

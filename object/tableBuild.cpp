@@ -11,6 +11,8 @@ TableBuildBase::TableBuildBase(const ZMetaType* type, const void* kind) : type(t
 }
 TableBuildBase::~TableBuildBase() { innermost = outer; }
 
+bool buildsTables() { return innermost != nullptr; }
+
 TableBuildBase* TableBuildBase::find(const ZMetaType* type, const void* kind) {
     for (TableBuildBase* at = innermost; at; at = at->outer)
         if (at->type == type && at->kind == kind) return at;

@@ -25,6 +25,9 @@ private:
     TableBuildBase* outer;
 };
 
+/// Whether the running thread fills some table: what it looks up meanwhile may be missing only so far, and isn't kept.
+bool buildsTables();
+
 /// The C++ type of the table tells which one of the type it is.
 template <class T> class TableBuild : TableBuildBase {
 public:

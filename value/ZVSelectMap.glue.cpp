@@ -5,7 +5,6 @@
 #include "object/ZMetaType.h"
 #include "object/glue.h"
 #include "text/ZBlendPos.h"
-#include "value/ZVSelectMapType.h"
 #include "value/ZVariant.h"
 
 namespace orv::glue {
@@ -53,11 +52,7 @@ template <> struct Table<ZVSelectMap> : Declares<ZVSelectMap> {
         ORV_METHOD(uint, hashKey, (), const),
         ORV_METHOD(bool, blendFrom, (const ZVSelectMap*, const ZVSelectMap*, const ZBlendPos&), ),
     };
-    static ZMetaType* make(ZPackage* package, const ZSelector& name, Kind kind, const ZArrayT<ZSelector>& bases) {
-        return zmake<ZVSelectMapType>(package, name, kind, bases);
-    }
-    static constexpr ClassInfo info = {
-        .kind = Kind::Structure, .flags = typePublic | typeContainer, .indexLabel = 4, .make = make};
+    static constexpr ClassInfo info = {.kind = Kind::Structure, .flags = typePublic | typeContainer, .indexLabel = 4};
 };
 
 } // namespace orv::glue

@@ -11,4 +11,3 @@ class ZVArray;
 class ZVHashSet;
 class ZVKeyMap;
 class ZVSelectMap;
-class ZVSelectMapType;

@@ -131,6 +131,9 @@ TEST_F(MetaType, FlagsAndTheirReaders) {
     EXPECT_FALSE(type->hasWrapper());
     derived->setFlags(ZMetaType::Wrapper);
     EXPECT_TRUE(type->hasWrapper());
+    TypePtr late = makeType("LateBase");
+    EXPECT_TRUE(derived->addBase(late));
+    EXPECT_TRUE(late->hasWrapper()) << "also for a base that comes later";
     derived->setFlags(0);
     EXPECT_FALSE(type->hasWrapper());
 }

@@ -105,6 +105,25 @@ TEST_F(MetaTypeTables, AreThrownAwayAndBuiltAnew) {
     EXPECT_EQ(type->methodTypeCount(), 1u);
 }
 
+// What a builder asks of its own type while the table isn't whole isn't remembered.
+TEST_F(MetaTypeTables, LookupsWhileBuildingAreAnsweredAnew) {
+    TypePtr type = makeType("Asked");
+    runs = 2;
+    type->setCallback(ZMetaType::CreateProperties, asCallback(+[](ZMetaType* to) {
+                          EXPECT_FALSE(to->hasPropertyDef("one"));
+                          EXPECT_EQ(to->storedPropertyCount(), 0);
+                          return fillProperties(to);
+                      }));
+    type->setCallback(ZMetaType::CreateMethods, asCallback(+[](ZMetaType* to) {
+                          EXPECT_EQ(to->methodType("void one()"), nullptr);
+                          return fillMethods(to);
+                      }));
+    EXPECT_EQ(type->fixedPropertyCount(), 1u);
+    EXPECT_TRUE(type->hasPropertyDef("one"));
+    EXPECT_EQ(type->methodTypeCount(), 1u);
+    EXPECT_TRUE(type->methodType("void one()"));
+}
+
 // A builder that throws its own table away, as a reload of its plugin does, is run again.
 TEST_F(MetaTypeTables, AResetWhileBuildingCounts) {
     TypePtr type = makeType("Reset");
