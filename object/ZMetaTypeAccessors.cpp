@@ -104,98 +104,23 @@ ZMethod* ZMetaType::setterMethod(ZTypedPtr* typed, const ZProperty* prop, bool i
     return setterOf(this, typed, prop, rowOf(this, prop), item);
 }
 
-ZMethod* ZMetaType::counterMethod(ZTypedPtr* typed, const ZSelector& name) const {
-    return simple(this, typed, name, Accessor::Counter, &ZProperty::counter);
-}
-
-ZMethod* ZMetaType::counterMethod(ZTypedPtr* typed, const ZProperty* prop) const {
-    return simple(this, typed, prop, Accessor::Counter, &ZProperty::counter);
-}
-
-ZMethod* ZMetaType::propByIndexMethod(ZTypedPtr* typed, const ZSelector& name) const {
-    return simple(this, typed, name, Accessor::PropByIndex, &ZProperty::byindex);
-}
-
-ZMethod* ZMetaType::propByIndexMethod(ZTypedPtr* typed, const ZProperty* prop) const {
-    return simple(this, typed, prop, Accessor::PropByIndex, &ZProperty::byindex);
-}
-
-ZMethod* ZMetaType::hasPropMethod(ZTypedPtr* typed, const ZSelector& name) const {
-    return simple(this, typed, name, Accessor::HasProp, &ZProperty::hasProp);
-}
-
-ZMethod* ZMetaType::hasPropMethod(ZTypedPtr* typed, const ZProperty* prop) const {
-    return simple(this, typed, prop, Accessor::HasProp, &ZProperty::hasProp);
-}
-
-ZMethod* ZMetaType::propKeyMethod(ZTypedPtr* typed, const ZSelector& name) const {
-    return simple(this, typed, name, Accessor::PropKey, &ZProperty::propKey);
-}
-
-ZMethod* ZMetaType::propKeyMethod(ZTypedPtr* typed, const ZProperty* prop) const {
-    return simple(this, typed, prop, Accessor::PropKey, &ZProperty::propKey);
-}
-
-ZMethod* ZMetaType::propIndexMethod(ZTypedPtr* typed, const ZSelector& name) const {
-    return simple(this, typed, name, Accessor::PropIndex, &ZProperty::propIndex);
-}
-
-ZMethod* ZMetaType::propIndexMethod(ZTypedPtr* typed, const ZProperty* prop) const {
-    return simple(this, typed, prop, Accessor::PropIndex, &ZProperty::propIndex);
-}
-
-ZMethod* ZMetaType::findKeyMethod(ZTypedPtr* typed, const ZSelector& name) const {
-    return simple(this, typed, name, Accessor::FindKey, &ZProperty::findKey);
-}
-
-ZMethod* ZMetaType::findKeyMethod(ZTypedPtr* typed, const ZProperty* prop) const {
-    return simple(this, typed, prop, Accessor::FindKey, &ZProperty::findKey);
-}
-
-ZMethod* ZMetaType::findIndexMethod(ZTypedPtr* typed, const ZSelector& name) const {
-    return simple(this, typed, name, Accessor::FindIndex, &ZProperty::findIndex);
-}
-
-ZMethod* ZMetaType::findIndexMethod(ZTypedPtr* typed, const ZProperty* prop) const {
-    return simple(this, typed, prop, Accessor::FindIndex, &ZProperty::findIndex);
-}
-
-ZMethod* ZMetaType::cleanerMethod(ZTypedPtr* typed, const ZSelector& name) const {
-    return simple(this, typed, name, Accessor::Cleaner, &ZProperty::cleaner);
-}
-
-ZMethod* ZMetaType::cleanerMethod(ZTypedPtr* typed, const ZProperty* prop) const {
-    return simple(this, typed, prop, Accessor::Cleaner, &ZProperty::cleaner);
-}
-
-ZMethod* ZMetaType::removerMethod(ZTypedPtr* typed, const ZSelector& name) const {
-    return simple(this, typed, name, Accessor::Remover, &ZProperty::remover);
-}
-
-ZMethod* ZMetaType::removerMethod(ZTypedPtr* typed, const ZProperty* prop) const {
-    return simple(this, typed, prop, Accessor::Remover, &ZProperty::remover);
-}
-
-ZMethod* ZMetaType::removeByIndexMethod(ZTypedPtr* typed, const ZSelector& name) const {
-    return simple(this, typed, name, Accessor::RemoveByIndex, &ZProperty::removeByIndex);
-}
-
-ZMethod* ZMetaType::removeByIndexMethod(ZTypedPtr* typed, const ZProperty* prop) const {
-    return simple(this, typed, prop, Accessor::RemoveByIndex, &ZProperty::removeByIndex);
-}
-
-ZMethod* ZMetaType::inserterMethod(ZTypedPtr* typed, const ZSelector& name) const {
-    return simple(this, typed, name, Accessor::Inserter, &ZProperty::inserter);
-}
-
-ZMethod* ZMetaType::inserterMethod(ZTypedPtr* typed, const ZProperty* prop) const {
-    return simple(this, typed, prop, Accessor::Inserter, &ZProperty::inserter);
-}
-
-ZMethod* ZMetaType::adderMethod(ZTypedPtr* typed, const ZSelector& name) const {
-    return simple(this, typed, name, Accessor::Adder, &ZProperty::adder);
-}
-
-ZMethod* ZMetaType::adderMethod(ZTypedPtr* typed, const ZProperty* prop) const {
-    return simple(this, typed, prop, Accessor::Adder, &ZProperty::adder);
-}
+#define ORV_ACCESSOR(method, which, signature)                                                                         \
+    ZMethod* ZMetaType::method(ZTypedPtr* typed, const ZSelector& name) const {                                        \
+        return simple(this, typed, name, Accessor::which, &ZProperty::signature);                                      \
+    }                                                                                                                  \
+    ZMethod* ZMetaType::method(ZTypedPtr* typed, const ZProperty* prop) const {                                        \
+        return simple(this, typed, prop, Accessor::which, &ZProperty::signature);                                      \
+    }
+ORV_ACCESSOR(counterMethod, Counter, counter)
+ORV_ACCESSOR(propByIndexMethod, PropByIndex, byindex)
+ORV_ACCESSOR(hasPropMethod, HasProp, hasProp)
+ORV_ACCESSOR(propKeyMethod, PropKey, propKey)
+ORV_ACCESSOR(propIndexMethod, PropIndex, propIndex)
+ORV_ACCESSOR(findKeyMethod, FindKey, findKey)
+ORV_ACCESSOR(findIndexMethod, FindIndex, findIndex)
+ORV_ACCESSOR(cleanerMethod, Cleaner, cleaner)
+ORV_ACCESSOR(removerMethod, Remover, remover)
+ORV_ACCESSOR(removeByIndexMethod, RemoveByIndex, removeByIndex)
+ORV_ACCESSOR(inserterMethod, Inserter, inserter)
+ORV_ACCESSOR(adderMethod, Adder, adder)
+#undef ORV_ACCESSOR

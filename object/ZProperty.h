@@ -59,11 +59,26 @@ public:
     static bool open();
     /// Gives the pool up, with all records that nobody holds any more.
     static void close();
-    /// A pooled record with count 1 from a constructor's arguments; null without memory.
-    template <class... A> [[nodiscard]] static ZProperty* create(A&&... arguments) {
-        ZProperty* record = records.make(std::forward<A>(arguments)...);
-        if (ORV_LIKELY(record != nullptr)) record->pooled = 1;
-        return record;
+    // A pooled record with one reference, from the arguments of each constructor; null without memory.
+    [[nodiscard]] static ZProperty* create() { return make(); }
+    [[nodiscard]] static ZProperty* create(const ZProperty& other) { return make(other); }
+    [[nodiscard]] static ZProperty* create(const ZVariant& value) { return make(value); }
+    [[nodiscard]] static ZProperty* create(const ZSelector& name, const ZVariant& value, uint flags = Default) {
+        return make(name, value, flags);
+    }
+    [[nodiscard]] static ZProperty* create(const ZSelector& name, ZMetaType* valueType, ZMetaType* itemType,
+                                           ZMetaType* indexType, uint flags = Default) {
+        return make(name, valueType, itemType, indexType, flags);
+    }
+    [[nodiscard]] static ZProperty* create(const ZSelector& name, ZMetaType* valueType, ZMetaType* itemType,
+                                           uint flags = Default) {
+        return make(name, valueType, itemType, flags);
+    }
+    [[nodiscard]] static ZProperty* create(const ZSelector& name, ZMetaType* valueType, uint flags = Default) {
+        return make(name, valueType, flags);
+    }
+    [[nodiscard]] static ZProperty* create(const ZProperty* a, const ZProperty* b, const ZBlendPos& pos) {
+        return make(a, b, pos);
     }
     /// This record with another reference; null if it is on its way out, or isn't pooled.
     ZProperty* retain() const;
@@ -216,6 +231,11 @@ private:
 
     static orv::SlotPool<ZProperty> records;
 
+    template <class... A> static ZProperty* make(const A&... arguments) {
+        ZProperty* record = records.make(arguments...);
+        if (ORV_LIKELY(record != nullptr)) record->pooled = 1;
+        return record;
+    }
     ZMetaType* signatureType(bool item) const;
     void addVariableWord();
     void takeFields(const ZProperty& other);

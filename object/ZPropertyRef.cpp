@@ -31,7 +31,8 @@ ZPropertyRef::ZPropertyRef(const ZType* type, const ZSelector& name) {
     {
         toolkit::EpochGuard guard;
         ZProperty* found = type->findProperty(&typed, name, false);
-        if (found) record = found->retain();
+        // A declaration of the type of a value, that nobody owns, doesn't lead to that value.
+        if (found && typed.instance) record = found->retain();
     }
     if (!record) {
         ZProperty local;

@@ -43,122 +43,34 @@ ZMethod* ZType::setter(ZTypedPtr* typed, const ZProperty* prop, bool item) const
                [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->setterMethod(at, of, item); });
 }
 
-ZMethod* ZType::counter(ZTypedPtr* typed, const ZSelector& name) const {
-    return ask(this, typed, name,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->counterMethod(at, of); });
-}
+// The others take nothing but the property.
 
-ZMethod* ZType::counter(ZTypedPtr* typed, const ZProperty* prop) const {
-    return ask(this, typed, prop,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->counterMethod(at, of); });
-}
+namespace {
+using Lookup = ZMethod* (ZMetaType::*)(ZTypedPtr*, const ZProperty*) const;
 
-ZMethod* ZType::propByIndex(ZTypedPtr* typed, const ZSelector& name) const {
-    return ask(this, typed, name,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->propByIndexMethod(at, of); });
+template <class P> ZMethod* askFor(const ZType* self, ZTypedPtr* typed, const P& property, Lookup lookUp) {
+    return ask(self, typed, property,
+               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return (type->*lookUp)(at, of); });
 }
+} // namespace
 
-ZMethod* ZType::propByIndex(ZTypedPtr* typed, const ZProperty* prop) const {
-    return ask(this, typed, prop,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->propByIndexMethod(at, of); });
-}
-
-ZMethod* ZType::hasProp(ZTypedPtr* typed, const ZSelector& name) const {
-    return ask(this, typed, name,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->hasPropMethod(at, of); });
-}
-
-ZMethod* ZType::hasProp(ZTypedPtr* typed, const ZProperty* prop) const {
-    return ask(this, typed, prop,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->hasPropMethod(at, of); });
-}
-
-ZMethod* ZType::propKey(ZTypedPtr* typed, const ZSelector& name) const {
-    return ask(this, typed, name,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->propKeyMethod(at, of); });
-}
-
-ZMethod* ZType::propKey(ZTypedPtr* typed, const ZProperty* prop) const {
-    return ask(this, typed, prop,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->propKeyMethod(at, of); });
-}
-
-ZMethod* ZType::propIndex(ZTypedPtr* typed, const ZSelector& name) const {
-    return ask(this, typed, name,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->propIndexMethod(at, of); });
-}
-
-ZMethod* ZType::propIndex(ZTypedPtr* typed, const ZProperty* prop) const {
-    return ask(this, typed, prop,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->propIndexMethod(at, of); });
-}
-
-ZMethod* ZType::findKey(ZTypedPtr* typed, const ZSelector& name) const {
-    return ask(this, typed, name,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->findKeyMethod(at, of); });
-}
-
-ZMethod* ZType::findKey(ZTypedPtr* typed, const ZProperty* prop) const {
-    return ask(this, typed, prop,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->findKeyMethod(at, of); });
-}
-
-ZMethod* ZType::findIndex(ZTypedPtr* typed, const ZSelector& name) const {
-    return ask(this, typed, name,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->findIndexMethod(at, of); });
-}
-
-ZMethod* ZType::findIndex(ZTypedPtr* typed, const ZProperty* prop) const {
-    return ask(this, typed, prop,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->findIndexMethod(at, of); });
-}
-
-ZMethod* ZType::cleaner(ZTypedPtr* typed, const ZSelector& name) const {
-    return ask(this, typed, name,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->cleanerMethod(at, of); });
-}
-
-ZMethod* ZType::cleaner(ZTypedPtr* typed, const ZProperty* prop) const {
-    return ask(this, typed, prop,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->cleanerMethod(at, of); });
-}
-
-ZMethod* ZType::remover(ZTypedPtr* typed, const ZSelector& name) const {
-    return ask(this, typed, name,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->removerMethod(at, of); });
-}
-
-ZMethod* ZType::remover(ZTypedPtr* typed, const ZProperty* prop) const {
-    return ask(this, typed, prop,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->removerMethod(at, of); });
-}
-
-ZMethod* ZType::removeByIndex(ZTypedPtr* typed, const ZSelector& name) const {
-    return ask(this, typed, name,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->removeByIndexMethod(at, of); });
-}
-
-ZMethod* ZType::removeByIndex(ZTypedPtr* typed, const ZProperty* prop) const {
-    return ask(this, typed, prop,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->removeByIndexMethod(at, of); });
-}
-
-ZMethod* ZType::inserter(ZTypedPtr* typed, const ZSelector& name) const {
-    return ask(this, typed, name,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->inserterMethod(at, of); });
-}
-
-ZMethod* ZType::inserter(ZTypedPtr* typed, const ZProperty* prop) const {
-    return ask(this, typed, prop,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->inserterMethod(at, of); });
-}
-
-ZMethod* ZType::adder(ZTypedPtr* typed, const ZSelector& name) const {
-    return ask(this, typed, name,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->adderMethod(at, of); });
-}
-
-ZMethod* ZType::adder(ZTypedPtr* typed, const ZProperty* prop) const {
-    return ask(this, typed, prop,
-               [&](ZMetaType* type, ZTypedPtr* at, const ZProperty* of) { return type->adderMethod(at, of); });
-}
+#define ORV_ACCESSOR(accessor, lookUp)                                                                                 \
+    ZMethod* ZType::accessor(ZTypedPtr* typed, const ZSelector& name) const {                                          \
+        return askFor<ZSelector>(this, typed, name, &ZMetaType::lookUp);                                                  \
+    }                                                                                                                  \
+    ZMethod* ZType::accessor(ZTypedPtr* typed, const ZProperty* prop) const {                                          \
+        return askFor<const ZProperty*>(this, typed, prop, &ZMetaType::lookUp);                                           \
+    }
+ORV_ACCESSOR(counter, counterMethod)
+ORV_ACCESSOR(propByIndex, propByIndexMethod)
+ORV_ACCESSOR(hasProp, hasPropMethod)
+ORV_ACCESSOR(propKey, propKeyMethod)
+ORV_ACCESSOR(propIndex, propIndexMethod)
+ORV_ACCESSOR(findKey, findKeyMethod)
+ORV_ACCESSOR(findIndex, findIndexMethod)
+ORV_ACCESSOR(cleaner, cleanerMethod)
+ORV_ACCESSOR(remover, removerMethod)
+ORV_ACCESSOR(removeByIndex, removeByIndexMethod)
+ORV_ACCESSOR(inserter, inserterMethod)
+ORV_ACCESSOR(adder, adderMethod)
+#undef ORV_ACCESSOR

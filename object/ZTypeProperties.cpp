@@ -145,7 +145,7 @@ bool ZType::property(ZTypedPtr* typed, const ZSelector& name, ZProperty& found, 
         if (typed) *typed = ZTypedPtr(this);
         return metaType->syntheticProperty(ZTypedPtr(this), today, found, resolve);
     case PropertyPlace::Elsewhere:
-        return place.other.property(typed, place.otherName, found, resolve);
+        return place.other.property(place.lend(typed), place.otherName, found, resolve);
     default:
         return false;
     }
@@ -161,11 +161,9 @@ ZProperty* ZType::findProperty(ZTypedPtr* typed, const ZSelector& name, bool loc
     ZSelector today = replacePropertyName(name);
     PropertyPlace place(this, today, localOnly);
     if (place.kind == PropertyPlace::Elsewhere) {
-        ZProperty* found = place.other.findProperty(typed, place.otherName, localOnly);
-        // What goes with the value that was read on the way can't be lent.
-        bool lent = place.holder.isNull() || place.holder.referenceCount() > 1;
-        if (!lent && typed) *typed = ZTypedPtr();
-        return lent ? found : nullptr;
+        // Nor can a record be lent that goes with what was read on the way. Values have those of their types.
+        const bool stays = place.holder.isNull() || !place.holder.isZType() || place.holder.referenceCount() > 1;
+        return stays ? place.other.findProperty(place.lend(typed), place.otherName, localOnly) : nullptr;
     }
     if (place.property && typed) *typed = ZTypedPtr(this);
     return place.property;
@@ -260,7 +258,8 @@ bool ZType::hasProperty(ZTypedPtr* typed, const ZSelector& name) const {
     ZSelector today = replacePropertyName(name);
     PropertyPlace place(this, today);
     // Who was found elsewhere has said so already.
-    if (place.kind == PropertyPlace::Elsewhere) return !typed || place.other.hasProperty(typed, place.otherName);
+    if (place.kind == PropertyPlace::Elsewhere)
+        return !typed || place.other.hasProperty(place.lend(typed), place.otherName);
     if (place.kind == PropertyPlace::Nowhere) return false;
     if (typed) *typed = ZTypedPtr(this);
     return true;
@@ -285,7 +284,7 @@ ZMetaType* ZType::propertyType(const ZSelector& name) const { return propertyTyp
 ZMetaType* ZType::propertyType(ZTypedPtr* typed, const ZSelector& name) const {
     ZSelector today = replacePropertyName(name);
     PropertyPlace place(this, today);
-    if (place.kind == PropertyPlace::Elsewhere) return place.other.propertyType(typed, place.otherName);
+    if (place.kind == PropertyPlace::Elsewhere) return place.other.propertyType(place.lend(typed), place.otherName);
     if (place.kind == PropertyPlace::Nowhere) return nullptr;
     if (typed) *typed = ZTypedPtr(this);
     if (place.kind == PropertyPlace::Synthetic) return metaType->getSyntheticPropertyType(ZTypedPtr(this), today);

@@ -210,7 +210,11 @@ bool ZType::setProperty(ZTypedPtr* typed, const ZSelector& name, const ZVariant&
         if (typed) *typed = ZTypedPtr(this);
         return metaType->setSyntheticProperty(ZTypedPtr(this), today, value, notify);
     case PropertyPlace::Elsewhere:
-        return place.other.setProperty(typed, place.otherName, value, notify);
+        // Lists of names are paths for reading only.
+        if (place.pathParts) return false;
+        if (!place.writeBack) return place.other.setProperty(place.lend(typed), place.otherName, value, notify);
+        return place.holder.detach() && ZTypedPtr(place.holder).setProperty(nullptr, place.otherName, value, notify) &&
+               orv::writeBack(this, place, notify);
     default:
         return false;
     }
@@ -254,7 +258,9 @@ bool ZType::clearProperty(const ZSelector& name) {
     case PropertyPlace::Synthetic:
         return metaType->clearSyntheticProperty(ZTypedPtr(this), today);
     case PropertyPlace::Elsewhere:
-        return place.other.clearProperty(place.otherName);
+        if (!place.writeBack) return place.other.clearProperty(place.otherName);
+        return place.holder.detach() && ZTypedPtr(place.holder).clearProperty(place.otherName) &&
+               orv::writeBack(this, place, true);
     default:
         return false;
     }
@@ -294,7 +300,11 @@ bool orv::setPath(ZType* self, ZTypedPtr* typed, const ZSelector& path, const ZV
 }
 
 bool orv::writeBack(ZType* self, const PropertyPlace& place, bool notify) {
-    return self->setProperty(nullptr, place.firstName, place.holder, notify);
+    if (!place.delegate.isEmpty()) return self->setProperty(nullptr, place.delegate, place.holder, notify);
+    if (place.pathParts > longestWholePath) return false;
+    ZSelector path = place.pathParts == 1 ? place.name->param(0) : place.name->extract(0, place.pathParts);
+    if (path.type() == ZSelector::Names) path = ZSelector(path.extract(), ZSelector::UID);
+    return self->setProperty(nullptr, path, place.holder, notify);
 }
 
 bool orv::isSelectMap(const ZVariant& value) {

@@ -36,14 +36,18 @@ private:
     const Asking asking;
     bool open = true;
 };
-/// Whether something else than the variant keeps what it refers to.
-bool outlives(const ZVariant& value) { return value.referenceCount() > 1; }
 } // namespace
 
 PropertyPlace::PropertyPlace(const ZType* self, const ZSelector& name, bool localOnly)
     : type(self->type()), self(self), name(&name) {
     if (name.isEmpty() || findOwn() || localOnly) return;
     if (findDelegate() || findPath() || findTypeDelegate()) return;
+}
+
+ZTypedPtr* PropertyPlace::lend(ZTypedPtr* typed) const {
+    if (!typed || holder.isNull() || (holder.isZType() && holder.referenceCount() > 1)) return typed;
+    *typed = ZTypedPtr();
+    return nullptr;
 }
 
 bool PropertyPlace::findOwn() {
@@ -74,6 +78,8 @@ bool PropertyPlace::findDelegate() {
         holder = held;
         other = ZTypedPtr(holder);
         otherName = *name;
+        delegate = entry.key();
+        writeBack = !held.isZType();
         kind = Elsewhere;
         return true;
     }
@@ -85,19 +91,18 @@ bool PropertyPlace::findPath() {
     if (!name->deepName()) return false;
     const int parts = name->parcount();
     if (parts < 2) return false;
-    firstName = name->param(0);
-    if (!readProperty(self, nullptr, firstName, true, holder)) return false;
-    writeBack = !holder.isZType();
+    if (!readProperty(self, nullptr, name->param(0), true, holder)) return false;
     int at = 1;
     for (; at + 1 < parts && !isSelectMap(holder); ++at) {
         ZVariant next = ZTypedPtr(holder).getProperty(name->param(at));
         if (next.isNull()) return false;
-        writeBack = writeBack || !next.isZType();
         holder = std::move(next);
     }
     otherName = at + 1 == parts ? name->param(at) : name->extract(at, parts);
     other = ZTypedPtr(holder);
     if (!other.hasProperty(otherName)) return false;
+    pathParts = at;
+    writeBack = !holder.isZType();
     kind = Elsewhere;
     return true;
 }
@@ -135,8 +140,7 @@ bool readPlace(const PropertyPlace& place, ZTypedPtr* typed, bool resolve, ZVari
         value = place.type->getSyntheticProperty(ZTypedPtr(place.self), *place.name, resolve);
         break;
     case PropertyPlace::Elsewhere:
-        value = place.other.getProperty(typed, place.otherName, resolve);
-        if (typed && place.holder.isZType() && !outlives(place.holder)) *typed = ZTypedPtr();
+        value = place.other.getProperty(place.lend(typed), place.otherName, resolve);
         return true;
     default:
         return false;

@@ -33,9 +33,13 @@ public:
     const ZSelector* name;
     ZTypedPtr other;        ///< `Elsewhere`: who has it
     ZSelector otherName;    ///< under which name
-    bool writeBack = false; ///< `Elsewhere`: it is a value that `self` has under `firstName`
-    ZSelector firstName;
-    ZVariant holder; ///< keeps `other` alive
+    int pathParts = 0;      ///< `Elsewhere`: how many parts of the path led there; 0 if none did
+    bool writeBack = false; ///< `Elsewhere`: it is a value: a copy is to be changed and put back
+    ZSelector delegate;     ///< `Elsewhere`: the dynamic property that holds it; else empty
+    ZVariant holder;        ///< keeps `other` alive
+
+    /// Where to tell who has the property. What goes with the search can't be told: then the pointer is made null.
+    ZTypedPtr* lend(ZTypedPtr* typed) const;
 
 private:
     bool findOwn();
@@ -58,7 +62,7 @@ bool readPlace(const PropertyPlace& place, ZTypedPtr* typed, bool resolve, ZVari
 
 /// Calls the update methods of a declared property that has changed, and, with `notify`, what is bound to it.
 void tellDeclared(ZType* self, const PropertyPlace& place, bool notify);
-/// Puts the value that a place holds back under the first name.
+/// Puts the value that a place holds back where it was found. False where the path there is too long.
 bool writeBack(ZType* self, const PropertyPlace& place, bool notify);
 /// Writes a path of at least two parts.
 bool setPath(ZType* self, ZTypedPtr* typed, const ZSelector& path, const ZVariant& value, bool notify);

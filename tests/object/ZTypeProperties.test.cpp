@@ -79,6 +79,18 @@ TEST_F(TypeProperties, AnUpdateMethodMaySetItsOwnProperty) {
     EXPECT_EQ(shape->getProperty(name("note")).toInt(), shape->grown);
 }
 
+TEST_F(TypeProperties, AnUpdateMethodMayGiveUpTheInstance) {
+    for (const char* property : {"width", "note"}) {
+        auto shape = zmake<TestShape>();
+        ASSERT_TRUE(shape->addProperty(name("note"), ZVariant(1), name(".grow")));
+        int ended = 0;
+        shape->ended = &ended;
+        shape->leaves = true;
+        EXPECT_TRUE(shape->setProperty(name(property), ZVariant(8)));
+        EXPECT_EQ(ended, 1) << property;
+    }
+}
+
 TEST_F(TypeProperties, WhatADeclarationSays) {
     Held shape;
     EXPECT_EQ(shape->propertyVersion(name("width")), 3);
@@ -99,7 +111,7 @@ TEST_F(TypeProperties, WhatADeclarationSays) {
     std::string all;
     for (const ZSelector& each : names) all += textOf(each) + " ";
     EXPECT_EQ(all, "given width label place ");
-    EXPECT_EQ(shape->propertyCount(), 10u);
+    EXPECT_EQ(shape->propertyCount(), 11u);
 }
 
 TEST_F(TypeProperties, SignaturesOfAccessors) {
@@ -219,7 +231,7 @@ TEST_F(TypeProperties, BasesStandAtTheirOffsets) {
     toolkit::EpochGuard guard;
     EXPECT_NE(ztype<TestTagged>()->findPropertyDef(&owner, name("tag")), nullptr);
     EXPECT_EQ(owner.instance, static_cast<TestTag*>(both));
-    EXPECT_EQ(ztype<TestTagged>()->propertyDefCount(), 11u);
+    EXPECT_EQ(ztype<TestTagged>()->propertyDefCount(), 12u);
     both->release();
 }
 
@@ -239,6 +251,12 @@ TEST_F(TypeProperties, PathsAndDelegates) {
     EXPECT_TRUE(shape->setProperty(name("partner.place.left"), ZVariant(71)));
     EXPECT_EQ(partner->spot.x, 71);
     EXPECT_FALSE(shape->setProperty(name("partner.nothing"), ZVariant(1)));
+    // A list of names is a path too, but for reading.
+    EXPECT_FALSE(shape->setProperty(name("partner width"), ZVariant(1)));
+    // What stands in a value behind an object is put back there.
+    EXPECT_TRUE(shape->clearProperty(name("partner.place.left")));
+    EXPECT_EQ(partner->spot.x, 0);
+    EXPECT_EQ(shape->getProperty(name("partner")).toType(), partner.shape);
     EXPECT_FALSE(shape->setProperty(name("nothing.width"), ZVariant(1)));
 
     // What a delegate has answers for its owner, behind what is its own.
@@ -250,6 +268,14 @@ TEST_F(TypeProperties, PathsAndDelegates) {
     EXPECT_EQ(outer->getProperty(name("width")).toInt(), 3);
     EXPECT_TRUE(outer->setProperty(name("note"), ZVariant(10)));
     EXPECT_EQ(last->getProperty(name("note")).toInt(), 10);
+    // One that is a value is changed for its owner alone.
+    TestPoint held{1, 2};
+    ASSERT_TRUE(outer->addProperty(name("corner"), ZVariant(ztype<TestPoint>(), &held),
+                                   ZProperty::Dynamic | ZProperty::Delegate));
+    const ZVariant before = outer->getProperty(name("corner"));
+    EXPECT_TRUE(outer->setProperty(name("left"), ZVariant(6)));
+    EXPECT_EQ(outer->getProperty(name("left")).toInt(), 6);
+    EXPECT_EQ(static_cast<const TestPoint*>(before.getPtr())->x, 1);
     ZPropertyRef ref(outer.shape, name("note"));
     EXPECT_EQ(ref.owner(), last.shape);
     ref = ZVariant(11);
@@ -279,6 +305,16 @@ TEST_F(TypeProperties, ItemsGoThroughAccessors) {
     EXPECT_EQ(shape->getPropertyItem(name("side"), 2).toInt(), 3);
     EXPECT_FALSE(shape->setPropertyItem(name("side"), 2, ZVariant(30), true)); // read-only
     EXPECT_EQ(shape->getPropertyCount(name("nothing")), 0);
+    // Setting an item calls the update method too; the getter of items isn't const.
+    EXPECT_TRUE(shape->setPropertyItem(name("edge"), 1, ZVariant(20), true));
+    EXPECT_GT(shape->grown, 0);
+    EXPECT_EQ(shape->getPropertyItem(name("edge"), 1).toInt(), 20);
+    toolkit::EpochGuard guard;
+    ZMetaType* type = ztype<TestShape>();
+    EXPECT_NE(type->getterMethod(nullptr, name("edge"), false, true, true), nullptr);
+    EXPECT_EQ(type->getterMethod(nullptr, name("edge"), false, true, true),
+              type->getterMethod(nullptr, name("edge"), false, false, true));
+    EXPECT_EQ(type->getterMethod(nullptr, name("edge"), true, false, true), nullptr);
 }
 
 TEST_F(TypeProperties, PlainStructuresHavePropertiesToo) {

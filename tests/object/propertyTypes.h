@@ -1,9 +1,8 @@
 #pragma once
 
-#include "module/packages.h"
+#include "object/ZMetaType.h"
 #include "object/ZType.h"
-#include "object/glue.h"
-#include "object/names.h"
+#include "object/reflect.h"
 #include "object/ztype.h"
 #include "tests/support/CoreScope.h"
 #include "text/ZString.h"
@@ -33,6 +32,7 @@ public:
           spot(source->spot) {}
     ~TestShape() override {
         if (next) next->release();
+        if (ended) ++*ended;
     }
 
     int width() const { return w; }
@@ -71,9 +71,12 @@ public:
         sides[index & 3] = value;
         return true;
     }
-    /// Sets the property that it is the update method of.
+    int edge(int index) { return sides[index & 3]; }
+    bool setEdge(int index, const int& value) { return setSide(index, value); }
+    /// Sets the property that it is the update method of, or gives up a reference.
     void grow() {
         ++grown;
+        if (leaves) return release();
         setProperty(ZSelector("width"), ZVariant(w + 1));
         setProperty(ZSelector("note"), ZVariant(grown));
     }
@@ -84,6 +87,8 @@ public:
     TestPoint spot;
     ZType* next = nullptr;
     ZVariant held;
+    bool leaves = false;
+    int* ended = nullptr; ///< counts
 };
 
 /// A class with two bases; the second stands behind the first and has a property of its own.
@@ -104,90 +109,11 @@ public:
     double ratio() const { return 100; }
 };
 
-namespace orv::glue {
-
-template <> struct Table<TestPoint> : Declares<TestPoint> {
-    static constexpr MethodRow methods[] = {ORV_CONSTRUCTOR(()), ORV_VALUE_ACCESSORS(int, left, Left)};
-    static constexpr PropertyRow properties[] = {ORV_PROPERTY(int, left, "store")};
-    static constexpr ClassInfo info = {.kind = Kind::Structure};
-};
-
-template <> struct Table<TestShape> : Declares<TestShape> {
-    using BaseTypes = Bases<ZType>;
-    static constexpr int start = 11;
-    static constexpr MethodRow methods[] = {
-        ORV_VALUE_ACCESSORS(int, width, Width),
-        ORV_METHOD(real, ratio, (), const),
-        ORV_ACCESSORS(ZString, label, Label),
-        ORV_METHOD(ZString, both, (), const),
-        ORV_ACCESSORS(TestPoint, place, Place),
-        ORV_POINTER_ACCESSORS(ZType, partner, Partner),
-        ORV_VALUE_ACCESSORS(ZVariant, any, Any),
-        ORV_METHOD(int, countSide, (), const),
-        ORV_METHOD(int, side, (int), const),
-        ORV_METHOD(bool, setSide, (int, const int&), ),
-        ORV_METHOD(void, grow, (), ),
-    };
-    static constexpr PropertyRow properties[] = {
-        ORV_PROPERTY(int, width, "store v3 sb2 .grow"),
-        ORV_PROPERTY(real, ratio, "readonly"),
-        ORV_PROPERTY(ZString, label, "store noxst"),
-        ORV_PROPERTY(ZString, both, "readonly"),
-        ORV_PROPERTY(TestPoint, place, "store"),
-        ORV_PROPERTY(ZType*, partner, "retain"),
-        ORV_PROPERTY(ZVariant, any, "variable"),
-        ORV_DYNAMIC_PROPERTY(int, side, "optional collection array readonly"),
-        ORV_DYNAMIC_PROPERTY(int, given, "store").initially(start),
-        ORV_DYNAMIC_PROPERTY(int, extra, "optional").initially(start),
-    };
-    static constexpr ClassInfo info = {.kind = Kind::Dynamic, .flags = typePublic | typePolymorphic};
-};
-
-template <> struct Table<TestTag> : Declares<TestTag> {
-    static constexpr MethodRow methods[] = {ORV_CONSTRUCTOR(()), ORV_VALUE_ACCESSORS(int, tag, Tag)};
-    static constexpr PropertyRow properties[] = {ORV_PROPERTY(int, tag, "store")};
-    static constexpr ClassInfo info = {.kind = Kind::Structure};
-};
-
-template <> struct Table<TestTagged> : Declares<TestTagged> {
-    using BaseTypes = Bases<TestShape, TestTag>;
-    static constexpr MethodRow methods[] = {ORV_METHOD(real, ratio, (), const)};
-    static constexpr ClassInfo info = {.kind = Kind::Dynamic, .flags = typePublic | typePolymorphic};
-};
-
-} // namespace orv::glue
-
-ORV_DECLARE(TestPoint);
-ORV_DECLARE(TestShape);
-ORV_DECLARE(TestTag);
-ORV_DECLARE(TestTagged);
-
 /// The library up, with these types.
 class PropertyTest : public CoreTest {
 protected:
-    static void SetUpTestSuite() {
-        CoreTest::SetUpTestSuite();
-        if (!ZPackage::root()) own = orv::openModule() && orv::openPackages();
-        ASSERT_TRUE(orv::openNames(orv::moduleNames()));
-        ZPackage* package = ZPackage::findPackage(ZSelector("orv.core.base"));
-        ASSERT_NE(package, nullptr);
-        for (const orv::glue::ClassRow* row : {&orv::glue::Row<TestPoint>::row, &orv::glue::Row<TestShape>::row,
-                                               &orv::glue::Row<TestTag>::row, &orv::glue::Row<TestTagged>::row}) {
-            ZMetaType* type = orv::makeType(package, *row);
-            ASSERT_NE(type, nullptr) << row->name;
-            type->resetBase();
-        }
-        ASSERT_EQ(ztype<TestShape>(), ZMetaType::find(ZSelector("TestShape")));
-    }
-    static void TearDownTestSuite() {
-        orv::closeNames(orv::moduleNames());
-        if (own) {
-            orv::closePackages();
-            orv::closeModule();
-        }
-        CoreTest::TearDownTestSuite();
-    }
+    static void SetUpTestSuite();
+    static void TearDownTestSuite();
 
-    static inline bool own = false;
     static ZSelector name(const char* text) { return ZSelector(text); }
 };
