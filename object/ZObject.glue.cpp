@@ -321,7 +321,8 @@ template <> struct Table<ZObject> : Declares<ZObject> {
     static constexpr EnumRow enums[] = {ORV_ENUM(DelegateType, delegateTypeItems), ORV_ENUM(Signal, signalItems)};
     static constexpr ClassInfo info = {.kind = Kind::Object,
                                        .flags = typePublic | typePolymorphic | typeCreated | typeRefStore,
-                                       .internalSize = internalRoom(sizeof(ObjectData))};
+                                       .internalSize = internalRoom(sizeof(ObjectData)),
+                                       .dynamicInternal = true};
 };
 
 } // namespace orv::glue
