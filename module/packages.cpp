@@ -34,9 +34,9 @@ constexpr const ClassRow* baseTypes[] = {
 };
 
 constexpr const ClassRow* objectTypes[] = {
-    &Row<ZType>::row,         &Row<ZObject>::row,      &Row<ZMetaType>::row,      &Row<ZEnum>::row,
-    &Row<ZMethodRef>::row,    &Row<ZPropertyRef>::row, &Row<ZDetachContext>::row, &Row<ZEnumType>::row,
-    &Row<ZTypeCategory>::row, &Row<ZPackage>::row,
+    &Row<ZType>::row,          &Row<ZObject>::row,    &Row<ZMetaType>::row,       &Row<ZEnum>::row,
+    &Row<ZMethod>::row,        &Row<ZMethodRef>::row, &Row<ZMethodDispatch>::row, &Row<ZPropertyRef>::row,
+    &Row<ZDetachContext>::row, &Row<ZEnumType>::row,  &Row<ZTypeCategory>::row,   &Row<ZPackage>::row,
 };
 
 constexpr const char* ztlUses[] = {"orv.core.base", "orv.core.object"};

@@ -243,6 +243,19 @@ void ZEnum::resetBitFlags() {
     for (uint i = 0; i < byValue.count() && bitFlags; ++i) joinBits(uint(byValue.value(i).value));
 }
 
+bool ZEnum::holds(int value) const {
+    if (byValue.isEmpty() || valueIndex(value) >= 0) return true;
+    if (!bitFlags) return false;
+    uint bits = seenBits;
+    if (int(bits) < 0) {
+        // The bits of a negative value are no flags, apart from the highest alone.
+        bits = 0;
+        for (uint i = 0; i < byValue.count(); ++i)
+            if (const uint known = uint(byValue.value(i).value); int(known) >= 0 || known == 1u << 31) bits |= known;
+    }
+    return !(uint(value) & ~bits);
+}
+
 int ZEnum::scan(const ZSelector& words, bool lower) const {
     uint flags = 0;
     auto join = [&](const ZSelector& word) { flags |= uint(lower ? valueLC(word) : value(word)); };

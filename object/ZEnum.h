@@ -111,6 +111,10 @@ public:
     bool isBitFlags() const { return bitFlags; }
     /// Works that out anew, as each change of the table does by itself.
     void resetBitFlags();
+    /// Whether a variable of the enumeration may have the value: one that has a name, or of flags one whose bits all
+    /// belong to values that have. Of negative values only those with names count. Anything may stand in an empty
+    /// table.
+    bool holds(int value) const;
     /// The values of a list of words joined by OR; what is no name and no number adds nothing. With `lower` the words
     /// are names in lower case.
     int scan(const ZSelector& words, bool lower) const;

@@ -204,8 +204,20 @@ bool ZEnumType::isBitFlags() const {
     return data().isBitFlags();
 }
 
+bool ZEnumType::holds(large value) const {
+    toolkit::EpochGuard guard;
+    const ZEnum& items = data();
+    return items.count() == 0 || (value == int(value) && items.holds(int(value)));
+}
+
 // Values
 
+bool ZEnumType::isHeld(const void* instance) const {
+    large number = 0;
+    if (getSize() < sizeof number) return holds(valueOf(instance));
+    std::memcpy(&number, instance, sizeof number);
+    return holds(number);
+}
 int ZEnumType::valueOf(const void* instance) const {
     const uint size = getSize();
     byte bytes[4] = {};

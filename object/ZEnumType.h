@@ -58,11 +58,16 @@ public:
     virtual bool values(ZArrayT<int>& values) const;
     virtual int resolve(const ZString& expression) const;
     virtual bool isBitFlags() const;
+    /// Numbers beyond an int have no name.
+    bool holds(large value) const;
 
     // Values through untyped pointers, which needn't be aligned
 
     int valueOf(const void* instance) const;
     void setValueOf(void* instance, int value) const;
+    /// Whether what stands there is a value of the enumeration. C++ has no room for others, so they are no arguments of
+    /// methods and aren't written to fields.
+    bool isHeld(const void* instance) const;
 
     // Inherited operations for which the type of an enumeration has an answer of its own
 

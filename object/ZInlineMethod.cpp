@@ -43,7 +43,9 @@ void InlineLinks::drop(MethodTables& tables) {
         tables.inlineFirst = record->next;
         record->reset();
         record->next = record->prev = nullptr;
-        record->linkedTo = record->ownerType = nullptr;
+        toolkit::storeRelease(record->ownerType, static_cast<ZMetaType*>(nullptr));
+        ZScopedLock aimed(record->guard);
+        record->linkedTo = nullptr;
     }
 }
 void InlineLinks::list(const ZInlineMethod* record) {
@@ -57,6 +59,9 @@ void InlineLinks::list(const ZInlineMethod* record) {
 }
 void InlineLinks::unlist(const ZInlineMethod* record) {
     ZScopedLock held(multiGuard);
+    unlistHeld(record);
+}
+void InlineLinks::unlistHeld(const ZInlineMethod* record) {
     if (!record->listed) return;
     record->listed = false;
     (record->prevMulti ? record->prevMulti->nextMulti : multiFirst) = record->nextMulti;
@@ -64,11 +69,12 @@ void InlineLinks::unlist(const ZInlineMethod* record) {
     record->nextMulti = record->prevMulti = nullptr;
 }
 
-void InlineLinks::forgetTypes(ZInlineMethod* record) {
+ZArrayT<ZMetaType*> InlineLinks::takeTypes(ZInlineMethod* record) {
+    ZArrayT<ZMetaType*> types;
     record->reset();
-    ZMetaType::unuseTypes(record->paramTypes);
-    record->paramTypes.clear();
-    unlist(record);
+    ZScopedLock held(record->guard);
+    std::swap(types, record->paramTypes);
+    return types;
 }
 
 } // namespace orv
@@ -99,6 +105,7 @@ void ZInlineMethod::forgetObject() {
 void ZInlineMethod::setSelector(const ZSelector& module, const ZSelector& type, const ZSelector& wanted,
                                 const ZSelector& words) {
     unlink();
+    dropTypes();
     ownerType = nullptr;
     ownerObject = nullptr;
     package = module;
@@ -132,13 +139,17 @@ bool ZInlineMethod::setMethod(const ZMetaType* type, const ZSelector& wanted, co
                               const ZSelector& words) {
     setSelector(wanted, words);
     ZMetaType::useTypes(types);
-    ZMetaType::unuseTypes(paramTypes);
     paramTypes = types;
     isMulti = true;
     ownerType = const_cast<ZMetaType*>(type);
     link();
     toolkit::EpochGuard guard;
     return resolve().method != nullptr;
+}
+/// Of a record that isn't listed.
+void ZInlineMethod::dropTypes() {
+    ZMetaType::unuseTypes(paramTypes);
+    paramTypes.clear();
 }
 void ZInlineMethod::setMode(uint flags) {
     reset();
@@ -175,14 +186,22 @@ ZMetaType* ZInlineMethod::findOwner() const {
     const ZSelector full = package.isEmpty() ? typeName : ZSelector::combine(package, typeName, "::");
     return ZMetaType::find(full);
 }
+ZArrayT<ZMetaType*> ZInlineMethod::shareTypes() const {
+    ZScopedLock held(guard);
+    return paramTypes;
+}
 MethodHit ZInlineMethod::find() const {
-    ZMetaType* type = ownerType;
+    ZMetaType* type = toolkit::loadAcquire(ownerType);
     MethodHit hit;
-    if (type && isMulti && !paramTypes.isEmpty())
-        hit = orv::lookUpOverload(type, signature, paramTypes.data(), int(paramTypes.count()),
+    if (isMulti && signature.type() != ZSelector::Method) {
+        // Without types only a call's arguments can choose.
+        const ZArrayT<ZMetaType*> types = shareTypes();
+        if (types.isEmpty()) return {};
+        hit = orv::lookUpOverload(type, signature, types.data(), int(types.count()),
                                   orv::LookSkipResult | orv::LookImplicit, qualifier, isBase);
-    else if (type)
+    } else if (type) {
         hit = orv::lookUpMethod(type, signature, qualifier, isBase);
+    }
     if (ownerObject) {
         ZTypedPtr typed(type, ownerObject);
         if (ZMethod* own = ownerObject->method(&typed, signature, qualifier))
@@ -226,7 +245,7 @@ void* ZInlineMethod::callSlow(const void* instance, const void* const* words, in
     const char* part = static_cast<const char*>(instance) + hit.offset;
     if (hit.method->hasFunc() && hit.method->fastWords() == count) return orv::callWords(hit.method, part, words);
     if (count > 0) return nullptr;
-    const ZVariant result = hit.method->invoke(part, ownerType, nullptr, 0);
+    const ZVariant result = hit.method->invoke(part, toolkit::loadAcquire(ownerType), nullptr, 0);
     void* word = nullptr;
     if (result.type() && result.type()->byteSize() <= sizeof word && result.getPtr())
         __builtin_memcpy(&word, result.getPtr(), result.type()->byteSize());
@@ -235,17 +254,18 @@ void* ZInlineMethod::callSlow(const void* instance, const void* const* words, in
 ZVariant ZInlineMethod::invoke(const void* instance, const ZVariant* args, int count) const {
     toolkit::EpochGuard guard;
     MethodHit hit;
-    if (isMulti && paramTypes.isEmpty() && ownerType && count < 32) {
+    ZMetaType* type = toolkit::loadAcquire(ownerType);
+    if (isMulti && signature.type() != ZSelector::Method && type && count < 32 && shareTypes().isEmpty()) {
         const ZMetaType* types[33] = {};
         for (int i = 0; i < count; ++i) types[i + 1] = args[i].type();
-        hit = orv::lookUpOverload(ownerType, signature.isEmpty() ? name : signature, types, count + 1,
+        hit = orv::lookUpOverload(type, signature.isEmpty() ? name : signature, types, count + 1,
                                   orv::LookSkipResult | orv::LookImplicit, qualifier, isBase);
     } else {
         hit = resolve();
     }
     if (!hit.method) return {};
-    return hit.method->invoke(instance ? static_cast<const char*>(instance) + hit.offset : nullptr, ownerType, args,
-                              count);
+    const char* part = instance ? static_cast<const char*>(instance) + hit.offset : nullptr;
+    return hit.method->invoke(part, toolkit::loadAcquire(ownerType), args, count);
 }
 ZMethod* ZInlineMethod::getMethod() const {
     toolkit::EpochGuard guard;
@@ -260,10 +280,11 @@ ZMethod::Func ZInlineMethod::getFunc() const {
     return hit.method ? hit.method->getFunc() : &ZMethod::emptyFunc;
 }
 ZMetaType* ZInlineMethod::getParamType(int index) const {
-    if (index >= 0 && uint(index) < paramTypes.count()) return paramTypes.data()[index];
+    if (const ZArrayT<ZMetaType*> types = shareTypes(); index >= 0 && uint(index) < types.count())
+        return types.data()[index];
     toolkit::EpochGuard guard;
     const MethodHit hit = resolve();
-    return hit.method ? hit.method->parType(index, ownerType) : nullptr;
+    return hit.method ? hit.method->parType(index, toolkit::loadAcquire(ownerType)) : nullptr;
 }
 
 // Registration
@@ -294,8 +315,7 @@ void ZInlineMethod::unlink() const {
 void ZInlineMethod::reset() const { toolkit::storeRelease(stamp, 0); }
 void ZInlineMethod::clear() {
     unlink();
-    ZMetaType::unuseTypes(paramTypes);
-    paramTypes.clear();
+    dropTypes();
     isBase = isMulti = isType = false;
     ownerType = nullptr;
     ownerObject = nullptr;
@@ -320,17 +340,20 @@ void ZInlineMethod::assign(const ZInlineMethod& other) {
 }
 
 namespace {
-/// The first multi-method record whose types are affected leaves the list; null when there is none left.
+/// Takes the types from multi-method records that are affected. All of it under the list's lock: a record may end as
+/// soon as it is free.
 template <class F> void clearRecords(F affected) {
     for (;;) {
-        ZInlineMethod* hit = nullptr;
+        ZArrayT<ZMetaType*> types;
         {
             ZScopedLock held(multiGuard);
-            for (ZInlineMethod* at = multiFirst; at && !hit; at = orv::InlineLinks::nextListed(at))
-                if (affected(orv::InlineLinks::types(at))) hit = at;
+            ZInlineMethod* at = multiFirst;
+            while (at && !affected(orv::InlineLinks::types(at))) at = orv::InlineLinks::nextListed(at);
+            if (!at) return;
+            types = orv::InlineLinks::takeTypes(at);
+            orv::InlineLinks::unlistHeld(at);
         }
-        if (!hit) return;
-        orv::InlineLinks::forgetTypes(hit);
+        ZMetaType::unuseTypes(types);
     }
 }
 } // namespace
@@ -345,7 +368,7 @@ void ZInlineMethod::clearMultiMethods(const ZPackage* package) {
 // Nested calls
 
 ZInlineMethod::Stack::Stack(ZInlineMethod& record)
-    : kept(record), below(innermost), target(nullptr), types(record.paramTypes), owner(record.ownerType),
+    : kept(record), below(innermost), target(nullptr), types(record.shareTypes()), owner(record.ownerType),
       object(record.ownerObject) {
     ZMetaType::useTypes(types);
     toolkit::EpochGuard guard;
@@ -355,7 +378,7 @@ ZInlineMethod::Stack::Stack(ZInlineMethod& record)
 ZInlineMethod::Stack::~Stack() {
     innermost = below;
     ZMethod::release(target);
-    if (kept.ownerType != owner || kept.ownerObject != object || !(kept.paramTypes == types)) {
+    if (kept.ownerType != owner || kept.ownerObject != object || !(kept.shareTypes() == types)) {
         kept.unlink();
         ZMetaType::useTypes(types);
         ZMetaType::unuseTypes(kept.paramTypes);

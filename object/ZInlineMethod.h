@@ -160,6 +160,8 @@ private:
     friend class Stack;
     friend struct orv::InlineLinks;
 
+    ZArrayT<ZMetaType*> shareTypes() const;
+    void dropTypes();
     orv::MethodHit find() const;
     orv::MethodHit resolve() const;
     void publish(const orv::MethodHit& hit, ularge generation) const;

@@ -774,6 +774,7 @@ protected:
     void changeImplicitTo(ZMetaType* type, bool add);
     void clearImplicitMap();
     bool constructByMethod(void* instance, const ZVariant& source);
+    bool constructNumber(void* instance, const ZMetaType& type, const void* value) const;
     bool constructPointer(void* instance, const ZVariant& source);
     bool buildInstance(void* zeroed);
     ZSelector derefReference() const;

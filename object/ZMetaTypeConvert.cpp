@@ -1,9 +1,12 @@
 #include "core/construct.h"
+#include "object/ZEnumType.h"
 #include "object/ZMetaTypeData.h"
 #include "object/glueRows.h"
 #include "object/kindValues.h"
+#include "object/methodArguments.h"
 #include "object/packageTypes.h"
 #include "value/ZVariant.h"
+#include "value/variantTypes.h"
 
 #include <cstring>
 
@@ -129,12 +132,13 @@ bool ZMetaType::constructByMethod(void* instance, const ZVariant& source) {
     int offset = 0;
     const int kind = parameter->kind(), sourceKind = from.type->kind();
     if (kind != sourceKind && orv::isNumberKind(kind)) {
-        if (!orv::convertKind(kind, number, sourceKind, value)) return false;
+        if (!orv::isNumberKind(sourceKind) || !parameter->constructNumber(number, *from.type, value)) return false;
         value = number;
     } else if (from.type->upcastOffset(parameter, offset))
         value = static_cast<const char*>(value) + offset;
     else
         return false;
+    if (!orv::isPassable(parameter->getDataType(), value)) return false;
     if (parameter->isReference())
         std::memcpy(block.slot, &value, sizeof value);
     else if (kind == Float) {
@@ -153,6 +157,19 @@ bool ZMetaType::constructByMethod(void* instance, const ZVariant& source) {
     return false;
 }
 
+/// A number of this type out of another one; enumerations have sizes of their own.
+bool ZMetaType::constructNumber(void* instance, const ZMetaType& type, const void* value) const {
+    int kind = type.kind(), number;
+    if (const ZEnumType* items = kind == Enum ? type.enumType() : nullptr) {
+        number = items->valueOf(value);
+        value = &number;
+        kind = Int;
+    }
+    large wide;
+    if (typeKind != Enum) return orv::convertKind(typeKind, instance, kind, value);
+    return orv::kindToLarge(kind, value, wide) && orv::detail::setEnumNumber(this, instance, wide);
+}
+
 bool ZMetaType::constructFrom(void* instance, const ZVariant& source) {
     if (relationType() != this && !own->ptrCount)
         return const_cast<ZMetaType*>(relationType())->constructFrom(instance, source);
@@ -163,7 +180,7 @@ bool ZMetaType::constructFrom(void* instance, const ZVariant& source) {
     if (!from.value) return false;
     const int kind = from.type->kind();
     if (orv::isNumberKind(typeKind) && orv::isNumberKind(kind))
-        return orv::convertKind(typeKind, instance, kind, from.value);
+        return constructNumber(instance, *from.type, from.value);
     if (typeKind > Void && orv::isPlainKind(typeKind) && kind > Void && orv::isPlainKind(kind)) {
         orv::constructKind(typeKind, instance, typeSize);
         ZFailGuard guard;

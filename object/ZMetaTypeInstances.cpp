@@ -101,6 +101,9 @@ void ZMetaType::releaseInstance(void* instance) const {
 void ZMetaType::directInstanceRelease(void* instance) const {
     if (!instance) return;
     if (typeKind >= Dynamic) return asType(instance)->release();
+    // Instances that are counted elsewhere than in the head of a block.
+    if (getFlags() & Retaining)
+        if (auto end = callback<void (*)(void*)>(this, ReleaseInstance)) return end(instance);
     if (decmemref(instance) > 0) return;
     destructInstance(instance);
     toolkit::freeBlock(instance);

@@ -128,7 +128,7 @@ bool ZMethod::setSelector(const ZSelector& selector) {
     }
     reset();
     signature = stored;
-    if (open >= 0) flags |= Variadic;
+    flags = open >= 0 ? flags | Variadic : flags & ~uint(Variadic);
     openIndex = open;
     return true;
 }

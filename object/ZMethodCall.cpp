@@ -3,6 +3,7 @@
 #include "core/debug.h"
 #include "object/ZMetaType.h"
 #include "object/ZType.h"
+#include "object/glueLife.h"
 #include "object/methodArguments.h"
 #include "object/methodParams.h"
 #include "object/names.h"
@@ -24,6 +25,8 @@ struct StackWords {
 };
 ORV_THREAD_LOCAL StackWords stackWordsNow{};
 
+ORV_THREAD_LOCAL ZInternal* internalNow = nullptr;
+
 /// Blocks for what the call itself has no room for: a link, then the memory.
 struct Overflow {
     alignas(16) void* next;
@@ -32,6 +35,8 @@ struct Overflow {
 bool sharesInstance(const ZMetaType* data) { return data->holdsZType(); }
 
 } // namespace
+
+ZInternal* orv::glue::takeInternal() { return std::exchange(internalNow, nullptr); }
 
 ZMethodCall::ZMethodCall() {}
 ZMethodCall::ZMethodCall(const void* target, const ZMethod* called, const ZMetaType* seen, bool isConstructor) {
@@ -89,6 +94,7 @@ void ZMethodCall::clear() {
     instance = nullptr;
     method = nullptr;
     type = tag = nullptr;
+    internal = nullptr;
     params = nullptr;
     arguments = nullptr;
     block = nullptr;
@@ -116,6 +122,9 @@ void* ZMethodCall::scratch(size_t size) {
 // Putting arguments into the block
 
 bool ZMethodCall::put(int at, const void* value) {
+    return orv::isPassable((*params)[at].data, value) && store(at, value);
+}
+bool ZMethodCall::store(int at, const void* value) {
     const MethodParam& param = (*params)[at];
     char* slot = block + param.at;
     if (param.kind == ZMetaType::Float) {
@@ -183,45 +192,48 @@ bool ZMethodCall::putMade(int at, const ZVariant& value, bool convert) {
         guard.forget();
         return false;
     }
-    param.passing == Passing::Value ? put(at, place) : putPointer(at, place);
-    arguments[at].flags |= Made;
-    if (param.passing == Passing::Value) {
-        // Values in slots are plain bytes; what was made for them ends here.
-        data->destructInstance(place);
-        arguments[at].flags &= ~ularge(Made);
+    if (param.passing != Passing::Value && orv::isPassable(data, place)) {
+        putPointer(at, place);
+        arguments[at].flags |= Made;
+        return true;
     }
-    return true;
+    // Values in slots are plain bytes; what was made for them ends here.
+    const bool stored = param.passing == Passing::Value && put(at, place);
+    data->destructInstance(place);
+    return stored;
 }
 
 bool ZMethodCall::putNumber(int at, const ZVariant& value) {
     const MethodParam& param = (*params)[at];
     char room[8] = {};
-    if (!orv::numberBytes(param.kind, value, room)) return false;
+    if (!orv::numberBytes(param, value, room)) return false;
     return put(at, room);
 }
 
 bool ZMethodCall::putValue(int at, const ZVariant& value) {
     const MethodParam& param = (*params)[at];
-    if (!param.data) return refuse(at, value.type());
+    if (!param.data) return refuse(at, value);
     if (param.passing == Passing::Value) {
-        if (value.type() == param.data && param.data->byteSize() <= 8) return put(at, value.getPtr());
+        if (value.type() == param.data && param.data->byteSize() <= 8)
+            return put(at, value.getPtr()) || refuse(at, value);
         if (orv::isNumber(param.kind) && putNumber(at, value)) return true;
-        return (value.type() && putMade(at, value, true)) || refuse(at, value.type());
+        return (value.type() && putMade(at, value, true)) || refuse(at, value);
     }
     if (param.passing == Passing::Reference && param.pointers > 0) return putPointerCell(at, value);
     if (param.passing == Passing::Pointer && value.isNull() && !param.data->isVariant()) return putPointer(at, nullptr);
-    if (const void* address = directly(at, value)) return putPointer(at, address);
+    if (const void* address = directly(at, value))
+        return orv::isPassable(param.data, address) ? putPointer(at, address) : refuse(at, value);
     if (param.kind == ZMetaType::Char && param.pointers == 1 && param.isConst)
-        return putText(at, value) || refuse(at, value.type());
-    return putMade(at, value, true) || refuse(at, value.type());
+        return putText(at, value) || refuse(at, value);
+    return putMade(at, value, true) || refuse(at, value);
 }
 
 /// A pointer of the call's own for a reference to one; null for the null value.
 bool ZMethodCall::putPointerCell(int at, const ZVariant& value) {
     const void* pointer = value.isNull() ? nullptr : directly(at, value);
-    if (!pointer && !value.isNull()) return refuse(at, value.type());
+    if (!pointer && !value.isNull()) return refuse(at, value);
     void* cell = scratch(sizeof pointer);
-    if (!cell) return refuse(at, value.type());
+    if (!cell) return refuse(at, value);
     std::memcpy(cell, &pointer, sizeof pointer);
     return putPointer(at, cell);
 }
@@ -239,11 +251,15 @@ bool ZMethodCall::putText(int at, const ZVariant& value) {
     return place && putPointer(at, place);
 }
 
-bool ZMethodCall::refuse(int at, const ZMetaType* given) {
+bool ZMethodCall::refuse(int at, const ZVariant& given) {
     refused = true;
-    if (zdebugasked())
-        zdebug("argument %d of \"%s\" can't be had: expected \"%s\", actual \"%s\"", at, method->getSelector().string(),
-               method->paramType(at).string(), given ? given->getName().string() : "null");
+    if (!zdebugasked()) return false;
+    const ZMetaType* owner = method->getOwner() ? method->getOwner() : type;
+    const ZSelector ownerName = owner ? owner->getName() : ZSelector();
+    char* why = orv::explainArgument((*params)[at], method->paramType(at), given).astr();
+    zdebug("argument %d of \"%s\"%s%s can't be had: %s", at, method->getSelector().string(),
+           ownerName.isEmpty() ? "" : " of ", ownerName.isEmpty() ? "" : ownerName.string(), why ? why : "");
+    zfree(why);
     return false;
 }
 
@@ -257,26 +273,19 @@ bool ZMethodCall::take(const ZVariant& value) {
 }
 bool ZMethodCall::add(const ZVariant& value) {
     if (!method) return false;
-    if (collects || (open >= 0 && index >= open)) return take(value);
+    if (takesRest()) return take(value);
     return index < count && putValue(index++, value);
 }
 bool ZMethodCall::addi(int value) {
-    if (collects || (open >= 0 && index >= open)) return take(ZVariant(value));
+    if (takesRest()) return take(ZVariant(value));
     if (index >= count) return false;
     const MethodParam& param = (*params)[index];
     if (param.passing == Passing::Value && (param.kind == ZMetaType::Int || param.kind == ZMetaType::UInt))
         return put(index++, &value);
-    const ZVariant given(value);
-    return hold(given) && add(kept.data()[kept.count() - 1]);
+    return addHeld(ZVariant(value));
 }
-bool ZMethodCall::addl(large value) {
-    const ZVariant given(value);
-    return hold(given) && add(kept.data()[kept.count() - 1]);
-}
-bool ZMethodCall::addr(real value) {
-    const ZVariant given(value);
-    return hold(given) && add(kept.data()[kept.count() - 1]);
-}
+bool ZMethodCall::addl(large value) { return addHeld(ZVariant(value)); }
+bool ZMethodCall::addr(real value) { return addHeld(ZVariant(value)); }
 bool ZMethodCall::addp(const void* value) { return index < count && setParam(index++, value); }
 bool ZMethodCall::addv(const ZVariant& value) {
     if (!collects && index < count && index != open && (*params)[index].data && (*params)[index].data->isVariant() &&
@@ -284,11 +293,14 @@ bool ZMethodCall::addv(const ZVariant& value) {
         return putPointer(index++, &value);
     return add(value);
 }
-/// A value of this call whose address may stand in the block.
-bool ZMethodCall::hold(const ZVariant& value) {
+/// Whether the next argument goes to an open one, or to all as one.
+bool ZMethodCall::takesRest() const { return collects || (open >= 0 && index >= open); }
+/// Adds a value that becomes this call's own: its address may stand in the block.
+bool ZMethodCall::addHeld(const ZVariant& value) {
+    if (takesRest()) return take(value);
     // The array's items must stay where they are.
     if (kept.isEmpty() && !kept.reserve(uint(count) + 1)) return false;
-    return kept.count() < kept.capacity() && kept.append(value);
+    return kept.count() < kept.capacity() && kept.append(value) && add(kept.data()[kept.count() - 1]);
 }
 bool ZMethodCall::addarg(var_arg* from, bool fromList) {
     bool added = index < count;
@@ -320,6 +332,16 @@ bool ZMethodCall::copyarg(const ZMethodCall& source, int from) { return copyarg(
 bool ZMethodCall::copyarg(const ZMethodCall& source, int from, int wanted) {
     if (from < 1) return false;
     for (int i = from; i < source.count && i < from + wanted && index < count; ++i) {
+        if (i == source.open || source.collects) {
+            for (const ZVariant& value : source.rest)
+                if (index < count && !addHeld(value)) return false;
+            continue;
+        }
+        if (!(source.arguments[i].flags & Given)) {
+            // To be constructed, there as here.
+            ++index;
+            continue;
+        }
         const void* value = source.param(i);
         if (value && source.parType(i) == parType(index) && index != open) {
             const MethodParam& param = (*params)[index];
@@ -327,7 +349,7 @@ bool ZMethodCall::copyarg(const ZMethodCall& source, int from, int wanted) {
             std::memcpy(block + param.at, source.block + (*source.params)[i].at, size_t(param.size));
             arguments[index].value = param.passing == Passing::Value ? block + param.at : const_cast<void*>(value);
             arguments[index++].flags = Given;
-        } else if (!hold(source.getParam(i)) || !add(kept.data()[kept.count() - 1])) {
+        } else if (!addHeld(source.getParam(i))) {
             return false;
         }
     }
@@ -382,7 +404,7 @@ bool ZMethodCall::initParam(int at) {
     resetParam(at);
     if (param.passing == Passing::Value && param.data->primitive()) {
         const char zero[8] = {};
-        return put(at, zero);
+        return store(at, zero);
     }
     if (param.passing == Passing::Reference && param.pointers > 0) return putPointerCell(at, {});
     if (putMade(at, {}, false)) return true;
@@ -464,6 +486,12 @@ bool ZMethodCall::prepareResult() {
     return result != nullptr;
 }
 void ZMethodCall::callEntry() {
+    if (constructs) {
+        ZInternal* const outer = std::exchange(internalNow, internal);
+        method->getStacked()(instance, method, block);
+        internalNow = outer;
+        return;
+    }
     if (method->hasStacked()) {
         if (!stackCall) return method->getStacked()(instance, method, block);
         const StackWords outer = stackWordsNow;
@@ -492,15 +520,21 @@ void ZMethodCall::callEntry() {
     else
         std::memcpy(result, &word, param.passing == Passing::Pointer ? sizeof word : param.data->byteSize());
 }
+void ZMethodCall::logRefusal(const char* why) const {
+    const ZMetaType* owner = method->getOwner() ? method->getOwner() : type;
+    const ZSelector name = owner ? owner->getName() : ZSelector();
+    zdebug("method \"%s\"%s%s %s", method->getSelector().string(), name.isEmpty() ? "" : " of ",
+           name.isEmpty() ? "" : name.string(), why);
+}
 bool ZMethodCall::invoke() {
     if (!method || refused) return false;
-    const bool byWords = method->fastWords() == count - 1 && count <= 5;
+    const bool byWords = method->fastWords() == count - 1 && count <= 5 && !constructs;
     if (!method->hasStacked() && !byWords) {
-        zdebug("method \"%s\" has no entry", method->getSelector().string());
+        if (zdebugasked()) logRefusal("has no entry");
         return false;
     }
     if (!instance && !(method->getFlags() & ZMethod::TypeMethod)) {
-        if (zdebugasked()) zdebug("method \"%s\" needs an instance", method->getSelector().string());
+        if (zdebugasked()) logRefusal("needs an instance");
         return false;
     }
     if ((collects && !packArguments()) || !initParams() || !prepareResult()) return false;

@@ -99,6 +99,9 @@ public:
     static bool stackWords(const void*& first, const void*& second);
     /// The type that a constructor builds; null for the owner of the method.
     void setMetaType(const ZMetaType* other) { tag = other; }
+    /// The block in which a constructor places the private parts of its class, see `ZInternal`; borrowed, and null for
+    /// one of its own.
+    void setInternal(ZInternal* other) { internal = other; }
 
     // Calling. Each answers whether the entry ran, or what it answered; 0 if it didn't run.
 
@@ -115,20 +118,23 @@ private:
     static constexpr int scratchRoom = 96;
 
     bool put(int at, const void* value);
+    bool store(int at, const void* value);
     bool putPointer(int at, const void* pointer);
     bool putValue(int at, const ZVariant& value);
     bool putNumber(int at, const ZVariant& value);
     bool putPointerCell(int at, const ZVariant& value);
     bool putText(int at, const ZVariant& value);
     bool putMade(int at, const ZVariant& value, bool convert);
-    bool hold(const ZVariant& value);
+    bool takesRest() const;
+    bool addHeld(const ZVariant& value);
     const void* directly(int at, const ZVariant& value) const;
     bool take(const ZVariant& value);
-    bool refuse(int at, const ZMetaType* given);
+    bool refuse(int at, const ZVariant& given);
     void* scratch(size_t size);
     bool packArguments();
     bool prepareResult();
     void callEntry();
+    void logRefusal(const char* why) const;
     void dropResult();
     void* resultAddress() const;
 
@@ -136,6 +142,7 @@ private:
     ZMethod* method = nullptr;
     const ZMetaType* type = nullptr;
     const ZMetaType* tag = nullptr;
+    ZInternal* internal = nullptr;
     const orv::MethodParams* params = nullptr;
     Argument* arguments = nullptr;
     char* block = nullptr;

@@ -97,10 +97,12 @@ ZVariant construct(const ZMethod* constructor, ZMetaType* type, const ZVariant* 
         return {};
     }
     ZVariant made;
-    if (type->holdsZType()) {
-        made.setValue(type->getPtrType(), memory, false, false);
-    } else if (made.setValue(type, memory, false, false) && type->heldInline()) {
-        zfree(memory);
+    ZMetaType* kept = type->holdsZType() ? type->getPtrType() : type;
+    if (kept && made.setValue(kept, memory, false, false)) {
+        // The bytes were taken, not the block.
+        if (kept->heldInline() || kept->isVariant()) zfree(memory);
+    } else {
+        type->releaseInstance(memory);
     }
     return made;
 }
@@ -125,16 +127,16 @@ ZVariant ZMethodRef::invoke(const ZVArray& args) const {
 
 // At objects
 
+bool ZMethodRef::isAtObject() const { return method && instance && type && type->isZObject(); }
 bool ZMethodRef::detach() {
-    if (!method || !instance) return true;
-    if (!type || !type->isZObject()) return false;
+    if (!isAtObject()) return true;
     ZMethod* own = method->copy();
     if (!own) return false;
     ZMethod::release(std::exchange(method, own));
     return true;
 }
 bool ZMethodRef::localize() {
-    if (!method || !instance) return false;
+    if (!isAtObject()) return false;
     ZMethodRef former = *this;
     if (!detach()) return false;
     method->setBaseMethod(former.method);
@@ -153,7 +155,7 @@ bool ZMethodRef::move(ZObject* object, bool replace) {
     return true;
 }
 bool ZMethodRef::remove() {
-    if (!method || !instance || !type || !type->isZObject()) return false;
+    if (!isAtObject()) return false;
     auto object = static_cast<ZObject*>(static_cast<ZType*>(const_cast<void*>(instance)));
     return object->removeMethod(method->getSelector(), method->getQualifier());
 }

@@ -3,9 +3,11 @@
 #include "core/ZArrayT.h"
 #include "core/ZSelector.h"
 #include "object/ZMetaType.h"
+#include "object/ZMethod.h"
 #include "object/ZObject.h"
 #include "object/ZType.h"
 #include "object/glue.h"
+#include "value/ZTypedPtr.h"
 #include "value/ZVArray.h"
 #include "value/ZVariant.h"
 
@@ -17,12 +19,19 @@ template <> struct Table<ZMethodRef> : Declares<ZMethodRef> {
         ORV_CONSTRUCTOR((const ZObject*, const ZSelector&, const ZSelector&), "unsafe"),
         ORV_CONSTRUCTOR((const ZType*, const ZSelector&, const ZSelector&), "unsafe"),
         ORV_CONSTRUCTOR((const ZMetaType*, const ZSelector&, const ZSelector&), "unsafe"),
+        ORV_CONSTRUCTOR((const void*, const ZMetaType*, const ZSelector&, const ZSelector&), "unsafe"),
+        ORV_CONSTRUCTOR((const ZMethod*, const void*, const ZMetaType*), "unsafe"),
+        ORV_CONSTRUCTOR((const ZTypedPtr&, const ZMethod*), "unsafe"),
         ORV_CONSTRUCTOR((const ZVariant&)),
         ORV_CONSTRUCTOR((const ZMethodRef&)),
         ORV_DESTRUCTOR(),
         ORV_METHOD(void, clear, (), ),
         ORV_METHOD(int, compare, (const ZMethodRef&), const),
         ORV_METHOD(bool, isValid, (), const),
+        ORV_METHOD(ZMethod*, getMethod, (), const),
+        ORV_METHOD(void, setMethod, (const ZMethod*), , "unsafe"),
+        ORV_METHOD(void, setInstance, (const void*), , "unsafe"),
+        ORV_METHOD(void, set, (const ZMethod*, const void*, const ZMetaType*), , "unsafe"),
         ORV_METHOD(ZMetaType*, getType, (), const),
         ORV_METHOD(void, setType, (const ZMetaType*), , "unsafe"),
         ORV_METHOD(ZSelector, name, (), const),

@@ -65,12 +65,12 @@ public:
     ZVariant invoke(const ZVArray& args) const;
     ZVariant invoke(const ZVariant* args, int count) const;
 
-    // At objects: false if the instance is none, or there is no memory
+    // At objects
 
-    /// Makes the method a private copy of this reference. True also without a method or instance: nothing is shared
-    /// then.
+    /// Makes the method a private copy of this reference, if the instance is an object; false without memory. A method
+    /// of another value is the type's, which nobody changes through a reference: it stays as it is.
     bool detach();
-    /// The same, and the copy knows the former method as its base.
+    /// Makes the copy in any case, and it knows the former method as its base; false if the instance is no object.
     bool localize();
     /// Gives `object` the method, if its type and the reference's are related.
     bool add(ZObject* object, bool replace) const;
@@ -97,6 +97,8 @@ public:
     static void dropInstance(const void* instance);
 
 private:
+    bool isAtObject() const;
+
     ZMethod* method = nullptr;
     const void* instance = nullptr;
     ZMetaType* type = nullptr;

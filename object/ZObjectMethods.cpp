@@ -220,13 +220,12 @@ ZMethod* ZObject::findMultimethod(int* distance, const ZSelector& name, const ZA
         const orv::MethodParams* params = method->params(metaType);
         int far = params ? orv::matchArguments(method, *params, types.data(), int(types.count()), flags) : -1;
         if (far < 0 && signature) far = orv::distanceNamed;
-        if (far < 0) continue;
-        if (method->getFlags() & ZMethod::BaseMethod) far = 0;
-        if (method->synthetic()) ++far;
-        if (best && far >= bestDistance) continue;
+        if (far < 0 || (best && far >= bestDistance)) continue;
         best = method;
         bestDistance = far;
     }
+    if (best && best->getFlags() & ZMethod::BaseMethod) bestDistance = 0;
+    if (best && best->synthetic()) ++bestDistance;
     if (distance) *distance = bestDistance;
     return best;
 }

@@ -133,7 +133,10 @@ bool ZType::callV(const ZSelector& name, const ZSelector& qualifier) const {
         typed.instance = static_cast<char*>(typed.instance) + hit.offset;
         typed.type = hit.type;
     }
-    if (!hit.method) return false;
+    if (!hit.method) {
+        logFailedCall(metaType, name, nullptr, 0);
+        return false;
+    }
     callFound(hit.method, typed.instance, typed.type, nullptr, 0);
     return true;
 }

@@ -1,6 +1,7 @@
 #include "core/debug.h"
 #include "object/ZMetaType.h"
 #include "object/ZMethod.h"
+#include "object/methodArguments.h"
 #include "object/methodLookup.h"
 #include "text/ZString.h"
 #include "value/ZVariant.h"
@@ -16,6 +17,11 @@ constexpr int mostCandidates = 64;
 constexpr int depthLimit = 512;
 
 const char* textOf(const ZSelector& selector) { return selector.isEmpty() ? "" : selector.string(); }
+
+/// Whether the value is a text, which may be the name of something.
+bool isWord(const ZVariant& value) {
+    return value.typeType() == ZMetaType::String || value.typeType() == ZMetaType::Selector;
+}
 
 struct Explanation {
     ZString text;
@@ -47,6 +53,17 @@ struct Explanation {
         const ZSelector name = type ? type->getName() : ZSelector();
         return name.isEmpty() ? "null" : name.string();
     }
+    /// Whether a call could pass the value, as far as can be told without converting it.
+    static bool fits(const MethodParam& param, const ZVariant& given) {
+        if (typeDistance(given.type(), param.type, true) < 0) return false;
+        if (!given.type()) return true;
+        if (given.type() == param.data) return isPassable(param.data, given.getPtr());
+        if (param.passing != Passing::Value || !isNumber(param.kind)) return true;
+        // An enumeration reads the names of its items.
+        if (param.kind == ZMetaType::Enum && isWord(given)) return true;
+        char room[8];
+        return numberBytes(param, given, room);
+    }
     /// Why not this one.
     void candidate(const ZMetaType* type, const ZMethod* method) {
         if (++candidates > mostCandidates) return;
@@ -65,8 +82,10 @@ struct Explanation {
             if (open >= 0 && i > open) break;
             if (!(*params)[i].type)
                 add(": parameter %d has the unknown type \"%s\"", i, textOf(expected));
-            else if (i <= count && typeDistance(args[i - 1].type(), (*params)[i].type, true) < 0)
-                add(": argument %d, expected \"%s\", actual \"%s\"", i, textOf(expected), nameOf(args[i - 1].type()));
+            else if (i <= count && !fits((*params)[i], args[i - 1])) {
+                add(": argument %d, ", i);
+                text.append(explainArgument((*params)[i], expected, args[i - 1]));
+            }
         }
         if (params && method->openArgument() < 0 && params->count - 1 != count)
             add(": expected %d arguments, actual %d", params->count - 1, count);
@@ -96,6 +115,33 @@ ZString explain(const ZMetaType* type, const ZSelector& selector, const ZSelecto
 }
 
 } // namespace
+
+ZString explainArgument(const MethodParam& param, const ZSelector& expected, const ZVariant& given) {
+    constexpr int longestShown = 40;
+    const int kind = given.typeType();
+    const bool shows = isNumber(ZMetaType::Type(kind)) || isWord(given);
+    const ZSelector name = given.type() ? given.type()->getName() : ZSelector();
+    ZString text;
+    text.printf("expected \"%s\", actual ", textOf(expected));
+    if (name.isEmpty()) {
+        text.append(given.isNull() ? "null" : "a block");
+    } else {
+        ZString piece;
+        piece.printf("\"%s\"%s", textOf(name), shows ? " " : "");
+        text.append(piece);
+    }
+    if (shows) {
+        ZString value = given.toString();
+        if (value.length() > longestShown) {
+            value.setLength(longestShown);
+            value.append("...");
+        }
+        text.append(value);
+    }
+    if (param.kind == ZMetaType::Enum && param.data && isNumber(ZMetaType::Type(kind)))
+        text.append(", none of its values");
+    return text;
+}
 
 ZString explainLookup(const ZMetaType* type, const ZSelector& selector, const ZSelector& qualifier) {
     return explain(type, selector, qualifier, nullptr, -1);

@@ -191,7 +191,10 @@ template <class T> constexpr ClassRow makeRow() {
     ClassRow row{};
     row.name = typeText<T>;
     row.info = &D::info;
-    row.callbacks = &callbacksOf<T>;
+    if constexpr (requires { D::callbacks; })
+        row.callbacks = &D::callbacks;
+    else
+        row.callbacks = &callbacksOf<T>;
     row.alignment = 1;
     if constexpr (!std::is_void_v<T>) {
         row.size = sizeof(T);

@@ -19,10 +19,22 @@ struct TagProbe {
     operator T() const;
 };
 
+/// Converts to the block for private parts that constructors take behind the tag, and to nothing else.
+struct InternalProbe {
+    template <class T>
+    requires std::is_same_v<T, ZInternal*>
+    operator T() const;
+};
+/// The block that the call under way passes to its constructor: null for none. Whoever takes it has it alone.
+ORV_API ZInternal* takeInternal();
+
 template <class T> struct Life {
     /// Whether it can be built from such arguments, with or without a tag behind them.
     template <class... A> static constexpr bool takesTag = requires(A&&... a, TagProbe tag) {
         ::new (static_cast<void*>(nullptr)) T(static_cast<A&&>(a)..., tag);
+    };
+    template <class... A> static constexpr bool takesInternal = requires(A&&... a, TagProbe tag, InternalProbe block) {
+        ::new (static_cast<void*>(nullptr)) T(static_cast<A&&>(a)..., tag, block);
     };
     template <class... A> static constexpr bool builds = takesTag<A...> || requires(A&&... a) {
         ::new (static_cast<void*>(nullptr)) T(static_cast<A&&>(a)...);
@@ -128,7 +140,10 @@ private:
         static constexpr Layout<A...> in;
         const __ZPassMetaType* tag;
         __builtin_memcpy(&tag, block, sizeof tag);
-        Life<T>::template build<A...>(instance, tag, fromSlot<A>(block + in.at[I])...);
+        if constexpr (Life<T>::template takesInternal<A...>)
+            ::new (instance) T(fromSlot<A>(block + in.at[I])..., tag, takeInternal());
+        else
+            Life<T>::template build<A...>(instance, tag, fromSlot<A>(block + in.at[I])...);
     }
 };
 template <class T> void destructEntry(const void* instance, ZMethod*, void*) {

@@ -20,7 +20,9 @@ struct InlineLinks {
     static void unlist(const ZInlineMethod* record);
     static ZInlineMethod* nextListed(const ZInlineMethod* record) { return record->nextMulti; }
     static const ZArrayT<ZMetaType*>& types(const ZInlineMethod* record) { return record->paramTypes; }
-    static void forgetTypes(ZInlineMethod* record);
+    // Under its lock
+    static void unlistHeld(const ZInlineMethod* record);
+    static ZArrayT<ZMetaType*> takeTypes(ZInlineMethod* record);
 
     /// The object that a record was looked up on ends.
     static void forgetObject(ZInlineMethod* record) {

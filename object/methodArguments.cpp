@@ -1,7 +1,9 @@
 #include "object/methodArguments.h"
 
 #include "core/debug.h"
+#include "object/ZEnumType.h"
 #include "object/ZMethodCall.h"
+#include "object/ztype.h"
 #include "text/ZString.h"
 #include "value/ZVArray.h"
 
@@ -19,9 +21,14 @@ template <class T> bool number(bool (ZVariant::*read)(T*) const, const ZVariant&
 
 } // namespace
 
-bool numberBytes(ZMetaType::Type kind, const ZVariant& value, char (&room)[8]) {
+bool isEnumHeld(const ZMetaType* type, const void* value) {
+    const ZEnumType* items = value ? type->enumType() : nullptr;
+    return !items || items->isHeld(value);
+}
+
+bool numberBytes(const MethodParam& param, const ZVariant& value, char (&room)[8]) {
     if (!value.type()) return value.isNull();
-    switch (kind) {
+    switch (param.kind) {
     case ZMetaType::Bool:
         return number(&ZVariant::toBool, value, room);
     case ZMetaType::Char:
@@ -47,7 +54,12 @@ bool numberBytes(ZMetaType::Type kind, const ZVariant& value, char (&room)[8]) {
         // Names of items are for the type to read.
         const int given = value.typeType();
         if (given == ZMetaType::Selector || given == ZMetaType::String) return false;
-        return number(&ZVariant::toInt, value, room);
+        large read;
+        const ZEnumType* items = param.data->enumType();
+        // Asked ahead of its being cut to the size of the enumeration.
+        if (!value.toLarge(&read) || (items && !items->holds(read))) return false;
+        std::memcpy(room, &read, sizeof read);
+        return true;
     }
     case ZMetaType::Int:
         return number(&ZVariant::toInt, value, room);
@@ -61,19 +73,27 @@ bool argumentWord(const MethodParam& param, const ZVariant& value, const void*& 
     ZMetaType* held = value.type();
     if (param.passing == Passing::Value) {
         if (ORV_LIKELY(held == param.data && held)) {
-            if (param.data->byteSize() > sizeof word) return false;
-            std::memcpy(&word, value.getPtr(), param.data->byteSize());
+            const uint size = param.data->byteSize();
+            const void* from = value.getPtr();
+            if (size > sizeof word || !isPassable(param.data, from)) return false;
+            // Sizes that the compiler knows make one move.
+            if (size == 4)
+                std::memcpy(&word, from, 4);
+            else if (size == 8)
+                std::memcpy(&word, from, 8);
+            else
+                std::memcpy(&word, from, size);
             return true;
         }
         char room[8] = {};
-        if (!isNumber(param.kind) || !numberBytes(param.kind, value, room)) return false;
+        if (!isNumber(param.kind) || !numberBytes(param, value, room)) return false;
         std::memcpy(&word, room, sizeof room);
         return true;
     }
     if (!held || param.pointers > (param.passing == Passing::Pointer) || !param.data) return false;
     if (param.data == held && !held->holdsZType() && param.isConst && param.kind != ZMetaType::Char) {
         word = value.getPtr();
-        return word != nullptr;
+        return word != nullptr && isPassable(param.data, word);
     }
     if (param.isConst && param.data->isVariant()) {
         word = &value;
@@ -119,7 +139,8 @@ ZVariant wrapAddress(const MethodParam& param, void* address, bool owned) {
         if (!address) return {};
     }
     ZVariant wrapped;
-    if (param.data->holdsZType()) {
+    if (param.data->holdsZType() ||
+        (param.passing == Passing::Pointer && param.data->getFlags() & ZMetaType::Retaining)) {
         wrapped.setValue(param.data->getPtrType(), address, !owned, false);
     } else if (param.passing == Passing::Reference && !param.pointers) {
         return copiedValue(param, address);
@@ -134,6 +155,11 @@ ZVariant wrapAddress(const MethodParam& param, void* address, bool owned) {
 }
 ZVariant wrapWord(const MethodParam& param, void* word, bool owned) {
     if (!param.data) return {};
+    if (param.kind == ZMetaType::Int && param.passing == Passing::Value && param.data == ztype<int>()) {
+        int number;
+        std::memcpy(&number, &word, sizeof number);
+        return ZVariant(number);
+    }
     return param.passing == Passing::Value ? ZVariant(param.data, &word) : wrapAddress(param, word, owned);
 }
 

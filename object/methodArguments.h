@@ -10,8 +10,16 @@ namespace orv {
 /// Whether values of the kind are numbers, enums and bools included.
 inline bool isNumber(ZMetaType::Type kind) { return kind >= ZMetaType::Bool && kind <= ZMetaType::Real; }
 /// The number that a variant reads as, in the first bytes of `room`; of the null variant 0. False for what is no
-/// number.
-bool numberBytes(ZMetaType::Type kind, const ZVariant& value, char (&room)[8]);
+/// number, and for an enumeration for what it doesn't hold.
+bool numberBytes(const MethodParam& param, const ZVariant& value, char (&room)[8]);
+bool isEnumHeld(const ZMetaType* type, const void* value);
+/// Whether a value of the type may stand at an address that compiled code reads: anything but a number that an
+/// enumeration doesn't hold.
+inline bool isPassable(const ZMetaType* type, const void* value) {
+    return ORV_LIKELY(type->kind() != ZMetaType::Enum) || isEnumHeld(type, value);
+}
+/// What was expected and what came instead, for messages: 'expected "int", actual "ZString" abc'.
+ZString explainArgument(const MethodParam& param, const ZSelector& expected, const ZVariant& given);
 /// The word for a parameter where the variant serves as it is or is another number; false where something has to be
 /// made.
 bool argumentWord(const MethodParam& param, const ZVariant& value, const void*& word);

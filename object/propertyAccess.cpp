@@ -1,6 +1,7 @@
 #include "object/propertyAccess.h"
 
 #include "object/ZMetaType.h"
+#include "object/methodArguments.h"
 #include "object/methodParams.h"
 #include "object/ztype.h"
 
@@ -186,7 +187,7 @@ bool accessorWord(const WritePlan& plan, const ZVariant& value, ZVariant& room, 
         const void* part = type && value.getPtr() ? upcast(type, plan.type, value.getPtr()) : nullptr;
         if (part) {
             word = AccessorWord(part);
-            return true;
+            return isPassable(plan.type, part);
         }
         if (value.isNull()) {
             word = AccessorWord(static_cast<const void*>(nullptr));
@@ -198,7 +199,7 @@ bool accessorWord(const WritePlan& plan, const ZVariant& value, ZVariant& room, 
         from = &room;
     }
     word = AccessorWord(from->getPtr());
-    return word.address || plan.pointer;
+    return (word.address || plan.pointer) && isPassable(plan.type, word.address);
 }
 
 bool callAccessor(ZMethod* method, const void* instance, const AccessorWord* words, int count, const ReadPlan& plan,

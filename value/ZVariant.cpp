@@ -12,11 +12,14 @@ using namespace orv;
 
 namespace {
 
+/// Whether instances are counted elsewhere than in the head of a block.
+bool countsItself(const ZMetaType* type) {
+    return type && !type->holdsZType() && type->getFlags() & ZMetaType::Retaining;
+}
 /// A counted reference for a variant: null for what is dead already.
 const void* retained(ZMetaType* main, const void* pointer) {
     if (!pointer) return nullptr;
-    if (main && !main->holdsZType() && main->getFlags() & ZMetaType::Retaining)
-        return main->retainInstance(const_cast<void*>(pointer));
+    if (countsItself(main)) return main->retainInstance(const_cast<void*>(pointer));
     return incmemref(pointer, false) > 0 ? pointer : nullptr;
 }
 
@@ -261,8 +264,9 @@ bool ZVariant::initText(ZMetaType* type, const ZString& text) {
         const int kind = type->kind();
         int number;
         if (kind == ZMetaType::Enum && text.toInt(number)) {
-            detail::setEnumNumber(type, data, number);
-            return true;
+            if (detail::setEnumNumber(type, data, number)) return true;
+            clear();
+            return false;
         }
         if (isPlainKind(kind) && kind != ZMetaType::Enum ? kindFromString(kind, data, text)
                                                          : type->fromString(data, text))
@@ -471,7 +475,7 @@ bool ZVariant::isVariableType() const {
 bool ZVariant::isDetached() const {
     const void* value = getPtr();
     if (!value) return true;
-    if (!isInline() && refcount(value) > 1) return false;
+    if (referenceCount() > 1) return false;
     ZMetaType* own = valueType();
     return !own || isPlainKind(own->kind()) || own->isDetachedInstance(value);
 }
@@ -482,6 +486,12 @@ int ZVariant::cost() const {
 
 // Life
 
+int ZVariant::referenceCount() const {
+    if (isInline()) return 0;
+    const void* pointer = held();
+    if (pointer && ORV_UNLIKELY(countsItself(detail::pointedType(type())))) return 2;
+    return refcount(pointer);
+}
 void* ZVariant::retain() const {
     return isInline() ? nullptr : const_cast<void*>(retained(detail::pointedType(type()), held()));
 }
@@ -518,7 +528,7 @@ bool ZVariant::detach() {
     void* value = held();
     if (!value) return true;
     ZMetaType* own = valueType();
-    if (refcount(value) > 1) {
+    if (referenceCount() > 1) {
         void* made = own ? own->copyInstance(value) : __zmemdup(value);
         if (!made) return false;
         ZVariant old;

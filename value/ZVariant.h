@@ -251,8 +251,9 @@ public:
     bool samePtr(const ZVariant& other) const {
         return !isInline() && !other.isInline() && held() && held() == other.held();
     }
-    /// Of the held block; 0 for values in the variant.
-    int referenceCount() const { return isInline() ? 0 : refcount(held()); }
+    /// Of the held block; 0 for values in the variant, 2 for an instance that is counted in a way of its own: others
+    /// may hold it.
+    int referenceCount() const;
     /// Bytes that the value takes, for caches.
     int cost() const;
 

@@ -83,9 +83,15 @@ int detail::enumNumber(const ZMetaType* type, const void* value) {
         return plainAt<int>(value);
     }
 }
-void detail::setEnumNumber(const ZMetaType* type, void* value, int number) {
-    const large wide = number;
-    std::memcpy(value, &wide, type->byteSize() < sizeof wide ? type->byteSize() : sizeof wide);
+bool detail::setEnumNumber(const ZMetaType* type, void* value, large number) {
+    const uint size = type->byteSize() < sizeof number ? type->byteSize() : sizeof number;
+    if (size < sizeof number) {
+        // Of its bytes, with a sign or without.
+        const large end = large(1) << size * 8;
+        if (number >= end || number < -end / 2) return false;
+    }
+    std::memcpy(value, &number, size);
+    return true;
 }
 
 // Getters
@@ -193,10 +199,12 @@ bool ZVariant::initFrom(ZMetaType* type, const ZVariant& value) {
     Source source(value);
     if (value.type() == type && !value.isNull()) return value.plain() ? (takeBytes(value), true) : copyFrom(value);
     if (isNumberKind(kind) && isNumberKind(source.kind)) {
-        if (kind == ZMetaType::Enum)
-            detail::setEnumNumber(type, data, value.toInt());
-        else if (!convertKind(kind, data, source.kind, source.value))
+        large number = 0;
+        if (kind == ZMetaType::Enum ? !value.toLarge(&number) || !detail::setEnumNumber(type, data, number)
+                                    : !convertKind(kind, data, source.kind, source.value)) {
+            forget();
             return false;
+        }
         typeBits = tagged(type);
         return true;
     }

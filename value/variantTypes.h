@@ -15,7 +15,7 @@ ZMetaType* pointedType(ZMetaType* type);
 /// The number that a value of an enum type stands for; enums have 1, 2, 4 or 8 bytes.
 int enumNumber(const ZMetaType* type, const void* value);
 /// Writes it to `type->byteSize()` bytes.
-void setEnumNumber(const ZMetaType* type, void* value, int number);
+bool setEnumNumber(const ZMetaType* type, void* value, large number);
 
 /// Whether the operations of object/kindValues.h hold for values of the type: enums may have any size.
 inline bool hasPlainKind(const ZMetaType* type) {

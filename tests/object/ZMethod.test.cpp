@@ -1,6 +1,8 @@
 #include "object/ZMethod.h"
 
 #include "object/ZMethodPtr.h"
+#include "object/ZMethodRef.h"
+#include "object/ztype.h"
 #include "tests/object/methodShapes.h"
 
 #include <gtest/gtest.h>
@@ -114,6 +116,33 @@ TEST_F(Methods, RecordsAreCounted) {
     // A reader may still look at it, but nobody gets a reference any more.
     EXPECT_EQ(ZMethod::retain(record), nullptr);
     EXPECT_EQ(text(record->getSelector()), "int f()");
+}
+
+TEST_F(Methods, VariantsHoldRecordsOfThePool) {
+    const ZVariant made = ZMethodRef(ztype<ZMethod>(), "ZMethod* create(const ZSelector&, const ZSelector&)")
+                              .invoke(list(ZSelector("int f()"), ZSelector("const")));
+    ASSERT_EQ(made.mainType(), ztype<ZMethod>());
+    auto record = static_cast<const ZMethod*>(made.getPtr());
+    EXPECT_EQ(ZMethod::refcount(record), 1);
+    {
+        const ZVariant shared(made);
+        EXPECT_EQ(shared.getPtr(), record);
+        EXPECT_EQ(ZMethod::refcount(record), 2);
+        ZVariant own(shared);
+        ASSERT_TRUE(own.detach());
+        EXPECT_NE(own.getPtr(), record);
+        EXPECT_EQ(own.compare(made), 0);
+        const ZVariant value(ztype<ZMethod>(), record);
+        EXPECT_NE(value.getPtr(), record) << "a record of its own";
+        ZMethodRef ref(record, this, ztype<ZVariant>());
+        const ZVariant got = ZMethodRef(&ref, ztype<ZMethodRef>(), "ZMethod* getMethod()").invoke(list());
+        EXPECT_EQ(got.getPtr(), record);
+        EXPECT_EQ(ZMethod::refcount(record), 4);
+    }
+    EXPECT_EQ(ZMethod::refcount(record), 1);
+    EXPECT_EQ(text(ZMethodRef(record, ztype<ZMethod>(), "methodName").invoke(list()).toSelector()), "f");
+    char raw[sizeof(ZMethod)];
+    EXPECT_FALSE(ztype<ZMethod>()->constructInstance(raw));
 }
 
 TEST_F(Methods, CopiesAndData) {

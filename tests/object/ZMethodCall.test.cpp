@@ -1,12 +1,16 @@
 #include "object/ZMethodCall.h"
 
+#include "core/ZInternal.h"
 #include "object/ZMethodRef.h"
+#include "object/ZObject.h"
 #include "object/methodLookup.h"
 #include "object/ztype.h"
 #include "tests/object/methodShapes.h"
 #include "tests/support/AllocProbe.h"
+#include "tests/support/CaptureDebug.h"
 #include "value/ZTypedPtr.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -29,6 +33,11 @@ std::string shown(const ZVariant& value) {
 
 constexpr char mixedSignature[] = "ZString mixed(bool, byte, short, large, float, const ZString&, const ZSelector&)";
 
+std::vector<std::string> quoted(std::vector<std::string> lines) {
+    for (std::string& line : lines) std::replace(line.begin(), line.end(), '`', '"');
+    return lines;
+}
+
 class MethodCalls : public MethodTest {
 protected:
     CallShape shape;
@@ -40,6 +49,7 @@ protected:
     ZVariant exact(const char* signature, const ZArrayT<ZVariant>& args) {
         return ZMethodRef(&shape, MethodTest::shape(), ZSelector(signature)).invoke(args);
     }
+    static ZVariant number(ZMetaType* type, int number) { return ZVariant(type, &number); }
     static ZVariant token(int number) {
         CallToken value(number);
         return ZVariant(ztype<CallToken>(), &value);
@@ -108,10 +118,82 @@ TEST_F(MethodCalls, ArgumentsAreConverted) {
         {"length", list(token(1)), "null"},
         {"secondOf", list(token(1)), "null"},
         {"nosuch", list(), "null"},
+        // Of enums only what a variable of them may have: an item, joined items of flags, and 0 where none was given.
+        {"stepNumber", list(5), "int 5"},
+        {"int stepNumber(CallShape::Step)", list(ZString("First")), "int 3"},
+        {"int stepNumber(CallShape::Step)", list(ZSelector("Second")), "int 5"},
+        {"stepNumber", list(), "int 0"},
+        {"stepNumber", list(4), "null"},
+        {"stepNumber", list(large(1) << 32 | 5), "null"},
+        {"int stepNumber(CallShape::Step)", list(ZString("4")), "null"},
+        {"stepNumber", list(number(type("CallShape::Step"), 5)), "int 5"},
+        {"stepNumber", list(number(type("CallShape::Step"), 4)), "null"},
+        {"setStep", list(number(type("CallShape::Step"), 4)), "null"},
+        {"setStep", list(4), "null"},
+        {"setStep", list(5), "bool yes"},
+        {"marks", list(11), "int 11"},
+        {"int marks(CallShape::Mark)", list(ZString("Red Blue")), "int 9"},
+        {"marks", list(4), "null"},
+        {"marks", list(-1), "null"},
+        {"small", list(7), "int 7"},
+        {"small", list(256 + 1), "null"}, // not cut to the enum's one byte
+        {"small", list(-255), "null"},
     };
     const int before = CallToken::alive;
     for (const auto& row : rows) EXPECT_EQ(shown(call(row.name, row.args)), row.result) << row.name;
     EXPECT_EQ(CallToken::alive, before) << "what calls construct they destruct";
+}
+
+TEST_F(MethodCalls, RefusalsAreTold) {
+    const std::string exes(50, 'x');
+    const struct {
+        const char* name;
+        ZArrayT<ZVariant> args;
+        std::vector<std::string> lines; // "`" for a quote
+    } rows[] = {
+        {"stepNumber",
+         list(4),
+         {"argument 1 of `int stepNumber(CallShape::Step)` of CallShape can't be had: expected `CallShape::Step`, "
+          "actual `int` 4, none of its values"}},
+        {"int add(int, int)",
+         list(1, ZString(exes.c_str())),
+         {"argument 2 of `int add(int, int)` of CallShape can't be had: expected `int`, actual `ZString` " +
+          exes.substr(0, 40) + "..."}},
+        {"int plain()", list(), {"method `int plain()` of CallShape needs an instance"}},
+    };
+    for (const auto& row : rows) {
+        CaptureDebug log;
+        const bool isCall = row.args.count() > 0;
+        EXPECT_EQ(shown(isCall ? exact(row.name, row.args) : ZMethodRef(MethodTest::shape(), row.name).invoke(list())),
+                  "null");
+        EXPECT_EQ(log.lines, quoted(row.lines));
+    }
+    const struct {
+        const char* name;
+        ZArrayT<ZVariant> args;
+        std::vector<std::string> lines;
+    } lookups[] = {
+        {"secondPlus",
+         list(token(1)),
+         {"no method `secondPlus` of CallShape fits; arguments (CallToken)",
+          "  candidate `int secondPlus(int) const` of CallSecond: argument 1, expected `int`, actual `CallToken`"}},
+        {"nosuch", list(), {"no method `nosuch` of CallShape fits; arguments ()", "  no candidate has that name"}},
+    };
+    for (const auto& row : lookups) {
+        CaptureDebug log;
+        EXPECT_EQ(shown(call(row.name, row.args)), "null");
+        EXPECT_EQ(log.lines, quoted(row.lines));
+    }
+}
+
+TEST_F(MethodCalls, PropertiesOfEnumsTakeWhatTheyHold) {
+    ZTypedPtr typed(MethodTest::shape(), &shape);
+    EXPECT_TRUE(typed.setProperty("step", ZVariant(5)));
+    EXPECT_FALSE(typed.setProperty("step", ZVariant(4)));
+    EXPECT_FALSE(typed.setProperty("step", ZVariant(type("CallShape::Step"), ZString("6"))));
+    EXPECT_EQ(shape.now, CallShape::Second);
+    EXPECT_TRUE(typed.setProperty("step", ZVariant(ZString("First"))));
+    EXPECT_EQ(shape.now, CallShape::First);
 }
 
 TEST_F(MethodCalls, APartOfTheRightClassIsPassed) {
@@ -147,6 +229,20 @@ TEST_F(MethodCalls, ConstructorsAndInstances) {
     EXPECT_EQ(text(static_cast<const CallShape*>(made.getPtr())->label), "made");
     EXPECT_EQ(shown(ZMethodRef(ztype<CallToken>(), "CallToken(int)").invoke(list(6))), "token 6");
     EXPECT_EQ(shown(ZMethodRef(ztype<CallToken>(), "CallToken(int)").invoke(list(ZString("x")))), "null");
+    EXPECT_EQ(shown(ZMethodRef(ztype<ZVariant>(), "ZVariant(int)").invoke(list(3))), "int 3");
+
+    // A class places its private parts where it is told to.
+    toolkit::EpochGuard guard;
+    ZMetaType* type = ztype<ZObject>();
+    ZInternal* block = ZInternal::create(nullptr, 4096, nullptr);
+    void* memory = __znalloc(type->byteSize());
+    ZMethodCall build(memory, type->methodType("ZObject()", {}), type, true);
+    build.setInternal(block);
+    ASSERT_TRUE(build.invoke());
+    EXPECT_EQ(refcount(block), 2);
+    static_cast<ZObject*>(memory)->release();
+    EXPECT_EQ(refcount(block), 1);
+    zfree(block);
 }
 
 TEST_F(MethodCalls, Places) {
@@ -180,6 +276,12 @@ TEST_F(MethodCalls, Places) {
     ZMethodCall sum(&shape, type->methodType("real add(real, real)", {}), type);
     ASSERT_TRUE(sum.copyarg(call, 3, 2));
     EXPECT_EQ(sum.callr(), 34);
+    // What went to an open argument goes on to the next one; there is room for many.
+    ZMethodCall many(&shape, type->methodType("count", {}), type), more(&shape, type->methodType("count", {}), type);
+    for (int i = 0; i < 40; ++i) ASSERT_TRUE(many.addl(i));
+    EXPECT_EQ(many.calli(), 39);
+    ASSERT_TRUE(more.addi(1) && more.copyarg(many, 2));
+    EXPECT_EQ(more.calli(), 139);
 }
 
 TEST_F(MethodCalls, ArgumentLists) {

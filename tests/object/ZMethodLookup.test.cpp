@@ -227,6 +227,7 @@ TEST_F(Lookups, ThreadsWhileTablesAreReset) {
     std::atomic<bool> stop{false};
     std::atomic<long> calls{0}, wrong{0};
     std::vector<std::thread> threads;
+    const ZMethodDispatch shared("signal", "first");
     for (int t = 0; t < 8; ++t)
         threads.emplace_back([&, t] {
             CallShape shape(t);
@@ -239,6 +240,8 @@ TEST_F(Lookups, ThreadsWhileTablesAreReset) {
                 const int inlined = int(reinterpret_cast<intptr_t>(plain.call(&shape)));
                 wrong += inlined != t && inlined != 41;
                 wrong += !ZMethodRef(&shape, type, "int first()").isValid();
+                wrong += shared.getMethod(type).getMethod() == nullptr;
+                wrong += orv::invokeByType(&shape, type, "marks", &numbers.data()[1], 1).toInt() != 1;
                 ++calls;
             }
         });

@@ -63,10 +63,20 @@ template <> struct Table<CallShape> : Declares<CallShape> {
         ORV_METHOD(int, all, (...), const),
         ORV_METHOD(int, gather, (const ZArrayT<ZVariant>&), const, "collect"),
         ORV_METHOD(int, shadowed, (), const),
+        ORV_METHOD(CallShape::Step, step, (), const),
+        ORV_METHOD(bool, setStep, (const CallShape::Step&), ),
+        ORV_METHOD(int, stepNumber, (CallShape::Step), const),
+        ORV_METHOD(int, marks, (CallShape::Mark), const),
+        ORV_METHOD(int, small, (CallShape::Small), const),
         ORV_METHOD(void, nothing, (), const),
         ORV_METHOD(int, hidden, (), const, "private"),
         ORV_STATIC(int, twice, (int)),
     };
+    static constexpr PropertyRow properties[] = {ORV_PROPERTY(CallShape::Step, step, "")};
+    static constexpr EnumItemRow steps[] = {ORV_ITEM(Step, First), ORV_ITEM(Step, Second)};
+    static constexpr EnumItemRow marks[] = {ORV_ITEM(Mark, Red), ORV_ITEM(Mark, Green), ORV_ITEM(Mark, Blue)};
+    static constexpr EnumItemRow smalls[] = {ORV_ITEM(Small, Low), ORV_ITEM(Small, High)};
+    static constexpr EnumRow enums[] = {ORV_ENUM(Step, steps), ORV_ENUM(Mark, marks), ORV_ENUM(Small, smalls)};
     static constexpr FixedRow fixed[] = {{0, "int plain()", "const"}, {1, "int first()", "const"}};
     static constexpr ClassInfo info = {.kind = Kind::Class, .flags = typePublic};
 };

@@ -59,6 +59,10 @@ class CallShape : public CallFirst, public CallSecond {
 public:
     ORV_REFLECT(CallShape);
 
+    enum Step { First = 3, Second = 5 }; // no flags: they share a bit
+    enum Mark { Red = 1, Green = 2, Blue = 8 };
+    enum Small : byte { Low = 1, High = 6 };
+
     CallShape() = default;
     explicit CallShape(int value) : value(value) {}
     CallShape(int value, const ZString& text) : value(value), label(text) {}
@@ -103,11 +107,20 @@ public:
     int all(ZArrayT<ZVariant>& rest) const { return int(rest.count()); }
     int gather(const ZArrayT<ZVariant>& everything) const { return -int(everything.count()); }
     int shadowed() const { return 30; }
+    Step step() const { return now; }
+    bool setStep(const Step& other) {
+        now = other;
+        return true;
+    }
+    int stepNumber(Step given) const { return given; }
+    int marks(Mark given) const { return given; }
+    int small(Small given) const { return given; }
     void nothing() const { ++calls; }
     static int twice(int a) { return 2 * a; }
 
     static inline int calls = 0;
     int value = 7;
+    Step now = First;
     ZString label{"label"};
 
 private:
