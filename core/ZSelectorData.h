@@ -22,7 +22,8 @@ public:
         NameSpace = 0x080,
         BaseName = 0x100,
         Linked = 0x200,      ///< the text is a static one of its module
-        VariableName = 0x400 ///< names a variable; set for every dotted path
+        VariableName = 0x400, ///< names a variable; set for every dotted path
+        MethodName = 0x800,   ///< `nameSel` is valid, though the other parts may not be
     };
 
     /// Up to so many parts of a list are compared in turn, which is faster than to look in a sorted copy.

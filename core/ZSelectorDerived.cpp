@@ -250,7 +250,7 @@ ZSelector ZSelector::qualifier(const char* text) {
 }
 
 ZSelector ZSelector::methodName() const {
-    ZSelectorData* entry = orv::detail::resolved(*this);
+    ZSelectorData* entry = orv::detail::selectorSpace.resolveName(id);
     return entry && !entry->nameSel.isEmpty() ? entry->nameSel : *this;
 }
 ZSelector ZSelector::result() const {

@@ -357,21 +357,35 @@ ZSelectorData* ZSelectorSpace::resolve(uint id) {
     {
         ZScopedLock held(spin);
         if (!(entry->flags & ZSelectorData::Parts)) {
-            std::swap(entry->nameSel, name);
+            const bool named = entry->flags & ZSelectorData::MethodName;
+            if (!named) std::swap(entry->nameSel, name);
             std::swap(entry->resultSel, result);
             std::swap(entry->params, params);
             entry->paramCount = uint(count);
-            dropSelf(entry, entry->nameSel);
+            if (!named) dropSelf(entry, entry->nameSel);
             dropSelf(entry, entry->resultSel);
             for (int i = 0; i < count; ++i) dropSelf(entry, entry->params[i]);
             ularge mask = 0;
             bool few = orv::detail::isList(entry->type) && uint(count) <= ZSelectorData::mostFewWords;
             for (int i = 0; few && i < count; ++i) mask |= ZSelectorData::wordBit(entry->params[i].key());
             storeRelease(entry->wordMask, mask);
-            storeRelease(entry->flags, entry->flags | ZSelectorData::Parts);
+            storeRelease(entry->flags, entry->flags | ZSelectorData::Parts | ZSelectorData::MethodName);
         }
     }
     zreleasearray(params);
+    return entry;
+}
+
+ZSelectorData* ZSelectorSpace::resolveName(uint id) {
+    ZSelectorData* entry = get(id);
+    if (!entry || ORV_LIKELY(toolkit::loadAcquire(entry->flags) & ZSelectorData::MethodName)) return entry;
+    if (entry->type != ZSelector::Method) return resolve(id);
+    auto text = entry->view();
+    const auto part = orv::detail::SelectorItems(text.text, text.length, entry->type).name;
+    ZSelector name;
+    name.set(part.text, int(part.length), ZSelector::Detect);
+    if (name.isEmpty() && part.length) return nullptr;
+    publish(entry, ZSelectorData::MethodName, &ZSelectorData::nameSel, std::move(name));
     return entry;
 }
 

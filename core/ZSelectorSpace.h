@@ -88,6 +88,8 @@ public:
     ZSpinLock& sortedLock() { return sortedSpin; }
     /// The entry with its parts resolved; null if there is none, and when there is no memory for them.
     ZSelectorData* resolve(uint id);
+    /// The same for the name of a function alone, which most signatures in tables are asked for and no more.
+    ZSelectorData* resolveName(uint id);
     /// Stores a lazy selector in its field of a held entry, unless another thread was first. `flag` tells the field.
     void publish(ZSelectorData* entry, uint flag, ZSelector ZSelectorData::*field, ZSelector&& value);
     /// Sets or clears the flag of variable names, which a dotted path keeps.

@@ -91,6 +91,7 @@ ZArrayT<ZMetaType*> ZPackage::getUsedTypes() const {
 ZMetaType* ZPackage::findPackageType(const ZSelector& name) const { return typeIndex.find(name); }
 
 ZMetaType* ZPackage::findMetaType(const ZSelector& name) const {
+    toolkit::EpochGuard guard; // for both, and for those of the root
     if (ZMetaType* own = typeIndex.find(name)) return own;
     if (ORV_UNLIKELY(toolkit::load(usedTypesDirty))) resetUsedTypes();
     if (ZMetaType* used = usedIndex.find(name)) return used;

@@ -506,6 +506,8 @@ public:
 
     // Operators for tables: add, and remove. A failure is raised without memory.
 
+    using ZType::operator+=;
+    using ZType::operator-=;
     ZObject& operator+=(const ZMethodDispatch& dispatch);
     ZObject& operator-=(const ZMethodDispatch& dispatch);
     ZObject& operator+=(const ZMethodPtr& method);

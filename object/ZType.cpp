@@ -4,6 +4,7 @@
 #include "core/memlock.h"
 #include "object/ZMetaType.h"
 #include "object/ZPropertyPtr.h"
+#include "object/ZPropertyRef.h"
 #include "object/ztype.h"
 
 // Lifetime
@@ -86,7 +87,10 @@ void ZType::release() {
 ZType* ZType::copy() const {
     if (metaType && metaType->instanceCallback(ZMetaType::CopyInstance1))
         return static_cast<ZType*>(metaType->copyToBlock(this));
-    return zmake<ZType>(this, orv::passType(metaType));
+    ZType* made = zmake<ZType>(this, orv::passType(metaType));
+    // No tag stands for the class's own type.
+    if (made && !metaType) made->setType(static_cast<ZMetaType*>(nullptr));
+    return made;
 }
 
 // Identity
@@ -98,6 +102,15 @@ bool ZType::isTypeIndexLabel(int label) const { return typeIndexLabel() == label
 ZType* ZType::detachCopy(ZDetachContext*) const { return copy(); }
 bool ZType::setPublicValue(const ZVariant&) { return false; }
 bool ZType::adjustBlendProperty(const ZSelector&, ZVariant&) const { return true; }
+
+ZType& ZType::operator+=(const ZPropertyRef& property) {
+    if (property.property()) addProperty(*property.property());
+    return *this;
+}
+ZType& ZType::operator-=(const ZPropertyRef& property) {
+    if (!property.isNull()) removeProperty(property.name());
+    return *this;
+}
 
 ZType* ZType::createIdentity() const {
     ZType* made = copy();

@@ -9,6 +9,7 @@
 #include "object/ZObject.h"
 #include "object/glue.h"
 #include "text/ZBlendPos.h"
+#include "text/ZFileName.h"
 #include "value/ZTypedPtr.h"
 #include "value/ZVArray.h"
 #include "value/ZVSelectMap.h"
@@ -94,12 +95,37 @@ template <> struct Table<ZType> : Declares<ZType> {
         ORV_METHOD(int, getTypeSandBoxLevel, (), const),
         ORV_METHOD(void, setTypeSandBoxLevel, (int), , "unsafe"),
         ORV_METHOD(ZPackage*, package, (), const),
-        ORV_METHOD(ZMetaType*, findType, (const ZSelector&), const),
+        ORV_METHOD(bool, isPlugin, (const ZSelector&), const),
+        ORV_METHOD(ZMetaType*, findType, (const ZSelector&), const, "unsafe"), // makes variants and instances
         ORV_METHOD(bool, enumValue, (const ZSelector&, int&), const),
         ORV_METHOD(ZSelector, enumName, (const ZSelector&, int), const),
         ORV_METHOD(ZEnumType*, findEnum, (const ZSelector&), const),
         ORV_METHOD(int, scanEnum, (const ZSelector&, const ZSelector&), const),
         ORV_METHOD(ZSelector, outputEnum, (const ZSelector&, int), const),
+        ORV_METHOD(ZSelector, stringResName, (), const),
+        ORV_METHOD(ZSelector, stringName, (int), const),
+        ORV_METHOD(int, stringIndex, (const ZSelector&), const),
+        ORV_METHOD(bool, hasStringResource, (const ZSelector&), const),
+        ORV_METHOD(ZString, translate, (const ZSelector&), const),
+        ORV_METHOD(ZString, translate, (const ZString&), const),
+        ORV_METHOD(ZString, translate, (int), const),
+        ORV_METHOD(ZString, transarg, (const ZSelector&, const ZArrayT<ZVariant>&), const),
+        ORV_METHOD(ZVariant, resource, (const ZSelector&), const),
+        ORV_METHOD(ZVariant, resource, (const ZSelector&, const ZSelector&), const),
+        ORV_METHOD(ZVariant, typeResource, (const ZSelector&), const),
+        ORV_METHOD(ZMetaType*, typeOfResource, (const ZSelector&), const),
+        ORV_METHOD(bool, setResource, (const ZSelector&, const ZVariant&), ),
+        ORV_METHOD(bool, setResource, (const ZSelector&, int), ),
+        ORV_METHOD(bool, setResource, (const ZSelector&, bool), ),
+        ORV_METHOD(bool, setResource, (const ZSelector&, const ZType*), ),
+        ORV_METHOD(bool, setResource, (const ZSelector&, const ZSelector&, const ZVariant&), ),
+        ORV_METHOD(bool, setResource, (const ZSelector&, const ZSelector&, int), ),
+        ORV_METHOD(bool, setResource, (const ZSelector&, const ZSelector&, bool), ),
+        ORV_METHOD(bool, setResource, (const ZSelector&, const ZSelector&, const ZType*), ),
+        ORV_METHOD(bool, removeResource, (const ZSelector&), ),
+        ORV_METHOD(bool, removeResource, (const ZSelector&, const ZSelector&), ),
+        ORV_METHOD(bool, applyStyle, (const ZSelector&), ),
+        ORV_METHOD(bool, applyStyle, (const ZSelector&, const ZSelector&), ),
         ORV_METHOD(bool, hasLocalMethod, (const ZSelector&, const ZSelector&), const),
         ORV_METHOD(bool, hasMethod, (const ZSelector&, const ZSelector&), const),
         ORV_METHOD(bool, hasMultimethod, (const ZSelector&, const ZSelector&), const),
@@ -109,6 +135,7 @@ template <> struct Table<ZType> : Declares<ZType> {
         ORV_METHOD(ZVariant, invoke, (const ZSelector&, const ZVArray&), const),
         ORV_METHOD(bool, callV, (const ZSelector&), const),
         ORV_METHOD(bool, callV, (const ZSelector&, const ZSelector&), const),
+        ORV_METHOD(bool, saveIntoFile, (const ZFileName&, const ZSelector&), const, "unsafe"),
         ORV_METHOD(bool, extend, (const ZSelector&), , "unsafe"),
         ORV_METHOD(bool, extend, (ZTypeCategory*), , "unsafe"),
         ORV_METHOD(bool, removeExtension, (), , "unsafe"),
@@ -215,6 +242,9 @@ template <> struct Table<ZType> : Declares<ZType> {
         ORV_METHOD(ZSelector, propertyStackName, (const ZSelector&), const),
         ORV_METHOD(bool, pushProperty, (const ZSelector&), ),
         ORV_METHOD(bool, popProperty, (const ZSelector&), ),
+        ORV_METHOD(bool, loadPersistentProperties, (), , "unsafe"),
+        ORV_METHOD(bool, loadPersistentProperties, (const ZSelector&), , "unsafe"),
+        ORV_METHOD(bool, storePersistentProperties, (), const, "unsafe"),
         ORV_METHOD(int, getEnumFlags, (const ZSelector&), const),
         ORV_METHOD(bool, setEnumFlags, (const ZSelector&, const ZSelector&), ),
         ORV_METHOD(bool, removeEnumFlags, (const ZSelector&, const ZSelector&), ),
@@ -223,6 +253,9 @@ template <> struct Table<ZType> : Declares<ZType> {
         ORV_METHOD(ZSelector, typeName, (), const),
         ORV_METHOD(ZSelector, typeLabel, (), const),
         ORV_METHOD(int, typeIndexLabel, (), const),
+        ORV_METHOD(ZSelector, pluginName, (), const),
+        ORV_METHOD(ZSelector, pluginId, (), const),
+        ORV_METHOD(ZSelector, pluginPrefix, (), const),
     };
     static constexpr ClassInfo info = {.kind = Kind::Dynamic,
                                        .flags = typePublic | typePolymorphic | typeCreated | typeRefStore};

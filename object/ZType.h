@@ -380,8 +380,12 @@ public:
     virtual bool removeProperty(const ZSelector& name);
     virtual bool renameProperty(const ZSelector& name, const ZSelector& to);
     virtual ZSelector propertyStackName(const ZSelector& name) const;
+    /// Saves the value of a dynamic property, in front of those saved before; `popProperty` brings the last back.
     virtual bool pushProperty(const ZSelector& name);
     virtual bool popProperty(const ZSelector& name);
+    /// Adds a copy of what is referred to; takes the property of that name away. A null reference changes nothing.
+    ZType& operator+=(const ZPropertyRef& property);
+    ZType& operator-=(const ZPropertyRef& property);
     virtual bool loadPersistentProperties();
     virtual bool loadPersistentProperties(const ZSelector& group);
     virtual bool storePersistentProperties() const;

@@ -11,9 +11,6 @@ namespace {
 
 using Properties = ZType::DynamicProperties;
 
-const ZPropertyPtr* entryOf(const ZType* instance, const ZSelector& name) {
-    return instance ? instance->getDynamicProperties().find(name) : nullptr;
-}
 bool blended(const ZPropertyPtr* entry) {
     return entry && entry->property() && !entry->property()->hasFlags(ZProperty::NoBlend);
 }
@@ -43,13 +40,13 @@ bool setIdentityOf(ZProperty& property) {
 } // namespace
 
 bool ZType::blendDynamicProperties(const ZType* a, const ZType* b, const ZBlendPos& pos) {
+    // Values are blended by foreign code, which may change what it finds: so the trees are held.
+    const Properties first = a ? a->dynamicProperties : Properties(), second = b ? b->dynamicProperties : Properties();
     Properties tree;
-    if (a)
-        for (const ZPropertyPtr& entry : a->dynamicProperties)
-            if (!addBlended(tree, &entry, entryOf(b, entry.key()), pos)) return false;
-    if (b)
-        for (const ZPropertyPtr& entry : b->dynamicProperties)
-            if (!entryOf(a, entry.key()) && !addBlended(tree, nullptr, &entry, pos)) return false;
+    for (const ZPropertyPtr& entry : first)
+        if (!addBlended(tree, &entry, second.find(entry.key()), pos)) return false;
+    for (const ZPropertyPtr& entry : second)
+        if (!first.contains(entry.key()) && !addBlended(tree, nullptr, &entry, pos)) return false;
     dynamicProperties = std::move(tree);
     return true;
 }
@@ -68,8 +65,9 @@ bool ZType::setIdentityProperties() { return !metaType || metaType->setIdentityS
 bool ZType::setLocalIdentity() { return true; }
 
 bool ZType::setIdentityDynamicProperties() {
+    const Properties held = dynamicProperties;
     Properties tree;
-    for (const ZPropertyPtr& entry : dynamicProperties) {
+    for (const ZPropertyPtr& entry : held) {
         ZPropertyPtr* made = entry.copy();
         if (made && (!blended(made) || (made->detach() && setIdentityOf(*made->property()))) && tree.add(made))
             continue;

@@ -55,6 +55,8 @@ bool ZType::replaceType(ZMetaType* type) {
 bool ZType::setMetaType(ZMetaType* type) {
     if (!type || !type->isZType()) return false;
     if (metaType && !metaType->typeOf(type) && !type->typeOf(metaType)) return false;
+    // What a derived class has behind the base isn't there.
+    if (metaType && type->byteSize() > metaType->byteSize()) return false;
     if (!replaceType(type)) return false;
     return !type->hasDynamicProperties() || type->setupProperties(this);
 }

@@ -14,9 +14,10 @@ bool addName(ZArrayT<ZSelector>& names, ZHashSetT<ZSelector>& known, const ZSele
 }
 
 /// Calls `visit` with each property of the instance and each declared one that it doesn't cover, as long as it answers
-/// true.
+/// true. What `visit` changes meanwhile shows in the next walk.
 template <class F> bool forEachProperty(const ZType* self, F visit) {
-    for (const ZPropertyPtr& entry : self->getDynamicProperties())
+    const ZType::DynamicProperties own = self->getDynamicProperties();
+    for (const ZPropertyPtr& entry : own)
         if (entry.property() && !visit(*entry.property())) return false;
     const ZMetaType* type = self->type();
     if (!type) return true;
@@ -24,7 +25,7 @@ template <class F> bool forEachProperty(const ZType* self, F visit) {
     const orv::PropertyCatalogue* all = orv::propertyCatalogue(type);
     if (!all) return false;
     for (const orv::PropertyCatalogue::Entry& entry : all->entries)
-        if (!self->getDynamicProperties().contains(entry.property->name()) && !visit(*entry.property)) return false;
+        if (!own.contains(entry.property->name()) && !visit(*entry.property)) return false;
     return true;
 }
 } // namespace
@@ -63,11 +64,12 @@ bool ZType::storedPropertyNames(ZArrayT<ZSelector>& names) const {
 
 bool ZType::delegatePropertyNames(ZArrayT<ZSelector>& names) const {
     ZHashSetT<ZSelector> known;
-    for (const ZPropertyPtr& entry : dynamicProperties) {
+    const DynamicProperties held = dynamicProperties;
+    for (const ZPropertyPtr& entry : held) {
         if (!entry.property() || !entry->hasFlags(ZProperty::Delegate)) continue;
-        const ZType* held = entry->value().toType();
+        const ZType* delegate = entry->value().toType();
         ZArrayT<ZSelector> own;
-        if (!held || held == this || !held->propertyNames(own)) continue;
+        if (!delegate || delegate == this || !delegate->propertyNames(own)) continue;
         for (const ZSelector& name : own)
             if (!addName(names, known, name)) return false;
     }

@@ -30,7 +30,8 @@ bool ZType::propertiesWithOptions(const ZSelector& words, ZVSelectMap& values) c
 bool ZType::copyPropertiesFrom(const ZType* source) {
     if (!source) return false;
     if (source == this) return true;
-    for (const ZPropertyPtr& entry : source->getDynamicProperties()) {
+    const DynamicProperties given = source->getDynamicProperties();
+    for (const ZPropertyPtr& entry : given) {
         if (!entry.property()) continue;
         bool there = hasProperty(entry.key());
         if (there ? !setProperty(entry.key(), entry.property()->value()) : !addProperty(*entry.property()))
@@ -39,8 +40,7 @@ bool ZType::copyPropertiesFrom(const ZType* source) {
     ZArrayT<ZSelector> names;
     if (source->metaType && !source->metaType->propertyDefNames(names)) return false;
     for (const ZSelector& name : names)
-        if (hasDefinedProperty(name) && !source->hasDynamicProperty(name) &&
-            !(propertyFlags(name) & ZProperty::ReadOnly))
+        if (hasDefinedProperty(name) && !given.contains(name) && !(propertyFlags(name) & ZProperty::ReadOnly))
             setProperty(name, source->getProperty(name));
     return true;
 }

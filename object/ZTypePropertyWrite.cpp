@@ -142,6 +142,19 @@ bool putDynamic(ZType* self, ZType::DynamicProperties& tree, const ZSelector& na
     return false;
 }
 
+/// Puts a copy of a record into a tree that is being built, under another name.
+bool putAs(ZType::DynamicProperties& tree, const ZProperty& source, const ZSelector& name) {
+    ZProperty* record = source.copy();
+    if (!record) return false;
+    record->setName(name);
+    const ZPropertyPtr* known = tree.find(name);
+    ZPropertyPtr* entry = known ? tree.edit(known) : ZPropertyPtr::create(record);
+    const bool put = entry && (known ? entry->set(record) : tree.add(entry));
+    if (entry && !known && !put) entry->release();
+    record->release();
+    return put;
+}
+
 /// Writes through the setter of a declared property.
 bool setDeclared(ZType* self, const PropertyPlace& place, const ZVariant& value, bool notify) {
     const orv::CachedMethod* setter = orv::writeAccessor(place.type, place.row);
@@ -286,7 +299,12 @@ bool orv::setPath(ZType* self, ZTypedPtr* typed, const ZSelector& path, const ZV
             held.setObject(member);
         }
         if (ZType* object = held.toType(); object && !isSelectMap(held)) {
-            if (!rest.isEmpty()) return object->setProperty(typed, rest, value, notify);
+            if (!rest.isEmpty()) {
+                const bool done = object->setProperty(typed, rest, value, notify);
+                // The owner goes with the value that was read on the way.
+                if (typed && held.referenceCount() < 2) *typed = ZTypedPtr();
+                return done;
+            }
             keeper = std::move(held);
             self = object;
             continue;
@@ -334,7 +352,7 @@ bool ZType::setPropertyOptions(const ZSelector& name, const ZSelector& words) {
 }
 
 ZSelector ZType::dynamicPropertyOptions(const ZSelector& name) const {
-    ZProperty* property = dynamicProperty(name);
+    ZProperty* property = dynamicProperty(replacePropertyName(name));
     return property ? property->options() : ZSelector();
 }
 
@@ -401,29 +419,37 @@ bool ZType::renameProperty(const ZSelector& name, const ZSelector& to) {
 ZSelector ZType::propertyStackName(const ZSelector& name) const { return ZSelector("__stack_").join(name); }
 
 bool ZType::pushProperty(const ZSelector& name) {
+    if (!hasDynamicProperty(name)) return false;
     // Each saved value stands one name further than the one saved after it.
-    ZProperty* known = dynamicProperty(name);
-    if (!known) return false;
-    ZArrayT<ZSelector> names;
-    for (ZSelector at = name; dynamicProperties.contains(at); at = propertyStackName(at))
-        if (!names.append(at)) return false;
-    for (uint i = names.count(); i-- > 0;) {
-        ZProperty moved(*dynamicProperty(names[i]));
-        moved.setName(propertyStackName(names[i]));
-        if (!putDynamic(this, dynamicProperties, moved)) return false;
+    DynamicProperties tree = dynamicProperties;
+    for (ZSelector at = name; const ZProperty* known = dynamicProperty(at); at = propertyStackName(at))
+        if (!putAs(tree, *known, propertyStackName(at))) return false;
+    {
+        WriteLock lock(this);
+        std::swap(dynamicProperties, tree);
     }
+    if (const ZProperty* known = dynamicProperty(name); known && known->hasFlags(ZProperty::Delegate))
+        propertyDelegationChanged(*known);
     return true;
 }
 
 bool ZType::popProperty(const ZSelector& name) {
     ZSelector at = name, saved = propertyStackName(name);
     if (!hasDynamicProperty(saved)) return false;
-    for (; hasDynamicProperty(saved); at = saved, saved = propertyStackName(saved)) {
-        ZProperty moved(*dynamicProperty(saved));
-        moved.setName(at);
-        if (!putDynamic(this, dynamicProperties, moved)) return false;
+    DynamicProperties tree = dynamicProperties;
+    for (; const ZProperty* known = dynamicProperty(saved); at = saved, saved = propertyStackName(saved))
+        if (!putAs(tree, *known, at)) return false;
+    if (!tree.remove(at)) return false;
+    {
+        WriteLock lock(this);
+        std::swap(dynamicProperties, tree);
     }
-    return removeProperty(at);
+    const ZProperty* known = dynamicProperty(name);
+    if (ZProperty* record = known ? known->retain() : nullptr) {
+        propertyDelegationChanged(*record);
+        tell(this, record, true);
+    }
+    return true;
 }
 
 void ZType::propertyDelegationChanged(const ZProperty&) {}

@@ -6,6 +6,7 @@
 #include "object/glueLife.h"
 #include "object/methodWords.h"
 #include "object/ztype.h"
+#include "toolkit/image.h"
 #include "toolkit/memory.h"
 
 #include <cstring>
@@ -56,8 +57,16 @@ ZMethod::Func entryOf(const MethodRow& row) {
     }
 }
 
+/// The selector of a text in a row, which is in normal form. Texts that stay as long as this code aren't copied.
+ZSelector selectorOf(const char* text) {
+    if (!toolkit::mappedForGood(text)) return ZSelector(text);
+    ZSelector made;
+    made.link(text, false);
+    return made;
+}
+
 bool addMethod(ZMetaType* type, const MethodRow& row, const ZSelector& constWord) {
-    ZMethod* method = ZMethod::create(ZSelector(row.text), row.isConst ? constWord : ZSelector());
+    ZMethod* method = ZMethod::create(selectorOf(row.text), row.isConst ? constWord : ZSelector());
     if (!method) return false;
     if (row.options) method->setOptions(ZMethod::extractOptions(ZSelector(row.options)));
     if (auto entry = entryOf(row)) method->setFunc(entry, row.fastWords);

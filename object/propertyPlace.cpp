@@ -40,7 +40,7 @@ private:
 
 PropertyPlace::PropertyPlace(const ZType* self, const ZSelector& name, bool localOnly)
     : type(self->type()), self(self), name(&name) {
-    if (name.isEmpty() || findOwn() || localOnly) return;
+    if (name.isEmpty() || findOwn() || localOnly || !type) return;
     if (findDelegate() || findPath() || findTypeDelegate()) return;
 }
 
@@ -71,7 +71,9 @@ bool PropertyPlace::findDelegate() {
     if (self->getDynamicProperties().isEmpty()) return false;
     AskingScope scope(self, *name);
     if (!scope) return false;
-    for (const ZPropertyPtr& entry : self->getDynamicProperties()) {
+    // Who is asked may change them.
+    const PropertyTree own = self->getDynamicProperties();
+    for (const ZPropertyPtr& entry : own) {
         if (!isDelegate(entry)) continue;
         const ZVariant& held = entry->value();
         if (held.toType() == self || !ZTypedPtr(held).hasProperty(*name)) continue;
@@ -108,7 +110,6 @@ bool PropertyPlace::findPath() {
 }
 
 bool PropertyPlace::findTypeDelegate() {
-    if (!type) return false;
     AskingScope scope(self, *name);
     if (!scope) return false;
     ZTypedPtr delegate;

@@ -1,6 +1,8 @@
 #include "object/ZType.h"
 
 #include "object/ZPropertyPtr.h"
+#include "object/ZPropertyRef.h"
+#include "object/ztype.h"
 #include "tests/object/HandMade.h"
 #include "tests/support/CoreScope.h"
 #include "value/ZVariant.h"
@@ -79,6 +81,30 @@ TEST_F(TypeKernel, CopiesShareDynamicPropertiesUntilAWrite) {
     EXPECT_TRUE(first->detach() && first->isDetached());
     first->release();
     second->release();
+}
+
+TEST_F(TypeKernel, WithoutATypeItIsABag) {
+    auto bag = zmake<ZType>();
+    EXPECT_EQ(bag->type(), ztype<ZType>());
+    ASSERT_TRUE(bag->setType(static_cast<ZMetaType*>(nullptr)));
+    auto from = zmake<ZType>();
+    ASSERT_TRUE(from->addProperty("inner", ZVariant(3)) && from->addProperty("outer", ZVariant(4)));
+    *bag += ZPropertyRef(from, "inner");
+    *bag += ZPropertyRef(from, "outer");
+    *bag += ZPropertyRef();
+    *bag -= ZPropertyRef(from, "outer");
+    from->release();
+    EXPECT_EQ(bag->propertyCount(), 1u);
+    EXPECT_EQ(bag->getProperty("inner").toInt(), 3);
+    EXPECT_FALSE(bag->setProperty("other", ZVariant(1)));
+    ZType* copy = bag->copy();
+    ASSERT_TRUE(copy);
+    EXPECT_EQ(copy->type(), nullptr);
+    EXPECT_EQ(copy->compare(bag), 0);
+    EXPECT_TRUE(bag->setProperty("inner", ZVariant(5)));
+    EXPECT_EQ(copy->getProperty("inner").toInt(), 3);
+    copy->release();
+    bag->release();
 }
 
 TEST_F(TypeKernel, ComparisonAndAssignmentAskTheType) {

@@ -204,6 +204,32 @@ TEST_F(TypeProperties, DynamicOnesBelongToTheInstance) {
     EXPECT_FALSE(shape->popProperty(name("extra")));
 }
 
+TEST_F(TypeProperties, SavedValuesComeBackWholeOrNotAtAll) {
+    Held shape;
+    ASSERT_TRUE(shape->addProperty(name("note"), ZVariant(1), name("store .grow")));
+    const int before = shape->grown;
+    EXPECT_TRUE(shape->pushProperty(name("note")));
+    EXPECT_EQ(shape->grown, before) << "nothing has changed by that";
+    EXPECT_TRUE(shape->popProperty(name("note")));
+    EXPECT_GT(shape->grown, before);
+    auto run = [&] {
+        auto own = zmake<TestShape>();
+        if (!own) return;
+        int pushed = 0, popped = 0;
+        if (own->addProperty(name("kept"), ZVariant(0)))
+            while (pushed < 3 && own->pushProperty(name("kept")) && own->setProperty(name("kept"), ZVariant(++pushed)))
+                ;
+        const int top = own->getProperty(name("kept")).toInt();
+        EXPECT_TRUE(top == pushed || top + 1 == pushed || !pushed);
+        while (own->hasDynamicProperty(own->propertyStackName(name("kept")))) popped += own->popProperty(name("kept"));
+        EXPECT_GE(popped, pushed);
+        EXPECT_EQ(own->getProperty(name("kept")).toInt(), 0);
+        own->release();
+    };
+    run(); // the names are known then
+    failEachAllocation([&](AllocProbe&) { run(); });
+}
+
 TEST_F(TypeProperties, ACopySharesDynamicOnesUntilAWrite) {
     Held shape;
     ASSERT_TRUE(shape->addProperty(name("note"), ZVariant(1)));
@@ -258,6 +284,11 @@ TEST_F(TypeProperties, PathsAndDelegates) {
     EXPECT_EQ(partner->spot.x, 0);
     EXPECT_EQ(shape->getProperty(name("partner")).toType(), partner.shape);
     EXPECT_FALSE(shape->setProperty(name("nothing.width"), ZVariant(1)));
+
+    // Of a value that is read on the way nothing is left that could be the owner.
+    ZTypedPtr owned(shape.shape);
+    EXPECT_EQ(shape->getProperty(&owned, name("place.left"), true).toInt(), shape->spot.x);
+    EXPECT_EQ(owned.instance, nullptr);
 
     // What a delegate has answers for its owner, behind what is its own.
     Held outer;
@@ -378,6 +409,27 @@ bool count(const ZProperty&, ZVariant& value, void* context) {
     return seen->change;
 }
 } // namespace
+
+TEST_F(TypeProperties, AVisitorMayChangeWhatIsWalked) {
+    Held shape;
+    for (const char* each : {"one", "two", "three"}) ASSERT_TRUE(shape->addProperty(name(each), ZVariant(each)));
+    int seen = 0;
+    struct Context {
+        TestShape* shape;
+        int* seen;
+    } context{shape.shape, &seen};
+    EXPECT_TRUE(shape->enumerateProperties(
+        [](const ZProperty& property, ZVariant&, void* with) {
+            auto at = static_cast<Context*>(with);
+            at->shape->removeProperty(property.name());
+            at->shape->addProperty(ZSelector("more").join(property.name()), ZVariant(1));
+            return ++*at->seen < 100;
+        },
+        &context));
+    EXPECT_LT(seen, 20);
+    EXPECT_FALSE(shape->hasProperty(name("two")));
+    EXPECT_TRUE(shape->hasProperty(name("moretwo")));
+}
 
 TEST_F(TypeProperties, WalksDoNotRunInCircles) {
     Held first, second;
