@@ -1,6 +1,7 @@
 #include "core/ZArrayT.h"
 
 #include "core/ZSelector.h"
+#include "object/ZEnum.h"
 #include "object/ZMetaType.h"
 #include "object/glue.h"
 #include "text/ZFileInfo.h"
@@ -55,3 +56,4 @@ ORV_DECLARE(ZArrayT<ZString>);
 ORV_DECLARE(ZArrayT<ZFileInfo>);
 ORV_DECLARE(ZArrayT<ZVariant>);
 ORV_DECLARE(ZArrayT<ZMetaType*>);
+ORV_DECLARE(ZArrayT<ZEnumItem>);

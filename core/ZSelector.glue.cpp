@@ -1,7 +1,9 @@
 #include "core/ZSelector.h"
 
 #include "core/ZArrayT.h"
+#include "object/ZSelectorType.h"
 #include "object/glue.h"
+#include "object/metaClass.h"
 #include "text/ZString.h"
 
 namespace orv::glue {
@@ -136,7 +138,8 @@ template <> struct Table<ZSelector> : Declares<ZSelector> {
         ORV_ITEM(Type, Colon),  ORV_ITEM(Type, Bracket), ORV_ITEM(Type, Types), ORV_ITEM(Type, Template),
         ORV_ITEM(Type, Method), ORV_ITEM(Type, Mixed),   ORV_ITEM(Type, Detect)};
     static constexpr EnumRow enums[] = {ORV_ENUM(Type, typeItems)};
-    static constexpr ClassInfo info = {.kind = Kind::Selector, .flags = typePublic};
+    static constexpr ClassInfo info = {
+        .kind = Kind::Selector, .flags = typePublic, .meta = &MetaClassOf<ZSelectorType>::row};
 };
 
 } // namespace orv::glue

@@ -79,16 +79,17 @@ bool ZPackage::setup() {
 void ZPackage::resetBases() {
     // Types made before that of metatypes have none yet; so has this package.
     if (ZMetaType* own = ztype<ZPackage>(); own && !type()) setType(own);
-    ZMetaType* metaType = ztype<ZMetaType>();
     const Types all = getTypes();
     for (const auto& entry : all) {
         ZMetaType* found = entry.value();
-        if (metaType && !found->type()) found->setType(metaType);
+        if (!found->type())
+            if (ZMetaType* own = orv::typeOfType(*found)) found->setType(own);
         found->setRetainedMode();
         if (!found->resetBase()) {
             for (const ZSelector& base : found->getBaseNames())
                 if (!findType(base)) zdebug("type %s: base %s isn't known", found->getName().string(), base.string());
         }
+        found->resetCategories();
     }
 }
 

@@ -23,7 +23,7 @@ constexpr const ClassRow* ztlTypes[] = {
     &Row<ZArrayT<int>>::row,        &Row<ZArrayT<uint>>::row,      &Row<ZArrayT<large>>::row,
     &Row<ZArrayT<float>>::row,      &Row<ZArrayT<real>>::row,      &Row<ZArrayT<ZSelector>>::row,
     &Row<ZArrayT<ZString>>::row,    &Row<ZArrayT<ZFileInfo>>::row, &Row<ZArrayT<ZVariant>>::row,
-    &Row<ZArrayT<ZMetaType*>>::row,
+    &Row<ZArrayT<ZMetaType*>>::row, &Row<ZArrayT<ZEnumItem>>::row,
 };
 
 constexpr const ClassRow* baseTypes[] = {
@@ -34,9 +34,10 @@ constexpr const ClassRow* baseTypes[] = {
 };
 
 constexpr const ClassRow* objectTypes[] = {
-    &Row<ZType>::row,          &Row<ZObject>::row,    &Row<ZMetaType>::row,       &Row<ZEnum>::row,
-    &Row<ZMethod>::row,        &Row<ZMethodRef>::row, &Row<ZMethodDispatch>::row, &Row<ZPropertyRef>::row,
-    &Row<ZDetachContext>::row, &Row<ZEnumType>::row,  &Row<ZTypeCategory>::row,   &Row<ZPackage>::row,
+    &Row<ZType>::row,           &Row<ZObject>::row,        &Row<ZMetaType>::row,     &Row<ZEnumItem>::row,
+    &Row<ZEnum>::row,           &Row<ZMethod>::row,        &Row<ZMethodRef>::row,    &Row<ZMethodDispatch>::row,
+    &Row<ZPropertyRef>::row,    &Row<ZDetachContext>::row, &Row<ZEnumType>::row,     &Row<ZSelectorType>::row,
+    &Row<ZVSelectMapType>::row, &Row<ZCompositeType>::row, &Row<ZTypeCategory>::row, &Row<ZPackage>::row,
 };
 
 constexpr const char* ztlUses[] = {"orv.core.base", "orv.core.object"};

@@ -28,6 +28,9 @@ ORV_API ZPackage* loadPackage(const ZSelector& name);
 /// Makes the metatype of a row and enters it in the package; null without memory. The package owns it.
 ORV_API ZMetaType* makeType(ZPackage* package, const glue::ClassRow& row);
 
+/// The type that a metatype of a row is an instance of; null as long as that isn't there.
+ORV_API ZMetaType* typeOfType(const ZMetaType& type);
+
 // Steps of start and stop
 
 /// Links the names that code uses and makes the root package; counts. False without memory.

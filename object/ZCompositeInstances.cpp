@@ -1,9 +1,7 @@
 #include "core/construct.h"
 #include "object/ZMetaTypeData.h"
-#include "object/ZProperty.h"
 #include "object/compositeMembers.h"
 #include "text/ZString.h"
-#include "value/ZTypedPtr.h"
 #include "value/ZVariant.h"
 
 // Values of a composite, member by member.
@@ -289,52 +287,33 @@ bool ZCompositeType::replaceMember(void* instance, const CompositeMember& member
     return true;
 }
 
-uint ZCompositeType::syntheticPropertyCount(const ZTypedPtr&) const { return uint(countMember()); }
-bool ZCompositeType::syntheticPropertyNames(const ZTypedPtr&, ZArrayT<ZSelector>& names) const {
+bool ZCompositeType::fieldNames(const void*, ZArrayT<ZSelector>& names) const {
     toolkit::EpochGuard guard;
-    return eachMember(layout(), [&](const CompositeMember& member) { return names.append(member.name); });
+    const uint before = names.count();
+    if (eachMember(layout(), [&](const CompositeMember& member) { return names.append(member.name); })) return true;
+    names.remove(before, names.count() - before);
+    return false;
 }
-bool ZCompositeType::hasSyntheticProperty(const ZTypedPtr&, const ZSelector& name) const {
-    return memberIndex(name) >= 0;
-}
-ZMetaType* ZCompositeType::getSyntheticPropertyType(const ZTypedPtr&, const ZSelector& name) const {
-    return member(name);
-}
-
-bool ZCompositeType::syntheticProperty(const ZTypedPtr& typed, const ZSelector& name, ZProperty& found,
-                                       bool resolve) const {
-    ZMetaType* type = member(name);
-    if (!type) return false;
-    ZFailGuard guard;
-    found = ZProperty(name, type, ZProperty::Alias);
-    if (resolve && typed.instance) found.setValue(getSyntheticProperty(typed, name, true));
-    return !guard.rose();
-}
-ZVariant ZCompositeType::getSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name, bool) const {
+ZVariant ZCompositeType::readField(const void* instance, const ZSelector& name) const {
     toolkit::EpochGuard guard;
-    const CompositeMember* found = typed.instance ? find(name) : nullptr;
+    const CompositeMember* found = find(name);
     if (!found) return {};
-    return orv::readField(*found, typed.instance,
-                          [&](const void* value) { return ZVariant(found->type.get(), value); });
+    return orv::readField(*found, instance, [&](const void* value) { return ZVariant(found->type.get(), value); });
 }
-
-bool ZCompositeType::setSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name, const ZVariant& value,
-                                          bool) const {
+bool ZCompositeType::writeField(void* instance, const ZSelector& name, const ZVariant& value) const {
     toolkit::EpochGuard guard;
-    const CompositeMember* found = typed.instance ? find(name) : nullptr;
+    const CompositeMember* found = find(name);
     ZVariant converted(value);
     if (!found || !converted.convert(found->type)) return false;
-    auto place = [&](void* room) {
-        return converted.getValue(room, true) && replaceMember(typed.instance, *found, room);
-    };
+    auto place = [&](void* room) { return converted.getValue(room, true) && replaceMember(instance, *found, room); };
     return orv::useRoom(*found, place);
 }
-bool ZCompositeType::clearSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name) const {
+bool ZCompositeType::clearField(void* instance, const ZSelector& name) const {
     toolkit::EpochGuard guard;
-    const CompositeMember* found = typed.instance ? find(name) : nullptr;
+    const CompositeMember* found = find(name);
     if (!found) return false;
     auto place = [&](void* room) {
-        return found->type->constructInstance(room) && replaceMember(typed.instance, *found, room);
+        return found->type->constructInstance(room) && replaceMember(instance, *found, room);
     };
     return orv::useRoom(*found, place);
 }

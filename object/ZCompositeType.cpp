@@ -27,13 +27,11 @@ ZMetaType* metaTypeIn(const ZVariant& value) {
 
 ZCompositeType::ZCompositeType(ZPackage* package, const ZSelector& name, const __ZPassMetaType* type,
                                ZInternal* internal)
-    : ZMetaType(package, name, Composite, tagOf(type), internal) {
-    if (!own) return;
-    setSynthetic(true);
-    setAlignment(1);
+    : SyntheticType(package, name, Composite, tagOf(type), internal) {
+    if (own) setAlignment(1);
 }
 ZCompositeType::ZCompositeType(const ZCompositeType* source, const __ZPassMetaType* type, ZInternal* internal)
-    : ZMetaType(source, tagOf(type), internal) {
+    : SyntheticType(source, tagOf(type), internal) {
     toolkit::EpochGuard guard;
     const CompositeLayout* theirs = source->layout();
     Members members;
@@ -42,7 +40,7 @@ ZCompositeType::ZCompositeType(const ZCompositeType* source, const __ZPassMetaTy
 }
 ZCompositeType::ZCompositeType(const __ZPassMetaType* type, ZInternal* internal)
     : ZCompositeType(nullptr, ZSelector(), type, internal) {}
-ZCompositeType::ZCompositeType(const ZSelector& name, ZCompositeType* main) : ZMetaType(main, name) {}
+ZCompositeType::ZCompositeType(const ZSelector& name, ZCompositeType* main) : SyntheticType(name, main) {}
 ZCompositeType::~ZCompositeType() {
     CompositeLayout* last = published.publish(nullptr);
     if (last) hold(last->members, -1);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "object/ZMetaType.h"
+#include "object/SyntheticType.h"
 #include "toolkit/epoch.h"
 #include "value/ZVSelectMap.h"
 
@@ -16,7 +16,7 @@ struct CompositeMember;
 /// A member's value moves by its bytes: one that its type wants aligned is handled in a scratch place. Members are set
 /// up before the first instance is made, and don't change while there are instances, or while the type is a member of
 /// another composite: such changes are refused. Any thread may use instances of its own.
-class ORV_API ZCompositeType : public ZMetaType {
+class ORV_API ZCompositeType : public orv::SyntheticType {
 public:
     /// The largest value of a class that a composite takes, in bytes.
     static constexpr uint largestMember = 0x10000;
@@ -87,21 +87,16 @@ public:
     /// The members' texts with a blank between them, in double quotes where a text is empty or has blanks, quotes or
     /// backslashes in it; inside of quotes a backslash stands in front of a quote or backslash.
     bool toString(const void* instance, ZString& text) const override;
-    uint syntheticPropertyCount(const ZTypedPtr& typed) const override;
-    bool syntheticProperty(const ZTypedPtr& typed, const ZSelector& name, ZProperty& found,
-                           bool resolve) const override;
-    bool syntheticPropertyNames(const ZTypedPtr& typed, ZArrayT<ZSelector>& names) const override;
-    bool hasSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name) const override;
-    ZMetaType* getSyntheticPropertyType(const ZTypedPtr& typed, const ZSelector& name) const override;
-    ZVariant getSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name, bool expand) const override;
-    /// Back to a newly made value.
-    bool clearSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name) const override;
-    /// Converts the value to the member's type; false, with the member as it was, if it can't be.
-    bool setSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name, const ZVariant& value,
-                              bool notify) const override;
 
 protected:
     ZMetaType* makeVariant(const ZSelector& name) override;
+    bool fieldNames(const void* instance, ZArrayT<ZSelector>& names) const override;
+    uint fieldCount(const void*) const override { return uint(countMember()); }
+    ZMetaType* fieldType(const void*, const ZSelector& name) const override { return member(name); }
+    ZVariant readField(const void* instance, const ZSelector& name) const override;
+    /// Converts the value to the member's type.
+    bool writeField(void* instance, const ZSelector& name, const ZVariant& value) const override;
+    bool clearField(void* instance, const ZSelector& name) const override;
 
 private:
     friend struct orv::CompositeLayout;

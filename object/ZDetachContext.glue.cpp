@@ -25,6 +25,11 @@ template <> struct Table<ZDetachContext> : Declares<ZDetachContext> {
         ORV_METHOD(bool, detachHashSet, (ZVHashSet&), ),
         ORV_METHOD(bool, detachSelectMap, (ZVSelectMap&), ),
         ORV_METHOD(bool, detachKeyMap, (ZVKeyMap&), ),
+        ORV_STATIC(bool, detachValue, (ZVariant&)),
+        ORV_STATIC(bool, detachValue, (ZVArray&)),
+        ORV_STATIC(bool, detachValue, (ZVHashSet&)),
+        ORV_STATIC(bool, detachValue, (ZVSelectMap&)),
+        ORV_STATIC(bool, detachValue, (ZVKeyMap&)),
         ORV_METHOD(ZObject*, documentState, (), const),
         ORV_ADAPTER(bool, setDocumentState, (const ZObject*), ,
                     [](Self& context, const ZObject* object) {

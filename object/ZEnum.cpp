@@ -2,8 +2,11 @@
 
 #include "core/construct.h"
 #include "object/ZEnumType.h"
+#include "object/ztype.h"
 #include "text/ZString.h"
 #include "text/number.h"
+#include "value/ZVArray.h"
+#include "value/ZVariant.h"
 
 #include <cstring>
 
@@ -72,6 +75,19 @@ bool ZEnum::add(const ZArrayT<ZEnumItem>& items) {
     return true;
 }
 
+bool ZEnum::add(const ZVArray& items) {
+    const ZVArray source(items);
+    for (uint i = 0; i < source.count(); ++i) {
+        const ZVariant value = source.variant(int(i));
+        if (value.type() && value.type() == ztype<ZEnumItem>()) {
+            auto item = static_cast<const ZEnumItem*>(value.getPtr());
+            if (!add(item->name, item->value)) return false;
+        } else if (!(value.isSelector() || value.typeType() == ZMetaType::String) || !add(value.toSelector()))
+            return false;
+    }
+    return true;
+}
+
 bool ZEnum::add(const ZSelector& name) { return add(name, upcoming); }
 
 bool ZEnum::add(const ZSelector& name, int value) {
@@ -88,9 +104,10 @@ bool ZEnum::add(const ZSelector& name, int value) {
     byValue.set(value, item);
     byLowerName.set(item.lowerName, value);
     upcoming = int(uint(value) + 1);
-    if (moves)
-        callByOther(old);
-    else if (byValue.count() > values)
+    if (moves) {
+        (void)callByOther(old);
+        resetBitFlags();
+    } else if (byValue.count() > values)
         joinBits(uint(value));
     return true;
 }
@@ -114,7 +131,7 @@ bool ZEnum::remove(const ZSelector& name) {
     else
         byLowerName.remove(lower);
     byName.removeIndex(uint(at));
-    callByOther(value);
+    if (callByOther(value)) resetBitFlags();
     return true;
 }
 
@@ -127,21 +144,20 @@ bool ZEnum::remove(int value) {
     return true;
 }
 
-/// After a name of `value` has gone: its last other name is what it is called by, and without one it goes too. All
-/// maps are this table's own.
-void ZEnum::callByOther(int value) {
+/// After a name of `value` has gone: its last other name is what it is called by, and without one it goes too; answers
+/// whether it went. All maps are this table's own.
+bool ZEnum::callByOther(int value) {
     const int at = byValue.find(value);
-    if (at < 0) return;
+    if (at < 0) return false;
     const int* stays = std::as_const(byName).get(byValue.value(uint(at)).name);
-    if (stays && *stays == value) return;
+    if (stays && *stays == value) return false;
     for (uint i = byName.count(); i-- > 0;) {
         if (byName.value(i) != value) continue;
         const ZSelector& name = byName.key(i);
         byValue.set(value, ZEnumItem(name.lowerCase(), name, value));
-        return;
+        return false;
     }
-    byValue.removeIndex(uint(at));
-    resetBitFlags();
+    return byValue.removeIndex(uint(at));
 }
 
 void ZEnum::clear() {

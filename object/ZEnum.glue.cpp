@@ -5,8 +5,24 @@
 #include "object/ZEnumType.h"
 #include "object/glue.h"
 #include "text/ZString.h"
+#include "value/ZVArray.h"
 
 namespace orv::glue {
+
+template <> struct Table<ZEnumItem> : Declares<ZEnumItem> {
+    static constexpr MethodRow methods[] = {
+        ORV_CONSTRUCTOR(()),
+        ORV_CONSTRUCTOR((const ZSelector&, int)),
+        ORV_CONSTRUCTOR((const ZSelector&, const ZSelector&, int)),
+        ORV_CONSTRUCTOR((const ZEnumItem&)),
+        ORV_DESTRUCTOR(),
+        ORV_ADAPTER(ZSelector, name, (), const, [](const Self& item) { return item.name; }),
+        ORV_ADAPTER(ZSelector, lowerName, (), const, [](const Self& item) { return item.lowerName; }),
+        ORV_ADAPTER(int, value, (), const, [](const Self& item) { return item.value; }),
+        ORV_METHOD(int, compare, (const ZEnumItem&), const),
+    };
+    static constexpr ClassInfo info = {.kind = Kind::Structure, .flags = typePublic};
+};
 
 template <> struct Table<ZEnum> : Declares<ZEnum> {
     static constexpr MethodRow methods[] = {
@@ -16,6 +32,8 @@ template <> struct Table<ZEnum> : Declares<ZEnum> {
         ORV_CONSTRUCTOR((const ZEnum&)),
         ORV_METHOD(void, assign, (const ZEnum&), ),
         ORV_METHOD(bool, add, (const ZEnum&), ),
+        ORV_METHOD(bool, add, (const ZArrayT<ZEnumItem>&), ),
+        ORV_METHOD(bool, add, (const ZVArray&), ),
         ORV_METHOD(bool, add, (const ZSelector&), ),
         ORV_METHOD(bool, add, (const ZSelector&, int), ),
         ORV_METHOD(bool, remove, (const ZSelector&), ),
@@ -24,7 +42,9 @@ template <> struct Table<ZEnum> : Declares<ZEnum> {
         ORV_METHOD(bool, detach, (), ),
         ORV_METHOD(bool, isDetached, (), const),
         ORV_METHOD(int, value, (const ZSelector&), const),
+        ORV_METHOD(bool, value, (const ZSelector&, int*), const, "unsafe"),
         ORV_METHOD(int, valueLC, (const ZSelector&), const),
+        ORV_METHOD(bool, valueLC, (const ZSelector&, int*), const, "unsafe"),
         ORV_METHOD(ZSelector, name, (int), const),
         ORV_METHOD(ZSelector, nameLC, (int), const),
         ORV_METHOD(int, valueIndex, (int), const),
@@ -39,12 +59,15 @@ template <> struct Table<ZEnum> : Declares<ZEnum> {
         ORV_METHOD(ZArrayT<int>, values, (), const),
         ORV_METHOD(bool, enumNames, (ZArrayT<ZSelector>&), const),
         ORV_METHOD(bool, enumValues, (ZArrayT<int>&), const),
+        ORV_METHOD(ZArrayT<ZEnumItem>, items, (), const),
+        ORV_METHOD(bool, enumItems, (ZArrayT<ZEnumItem>&), const),
         ORV_METHOD(bool, isBitFlags, (), const),
         ORV_METHOD(void, resetBitFlags, (), ),
         ORV_METHOD(int, scan, (const ZSelector&, bool), const),
         ORV_METHOD(ZSelector, output, (int, bool), const),
         ORV_METHOD(int, resolve, (const ZString&), const),
         ORV_METHOD(int, resolve, (const ZSelector&), const),
+        ORV_STATIC(bool, enumValue, (const ZSelector&, int*), "unsafe"),
         ORV_STATIC(int, resolveEnum, (const ZString&)),
         ORV_STATIC(int, resolveEnum, (const ZSelector&)),
         ORV_METHOD(int, compare, (const ZEnum&), const),
@@ -57,4 +80,5 @@ template <> struct Table<ZEnum> : Declares<ZEnum> {
 
 } // namespace orv::glue
 
+ORV_DECLARE(ZEnumItem);
 ORV_DECLARE(ZEnum);

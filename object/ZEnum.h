@@ -4,6 +4,7 @@
 #include "core/ZHashMapT.h"
 #include "core/ZSelector.h"
 #include "object/forward.h"
+#include "value/forward.h"
 
 /// One name of an enumeration.
 struct ORV_API ZEnumItem {
@@ -49,6 +50,9 @@ public:
     /// All names of another table, with their values.
     bool add(const ZEnum& other);
     bool add(const ZArrayT<ZEnumItem>& items);
+    /// The same from an array of items, or, of names, one behind the other; of variants, each may be either. False for
+    /// anything else.
+    bool add(const ZVArray& items);
     /// With the value behind that of the name added last; 0 for the first.
     bool add(const ZSelector& name);
     /// False for an empty name too.
@@ -155,7 +159,7 @@ private:
     int resolveText(const char* text, int length) const;
     static int resolveFull(const char* text, int length);
     void joinBits(uint bits);
-    void callByOther(int value);
+    bool callByOther(int value);
     int step(int value, int by) const;
     ZSelector stepName(const ZSelector& name, int by) const;
 

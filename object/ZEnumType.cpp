@@ -2,12 +2,10 @@
 
 #include "core/construct.h"
 #include "object/ZMetaTypeData.h"
-#include "object/ZProperty.h"
 #include "object/glueRows.h"
 #include "object/ztype.h"
 #include "text/ZString.h"
 #include "text/number.h"
-#include "value/ZTypedPtr.h"
 #include "value/ZVariant.h"
 
 #include <cstring>
@@ -40,16 +38,14 @@ int signExtended(int value, uint size) { return size == 1 ? int8(value) : size =
 // Lifetime
 
 ZEnumType::ZEnumType(ZPackage* package, const ZSelector& name, const __ZPassMetaType* type, ZInternal* internal)
-    : ZMetaType(package, name, Enum, tagOf(type), internal) {
-    if (own) setSynthetic(true);
-}
+    : SyntheticType(package, name, Enum, tagOf(type), internal) {}
 ZEnumType::ZEnumType(ZPackage* package, const ZSelector& name, const ZArrayT<ZEnumItem>& items,
                      const __ZPassMetaType* type, ZInternal* internal)
     : ZEnumType(package, name, type, internal) {
     if (!add(items)) ZError::fail();
 }
 ZEnumType::ZEnumType(const ZEnumType* source, const __ZPassMetaType* type, ZInternal* internal)
-    : ZMetaType(source, tagOf(type), internal), row(source->row) {
+    : SyntheticType(source, tagOf(type), internal), row(source->row) {
     toolkit::EpochGuard guard;
     if (source->published.load() && !setData(source->data())) ZError::fail();
 }
@@ -293,6 +289,10 @@ bool ZEnumType::fromString(void* instance, const ZString& text) const {
     return true;
 }
 
+bool ZEnumType::toString(const void* instance, ZString& text) const {
+    return instance && text.setInt(valueOf(instance));
+}
+
 // Names as properties of a value
 
 bool ZEnumType::known(const ZSelector& name, int& value) const {
@@ -306,44 +306,29 @@ bool ZEnumType::isSet(const void* instance, int item) const {
     return isBitFlags() ? (value & item) == item : value == item;
 }
 
-uint ZEnumType::syntheticPropertyCount(const ZTypedPtr&) const {
+uint ZEnumType::fieldCount(const void*) const {
     toolkit::EpochGuard guard;
     return data().count();
 }
-bool ZEnumType::syntheticPropertyNames(const ZTypedPtr&, ZArrayT<ZSelector>& names) const { return this->names(names); }
-bool ZEnumType::hasSyntheticProperty(const ZTypedPtr&, const ZSelector& name) const {
-    int item;
-    return known(name, item);
-}
-ZMetaType* ZEnumType::getSyntheticPropertyType(const ZTypedPtr&, const ZSelector& name) const {
+ZMetaType* ZEnumType::fieldType(const void*, const ZSelector& name) const {
     int item;
     return known(name, item) ? ztype<bool>() : nullptr;
 }
-
-bool ZEnumType::syntheticProperty(const ZTypedPtr& typed, const ZSelector& name, ZProperty& found, bool resolve) const {
+ZVariant ZEnumType::readField(const void* instance, const ZSelector& name) const {
     int item;
-    if (!known(name, item)) return false;
-    ZFailGuard guard;
-    found = ZProperty(name, ztype<bool>(), ZProperty::Alias);
-    if (resolve && typed.instance) found.setValue(ZVariant(isSet(typed.instance, item)));
-    return !guard.rose();
+    return known(name, item) ? ZVariant(isSet(instance, item)) : ZVariant();
 }
-ZVariant ZEnumType::getSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name, bool) const {
-    int item;
-    return typed.instance && known(name, item) ? ZVariant(isSet(typed.instance, item)) : ZVariant();
-}
-
-bool ZEnumType::setSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name, const ZVariant& value, bool) const {
+bool ZEnumType::writeField(void* instance, const ZSelector& name, const ZVariant& value) const {
     bool on;
     int item;
-    if (!typed.instance || !known(name, item) || !value.toBool(&on)) return false;
-    const int old = valueOf(typed.instance);
+    if (!known(name, item) || !value.toBool(&on)) return false;
+    const int old = valueOf(instance);
     if (isBitFlags())
-        setValueOf(typed.instance, on ? old | item : old & ~item);
+        setValueOf(instance, on ? old | item : old & ~item);
     else if (on || old == item)
-        setValueOf(typed.instance, on ? item : 0);
+        setValueOf(instance, on ? item : 0);
     return true;
 }
-bool ZEnumType::clearSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name) const {
-    return setSyntheticProperty(typed, name, ZVariant(false), false);
+bool ZEnumType::clearField(void* instance, const ZSelector& name) const {
+    return writeField(instance, name, ZVariant(false));
 }

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "object/SyntheticType.h"
 #include "object/ZEnum.h"
-#include "object/ZMetaType.h"
 #include "toolkit/epoch.h"
 
 namespace orv {
@@ -18,7 +18,7 @@ struct EnumRow;
 /// Any thread may ask. A change publishes a new table; what was given out of the old one by reference holds as long as
 /// a `toolkit::EpochGuard` of the caller is open, or nobody changes the table. Operations that change it answer false,
 /// with the table as it was, without memory.
-class ORV_API ZEnumType : public ZMetaType {
+class ORV_API ZEnumType : public orv::SyntheticType {
 public:
     // Lifetime. As for metatypes; the size is that of an int.
 
@@ -29,7 +29,7 @@ public:
     explicit ZEnumType(const ZEnumType* source, const __ZPassMetaType* type = nullptr, ZInternal* internal = nullptr);
     explicit ZEnumType(const __ZPassMetaType* type = nullptr, ZInternal* internal = nullptr);
     /// A variant, see `getQualified`: it has the table of its main type.
-    ZEnumType(const ZSelector& name, ZEnumType* main) : ZMetaType(main, name) {}
+    ZEnumType(const ZSelector& name, ZEnumType* main) : SyntheticType(name, main) {}
     ~ZEnumType() override;
 
     /// The items of a declaration, which stays in memory as long as the type. They are read at the first demand.
@@ -84,21 +84,18 @@ public:
     using ZMetaType::fromString;
     /// Reads a number, a name, or several of both of bit flags; makes no selector.
     bool fromString(void* instance, const ZString& text) const override;
-    uint syntheticPropertyCount(const ZTypedPtr& typed) const override;
-    bool syntheticProperty(const ZTypedPtr& typed, const ZSelector& name, ZProperty& found,
-                           bool resolve) const override;
-    bool syntheticPropertyNames(const ZTypedPtr& typed, ZArrayT<ZSelector>& names) const override;
-    bool hasSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name) const override;
-    ZMetaType* getSyntheticPropertyType(const ZTypedPtr& typed, const ZSelector& name) const override;
-    ZVariant getSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name, bool expand) const override;
-    /// Clears its bits, or makes the value 0 if it is that one.
-    bool clearSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name) const override;
-    /// True sets the bits of the name, or the value; false is what `clearSyntheticProperty` does.
-    bool setSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name, const ZVariant& value,
-                              bool notify) const override;
+    /// The number, whatever the size.
+    bool toString(const void* instance, ZString& text) const override;
 
 protected:
     ZMetaType* makeVariant(const ZSelector& name) override;
+    bool fieldNames(const void*, ZArrayT<ZSelector>& names) const override { return this->names(names); }
+    uint fieldCount(const void* instance) const override;
+    ZMetaType* fieldType(const void* instance, const ZSelector& name) const override;
+    ZVariant readField(const void* instance, const ZSelector& name) const override;
+    /// True sets the bits of the name, or the value; false clears the bits, or makes the value 0 if it is that one.
+    bool writeField(void* instance, const ZSelector& name, const ZVariant& value) const override;
+    bool clearField(void* instance, const ZSelector& name) const override;
 
 private:
     /// The type itself, or the main type of a variant.

@@ -80,6 +80,7 @@ public:
     using Types = ZHashMapT<ZSelector, ZRetainKeyT<ZSelector, ZMetaType>>;
     using MethodTable = ZHashTreeT<ZSelector, ZMethodPtr>;
     using PropertyTable = ZHashTreeT<ZSelector, ZPropertyPtr>;
+    using SelectorGroups = ZHashMapT<ZSelector, ZKeyValueT<ZSelector, ZSelectorMap>>;
 
     // Lifetime. A constructor that runs out of memory raises a failure.
 
@@ -757,6 +758,7 @@ protected:
     bool copyBases(const orv::MetaTypeData& source);
     void enterPackage(ZPackage* package);
     void leaveMainType();
+    SelectorGroups allSelectorGroups() const;
     bool joinCategory(ZTypeCategory* category);
     bool rejoinCategory(ZTypeCategory* category);
     void dropCategories();

@@ -172,7 +172,8 @@ bool ZMetaType::addCategory(ZTypeCategory* category) {
     if (!category) return false;
     if (hasCategory(category)) return true;
     // What there is to be joined with.
-    if (!createTypes() || !createMethods() || !createProperties() || !createDispatch()) return false;
+    if (!createTypes() || !createMethods() || !createProperties() || !createDispatch() || !category->buildAll())
+        return false;
     CategoryLink link;
     link.name = category->selector();
     link.category = category;

@@ -1,5 +1,6 @@
 #include "core/ZSpinLock.h"
 #include "object/ZMetaTypeData.h"
+#include "object/ZTypeCategory.h"
 #include "object/packageTypes.h"
 
 // Names, option words, what follows from them, and the groups of selectors that a type declares.
@@ -210,15 +211,26 @@ ZMetaType* ZMetaType::storageAliasType() const { return storageAlias() ? aliased
 
 // Groups of selectors
 
+/// The groups of this type: its own, then those of its categories in their order.
+ZMetaType::SelectorGroups ZMetaType::allSelectorGroups() const {
+    SelectorGroups groups;
+    {
+        ZScopedReadLock held(own->change);
+        groups = own->selectorGroups;
+    }
+    for (ZTypeCategory* category : getCategories())
+        if (!category->collectSelectorGroups(groups)) ZError::fail();
+    return groups;
+}
 bool ZMetaType::selectorGroupNames(ZArrayT<ZSelector>& names) const {
-    ZScopedReadLock held(own->change);
-    for (const auto& group : own->selectorGroups)
+    ZFailGuard guard;
+    for (const auto& group : allSelectorGroups())
         if (!names.append(group.key())) return false;
-    return true;
+    return !guard.rose();
 }
 ZSelectorMap ZMetaType::selectorGroup(const ZSelector& name) const {
-    ZScopedReadLock held(own->change);
-    const ZSelectorMap* group = std::as_const(own->selectorGroups).get(name);
+    const SelectorGroups groups = allSelectorGroups();
+    const ZSelectorMap* group = groups.get(name);
     return group ? *group : ZSelectorMap();
 }
 bool ZMetaType::setSelectorGroup(const ZSelector& name, const ZSelectorMap& group) {
@@ -226,12 +238,9 @@ bool ZMetaType::setSelectorGroup(const ZSelector& name, const ZSelectorMap& grou
     return own->selectorGroups.set(name, group);
 }
 ZSelector ZMetaType::getNamedSelector(const ZSelector& name) const {
-    {
-        ZScopedReadLock held(own->change);
-        for (const auto& group : own->selectorGroups)
-            if (ZSelector found = group.value().get(name); !found.isEmpty()) return found;
-    }
     ZSelector found;
+    for (const auto& group : allSelectorGroups())
+        if (!(found = group.value().get(name)).isEmpty()) return found;
     orv::eachBase(this, [&](ZMetaType* base) { return (found = base->getNamedSelector(name)).isEmpty(); });
     return found.isEmpty() && mainType ? mainType->getNamedSelector(name) : found;
 }

@@ -138,6 +138,14 @@ bool ZTypeCategory::build(CallBack index, byte& state) {
     toolkit::storeRelease(state, done ? orv::tableBuilt : orv::tableUnbuilt);
     return done;
 }
+bool ZTypeCategory::buildAll() const {
+    const Nested nested(this);
+    for (const auto& category : nested.all)
+        if (!category->createTypes() || !category->createMethods() || !category->createProperties() ||
+            !category->createDispatch())
+            return false;
+    return nested.whole;
+}
 bool ZTypeCategory::createTypes() { return build(CreateTypes, states[CreateTypes]); }
 bool ZTypeCategory::createMethods() { return build(CreateMethods, states[CreateMethods]); }
 bool ZTypeCategory::createProperties() { return build(CreateProperties, states[CreateProperties]); }
@@ -235,6 +243,12 @@ ZMethod* ZTypeCategory::methodTypeBySelector(const ZSelector& sel, const ZSelect
     const ZMethodPtr* found = findMethod(table, sel, qualifier);
     return found ? found->get() : nullptr;
 }
+bool ZTypeCategory::calcMultiMethods() const {
+    const Nested nested(this);
+    for (const auto& category : nested.all)
+        if (!category->createMethods()) return false;
+    return nested.whole;
+}
 ZMethod* ZTypeCategory::findMultimethodType(int* distance, const ZSelector& name, const ZArrayT<ZMetaType*>& wanted,
                                             bool implicit, bool skipResult, bool exact,
                                             const ZSelector& qualifier) const {
@@ -288,6 +302,15 @@ bool ZTypeCategory::collectDispatch(DispatchTable& dispatch) const {
     for (const auto& category : nested.all)
         for (const ZMethodDispatch& entry : category->getDispatchTypes())
             if (!dispatch.add(entry)) return false;
+    return nested.whole;
+}
+bool ZTypeCategory::collectSelectorGroups(SelectorGroups& groups) const {
+    const Nested nested(this);
+    for (const auto& category : nested.all) {
+        ZScopedReadLock held(category->change);
+        for (const auto& group : category->selectorGroups)
+            if (!groups.haskey(group.key()) && !groups.set(group.key(), group.value())) return false;
+    }
     return nested.whole;
 }
 bool ZTypeCategory::extendTypes(ZMetaType* type) const {

@@ -23,6 +23,7 @@ public:
     using Names = ZArrayT<ZSelector>;
     using MethodTable = ZMetaType::MethodTable;
     using PropertyTable = ZMetaType::PropertyTable;
+    using SelectorGroups = ZMetaType::SelectorGroups;
     /// How deep categories may be nested.
     static constexpr int deepest = 64;
 
@@ -96,6 +97,8 @@ public:
     /// One of its own types; null if there is none.
     ZMetaType* findType(const ZSelector& name) const override;
     virtual ZMethod* methodTypeBySelector(const ZSelector& selector, const ZSelector& qualifier) const;
+    /// Builds the tables that `findMultimethodType` goes through.
+    bool calcMultiMethods() const override;
     /// The overload that fits best, of this category and those that come along; see `ZMetaType::multimethodType`.
     virtual ZMethod* findMultimethodType(int* distance, const ZSelector& name, const ZArrayT<ZMetaType*>& types,
                                          bool implicit, bool skipResult, bool exact, const ZSelector& qualifier) const;
@@ -106,6 +109,7 @@ public:
     virtual bool collectMethods(MethodTable& methods) const;
     virtual bool collectProperties(PropertyTable& properties) const;
     virtual bool collectDispatch(DispatchTable& dispatch) const;
+    virtual bool collectSelectorGroups(SelectorGroups& groups) const;
     /// Nested types and bases; ends at the first that the type refuses.
     virtual bool extendTypes(ZMetaType* type) const;
     virtual bool extendDispatch(ZMetaType* type) const;
@@ -116,7 +120,7 @@ public:
     /// Takes it out of all types that have it.
     void leaveTypes();
 
-    // Selector groups
+    // Selector groups, which an extended type has too
 
     virtual bool selectorGroupNames(Names& names) const;
     virtual ZSelectorMap selectorGroup(const ZSelector& name) const;
@@ -128,6 +132,8 @@ private:
 
     bool edit(Names& names, const ZSelector& name, bool add);
     bool build(CallBack index, byte& state);
+    /// All tables of this category and those that come along: builders run before a type's lock is taken.
+    bool buildAll() const;
     bool appendTo(MethodTable& table, ZMethod* method) const;
     static bool joinMethods(MethodTable& to, const MethodTable& from);
     /// Whether the type is one that has this category.
@@ -141,7 +147,7 @@ private:
     MethodTable methodTypes;
     PropertyTable propertyTypes;
     DispatchTable dispatchTypes;
-    ZHashMapT<ZSelector, ZKeyValueT<ZSelector, ZSelectorMap>> selectorGroups;
+    SelectorGroups selectorGroups;
     ZTypeCallback callbacks[CallBackCount] = {};
     byte states[CallBackCount] = {}; ///< orv::TableState of each table
     ZArrayT<ZMetaType*> extended;    ///< types that have it, not retained: each leaves when it ends

@@ -165,6 +165,14 @@ enum TypeFlags : uint {
     typePrimaryBase = TypeKinds::PrimaryBase,
 };
 
+/// What a type is made as, see object/metaClass.h.
+struct MetaClass {
+    /// With one reference beside the package's; null without memory.
+    ZMetaType* (*make)(ZPackage* package, const ZSelector& name, int kind, const ZArrayT<ZSelector>& bases);
+    /// Its own type, as far as that is there.
+    ZMetaType* (*type)();
+};
+
 /// What a class says of itself beside its lists.
 struct ClassInfo {
     Kind kind = Kind::Class;
@@ -179,6 +187,7 @@ struct ClassInfo {
     uint internalSize = 0, internalOffset = 0;
     bool dynamicInternal = false;
     bool (*initialize)(ZMetaType* type) = nullptr;
+    const MetaClass* meta = nullptr; ///< of the type itself; null for a plain `ZMetaType`
 };
 
 template <class R> struct List {

@@ -4,6 +4,7 @@
 #include "object/ZMethod.h"
 #include "object/ZPropertyPtr.h"
 #include "object/glueLife.h"
+#include "object/metaClass.h"
 #include "object/methodWords.h"
 #include "object/ztype.h"
 #include "toolkit/image.h"
@@ -129,7 +130,7 @@ bool createProperties(ZMetaType* type) {
 }
 
 bool addEnum(ZMetaType* owner, const EnumRow& row) {
-    auto type = zmake<ZEnumType>(nullptr, ZSelector(row.name), passType(ztype<ZMetaType>()));
+    auto type = zmake<ZEnumType>(nullptr, ZSelector(row.name), passType(ztype<ZEnumType>()));
     if (!type) return false;
     type->setSize(uint(row.size));
     type->setRow(&row);
@@ -137,6 +138,11 @@ bool addEnum(ZMetaType* owner, const EnumRow& row) {
     if (done) type->setPackage(owner->package());
     type->release();
     return done;
+}
+
+ZMetaType* newType(ZPackage* package, const ZSelector& name, const ClassRow& row, const ZArrayT<ZSelector>& bases) {
+    const MetaClass& meta = row.info->meta ? *row.info->meta : MetaClassOf<ZMetaType>::row;
+    return meta.make(package, name, int(row.info->kind), bases);
 }
 
 /// What a type has of its row, nested ones as well as those of packages.
@@ -149,8 +155,7 @@ bool addNested(ZMetaType* owner, const ClassRow& row) {
     ZArrayT<ZSelector> bases;
     for (const BaseRow& base : row.bases)
         if (!bases.append(ZSelector(base.name))) return false;
-    auto type = zmake<ZMetaType>(nullptr, ZSelector(name), ZMetaType::Type(row.info->kind), bases,
-                                 passType(ztype<ZMetaType>()));
+    ZMetaType* type = newType(nullptr, ZSelector(name), row, bases);
     if (!type) return false;
     const bool done = owner->addType(type) && fillType(type, row);
     if (done) {
@@ -237,13 +242,18 @@ ZMetaType* makeType(ZPackage* package, const ClassRow& row) {
     ZArrayT<ZSelector> bases;
     for (const BaseRow& base : row.bases)
         if (!bases.append(ZSelector(base.name))) return nullptr;
-    auto type = zmake<ZMetaType>(package, name, ZMetaType::Type(row.info->kind), bases, passType(ztype<ZMetaType>()));
+    ZMetaType* type = newType(package, name, row, bases);
     if (!type) return nullptr;
     const bool done = fillType(type, row);
     if (!done) package->unlinkType(type);
     // The package has its own reference.
     type->release();
     return done ? type : nullptr;
+}
+
+ZMetaType* typeOfType(const ZMetaType& type) {
+    const ClassRow* row = type.declaration();
+    return row && row->info->meta ? row->info->meta->type() : ztype<ZMetaType>();
 }
 
 } // namespace orv

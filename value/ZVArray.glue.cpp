@@ -5,10 +5,10 @@
 #include "object/ZDetachContext.h"
 #include "object/ZMetaType.h"
 #include "object/ZMethodRef.h"
-#include "object/glue.h"
 #include "text/ZBlendPos.h"
 #include "text/ZString.h"
 #include "value/ZVariant.h"
+#include "value/containerRows.h"
 
 namespace orv::glue {
 
@@ -95,6 +95,7 @@ template <> struct Table<ZVArray> : Declares<ZVArray> {
         ORV_METHOD(bool, blendFrom, (const ZVArray*, const ZVArray*, const ZBlendPos&), ),
         ORV_METHOD(ZString, toString, (), const),
         ORV_METHOD(bool, validString, (), const),
+        ORV_LOCK_ROWS,
     };
     static constexpr ClassInfo info = {.kind = Kind::Structure, .flags = typePublic | typeContainer, .indexLabel = 2};
 };

@@ -2,13 +2,15 @@
 
 #include "core/ZArrayT.h"
 #include "core/ZSelector.h"
+#include "object/ZDetachContext.h"
 #include "object/ZMetaType.h"
-#include "object/glue.h"
+#include "object/ZMethodRef.h"
 #include "text/ZString.h"
 #include "value/ZVArray.h"
 #include "value/ZVKeyMap.h"
 #include "value/ZVSelectMap.h"
 #include "value/ZVariant.h"
+#include "value/containerRows.h"
 
 namespace orv::glue {
 
@@ -37,7 +39,6 @@ template <> struct Table<ZVHashSet> : Declares<ZVHashSet> {
         ORV_METHOD(bool, contains, (const ZVHashSet&), const),
         ORV_METHOD(bool, contains, (const ZVArray&), const),
         ORV_METHOD(bool, hasSelector, (const ZSelector&), const),
-        ORV_METHOD(int, findValue, (const ZVariant&), const),
         ORV_METHOD(uint, usage, (const ZVariant&), const),
         ORV_METHOD(uint, usageAt, (int), const),
         ORV_METHOD(bool, matches, (const ZVHashSet&), const),
@@ -55,6 +56,7 @@ template <> struct Table<ZVHashSet> : Declares<ZVHashSet> {
         ORV_METHOD(int, compare, (const ZVHashSet&), const),
         ORV_METHOD(bool, matchValue, (const ZVHashSet&, real), const),
         ORV_METHOD(uint, hashKey, (), const),
+        ORV_VALUE_MAP_ROWS,
     };
     static constexpr ClassInfo info = {.kind = Kind::Structure, .flags = typePublic | typeContainer, .indexLabel = 3};
 };

@@ -2,11 +2,13 @@
 
 #include "core/ZArrayT.h"
 #include "core/ZSelector.h"
+#include "object/ZDetachContext.h"
 #include "object/ZMetaType.h"
-#include "object/glue.h"
+#include "object/ZMethodRef.h"
 #include "text/ZBlendPos.h"
 #include "value/ZVArray.h"
 #include "value/ZVariant.h"
+#include "value/containerRows.h"
 
 namespace orv::glue {
 
@@ -59,6 +61,8 @@ template <> struct Table<ZVKeyMap> : Declares<ZVKeyMap> {
         ORV_METHOD(bool, matchValue, (const ZVKeyMap&, real), const),
         ORV_METHOD(uint, hashKey, (), const),
         ORV_METHOD(bool, blendFrom, (const ZVKeyMap*, const ZVKeyMap*, const ZBlendPos&), ),
+        ORV_METHOD(int, findValue, (const ZVariant&, int), const),
+        ORV_VALUE_MAP_ROWS,
     };
     static constexpr ClassInfo info = {.kind = Kind::Structure, .flags = typePublic | typeContainer, .indexLabel = 5};
 };

@@ -2,10 +2,15 @@
 
 #include "core/ZArrayT.h"
 #include "core/ZSelector.h"
+#include "object/ZDetachContext.h"
 #include "object/ZMetaType.h"
-#include "object/glue.h"
+#include "object/ZMethodRef.h"
+#include "object/metaClass.h"
 #include "text/ZBlendPos.h"
+#include "value/ZVArray.h"
+#include "value/ZVSelectMapType.h"
 #include "value/ZVariant.h"
+#include "value/containerRows.h"
 
 namespace orv::glue {
 
@@ -51,8 +56,13 @@ template <> struct Table<ZVSelectMap> : Declares<ZVSelectMap> {
         ORV_METHOD(bool, matchValue, (const ZVSelectMap&, real), const),
         ORV_METHOD(uint, hashKey, (), const),
         ORV_METHOD(bool, blendFrom, (const ZVSelectMap*, const ZVSelectMap*, const ZBlendPos&), ),
+        ORV_METHOD(int, findValue, (const ZVariant&, int), const),
+        ORV_VALUE_MAP_ROWS,
     };
-    static constexpr ClassInfo info = {.kind = Kind::Structure, .flags = typePublic | typeContainer, .indexLabel = 4};
+    static constexpr ClassInfo info = {.kind = Kind::Structure,
+                                       .flags = typePublic | typeContainer,
+                                       .indexLabel = 4,
+                                       .meta = &MetaClassOf<ZVSelectMapType>::row};
 };
 
 } // namespace orv::glue

@@ -1,4 +1,5 @@
 #include "core/ZError.h"
+#include "object/ZEnumType.h"
 #include "object/ZMetaType.h"
 #include "object/ZObject.h"
 #include "object/kindValues.h"
@@ -74,14 +75,11 @@ bool readInteger(const ZVariant& variant, T* out, FromText fromText, FromName fr
 } // namespace
 
 int detail::enumNumber(const ZMetaType* type, const void* value) {
-    switch (type->byteSize()) {
-    case 1:
-        return plainAt<int8>(value);
-    case 2:
-        return plainAt<int16>(value);
-    default:
-        return plainAt<int>(value);
-    }
+    const uint size = type->byteSize();
+    if (ORV_LIKELY(size >= 4)) return plainAt<int>(value);
+    // The items tell which of them are negative.
+    if (const ZEnumType* items = type->enumType()) return items->valueOf(value);
+    return size == 1 ? plainAt<byte>(value) : plainAt<word>(value);
 }
 bool detail::setEnumNumber(const ZMetaType* type, void* value, large number) {
     const uint size = type->byteSize() < sizeof number ? type->byteSize() : sizeof number;

@@ -8,7 +8,9 @@ namespace orv {
 /// who share it, and goes with it. An empty container has no block, and these answer false then.
 template <class Container> class ContainerLocks {
 public:
-    bool makeLock(bool spinning, bool recursive) const { return makelock(block(), spinning, recursive); }
+    bool makeLock(bool spinning, bool recursive) const {
+        return makelock(const_cast<void*>(block()), spinning, recursive);
+    }
     bool lockable() const { return ::lockable(block()); }
     /// Whether this thread could take it alone now without waiting.
     bool canLock() const { return canlockmem(block()); }

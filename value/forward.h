@@ -11,3 +11,4 @@ class ZVArray;
 class ZVHashSet;
 class ZVKeyMap;
 class ZVSelectMap;
+class ZVSelectMapType;

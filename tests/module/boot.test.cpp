@@ -96,7 +96,8 @@ TEST_F(Boot, PackagesAreOpenAndTypesResolve) {
             EXPECT_EQ(found->getSize(), type->size) << type->name;
             EXPECT_EQ(found->baseCount(), type->bases.count) << type->name;
             for (int i = 0; i < found->baseCount(); ++i) EXPECT_NE(found->baseType(i), nullptr) << type->name;
-            EXPECT_EQ(found->type(), ztype<ZMetaType>()) << type->name;
+            const orv::glue::MetaClass* meta = type->info->meta;
+            EXPECT_EQ(found->type(), meta ? meta->type() : ztype<ZMetaType>()) << type->name;
             EXPECT_EQ(int(found->methodTypeCount()), type->methods.count) << type->name;
         }
     }

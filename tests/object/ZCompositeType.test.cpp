@@ -5,6 +5,7 @@
 #include "object/ztype.h"
 #include "tests/support/SelectorScope.h"
 #include "tests/support/TypeTest.h"
+#include "tests/support/invoke.h"
 #include "text/ZBlendPos.h"
 #include "text/ZString.h"
 #include "value/ZTypedPtr.h"
@@ -104,6 +105,21 @@ TEST_F(CompositeTest, MembersLieWithoutPadding) {
     EXPECT_FALSE(other->removeMember("d") || other->removeMemberByIndex(-1));
     EXPECT_TRUE(other->clearMember());
     EXPECT_EQ(other->getSize(), 0u);
+}
+
+TEST_F(CompositeTest, MembersAreAPropertyOfTheType) {
+    auto type = composite("Named", {{"a", ztype<int>()}});
+    ASSERT_EQ(type->type(), ztype<ZCompositeType>());
+    EXPECT_EQ(type->getPropertyCount("member"), 1);
+    EXPECT_EQ(type->getPropertyItem("member", ZSelector("a")).toObject(), ztype<int>());
+    ZVSelectMap members(ztype<ZMetaType*>());
+    for (const char* name : {"x", "y"}) EXPECT_TRUE(members.set(name, ZVariant(static_cast<ZType*>(ztype<double>()))));
+    EXPECT_TRUE(type->setProperty("member", ZVariant(ztype<ZVSelectMap>(), &members)));
+    EXPECT_EQ(type->getSize(), 16u);
+    const ZVariant held(static_cast<const ZType*>(type.get()));
+    EXPECT_EQ(invoke(held, "memberIndex", ZSelector("y")).toInt(), 1);
+    EXPECT_TRUE(invoke(held, "setMember", ZSelector("z"), static_cast<const ZType*>(ztype<byte>())).toBool());
+    EXPECT_EQ(type->getSize(), 17u);
 }
 
 TEST_F(CompositeTest, WhatCanNotBeAMemberIsRefused) {

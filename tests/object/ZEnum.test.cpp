@@ -1,8 +1,10 @@
 #include "object/ZEnum.h"
 
+#include "object/ztype.h"
 #include "tests/support/CoreScope.h"
 #include "tests/support/SelectorScope.h"
 #include "text/ZString.h"
+#include "value/ZVArray.h"
 
 #include <vector>
 
@@ -43,6 +45,15 @@ TEST_F(EnumTest, ValuesCountOnBehindTheLastAdded) {
     EXPECT_TRUE(data.add("top", 0x7FFFFFFF) && data.add("behind"));
     EXPECT_EQ(data.value("behind"), -0x7FFFFFFF - 1);
     EXPECT_FALSE(data.add(ZSelector()));
+    const ZEnumItem item("one", 40);
+    ZVArray rows(ztype<ZVariant>());
+    rows.append(ZVariant(ztype<ZEnumItem>(), &item));
+    rows.append(ZVariant(ZSelector("two")));
+    data.clear();
+    EXPECT_TRUE(data.add(rows) && data.add(ZVArray(ZString("x y"))) && data.add("z"));
+    EXPECT_EQ(print(data), "one=40 two=41 x=42 y=43 z=44");
+    rows.append(ZVariant(3));
+    EXPECT_FALSE(data.add(rows)) << "a number is no name";
     data.clear();
     EXPECT_TRUE(data.add("first"));
     EXPECT_EQ(print(data), "first=0");
@@ -141,6 +152,15 @@ TEST_F(EnumTest, FlagsAreFoundByPartialOverlap) {
     EXPECT_TRUE(data.isBitFlags());
     EXPECT_TRUE(data.add("a", 6) && data.add("c", 1));
     EXPECT_TRUE(data.isBitFlags()) << "the bit that a had counts no more";
+    // Where a name moves away from a value that keeps another one.
+    data = enumOf("Flags", {{"a", 1}, {"also", 1}});
+    EXPECT_TRUE(data.add("a", 3));
+    EXPECT_FALSE(data.isBitFlags());
+    EXPECT_TRUE(data.add("a", 2));
+    EXPECT_TRUE(data.isBitFlags());
+    EXPECT_TRUE(data.add("also", 3));
+    EXPECT_EQ(print(data), "a=2 also=3");
+    EXPECT_FALSE(data.isBitFlags());
 }
 
 TEST_F(EnumTest, ScansAndPrintsFlags) {

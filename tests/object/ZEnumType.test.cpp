@@ -5,6 +5,7 @@
 #include "object/ztype.h"
 #include "tests/support/SelectorScope.h"
 #include "tests/support/TypeTest.h"
+#include "tests/support/invoke.h"
 #include "text/ZString.h"
 #include "value/ZTypedPtr.h"
 #include "value/ZVariant.h"
@@ -92,6 +93,30 @@ TEST_F(EnumTypeTest, NamesOfAChoiceExcludeEachOther) {
     type->setValueOf(&small, -1);
     EXPECT_EQ(type->valueOf(&small), -1) << "a value of one byte may be a negative one";
     EXPECT_EQ(text(type->name(type->valueOf(&small))), "none");
+    ZVariant held(type.get(), &small);
+    EXPECT_EQ(held.toInt(), -1);
+    // One without a name is what its bits say; a value never reads beyond its bytes.
+    byte row[] = {200, 0xFF, 0xFF, 0xFF};
+    ZString printed;
+    EXPECT_TRUE(type->toString(row, printed));
+    EXPECT_EQ(text(ZSelector(printed)), "200");
+    held = ZVariant(type.get(), row);
+    EXPECT_EQ(held.toInt(), 200);
+}
+
+TEST_F(EnumTypeTest, DeclaredTypesAnswerByName) {
+    ZMetaType* flags = ZMetaType::find("ZMetaType::Flags");
+    ASSERT_TRUE(flags);
+    EXPECT_EQ(flags->type(), ztype<ZEnumType>());
+    ZVariant type(static_cast<const ZType*>(flags));
+    EXPECT_EQ(invoke(type, "value", ZSelector("Polymorphic")).toInt(), 4);
+    EXPECT_TRUE(invoke(type, "isBitFlags").toBool());
+    EXPECT_EQ(ztype<ZSelector>()->type()->getName(), ZSelector("ZSelectorType"));
+    // Made and filled by name.
+    const ZEnum none;
+    ZVariant names(ztype<ZEnum>(), &none);
+    EXPECT_TRUE(invoke(names, "add", ZSelector("a b"), 5).toBool());
+    EXPECT_EQ(invoke(invoke(invoke(names, "items"), "get", 0u), "value").toInt(), 5);
 }
 
 TEST_F(EnumTypeTest, TextsBecomeValues) {

@@ -70,6 +70,9 @@ TEST_F(CategoryTest, ATypeHasWhatItsCategoriesBringAsLongAsTheyAreThere) {
     ASSERT_TRUE(addMethod(*first, "int area()", &marks[0]) && addMethod(*second, "int area()", &marks[1]) &&
                 addMethod(*second, "int edge()", &marks[2]) && addProperty(*first, "note") &&
                 addProperty(*second, "note"));
+    ZSelectorMap shortcuts, own;
+    ASSERT_TRUE(shortcuts.set("a", "area") && own.set("e", "edge") && second->setSelectorGroup("short", shortcuts) &&
+                test.type->setSelectorGroup("own", own));
     Holder<ZEnumType> nested(zmake<ZEnumType>(nullptr, ZSelector("Mode")));
     ASSERT_TRUE(nested->add("Fast", 3) && first->addType(nested.get()));
 
@@ -83,6 +86,9 @@ TEST_F(CategoryTest, ATypeHasWhatItsCategoriesBringAsLongAsTheyAreThere) {
     EXPECT_EQ(markOf(type, "int edge()"), &marks[2]);
     EXPECT_TRUE(type.hasPropertyDef("note"));
     EXPECT_EQ(type.findType("Mode"), nested.get());
+    EXPECT_EQ(text(type.selectorGroup("short").get("a")), "area");
+    EXPECT_EQ(text(type.getNamedSelector("a")), "area");
+    EXPECT_EQ(text(type.getNamedSelector("e")), "edge");
 
     EXPECT_TRUE(type.removeCategory("First"));
     EXPECT_FALSE(type.hasCategory("First"));
@@ -92,6 +98,7 @@ TEST_F(CategoryTest, ATypeHasWhatItsCategoriesBringAsLongAsTheyAreThere) {
     EXPECT_TRUE(type.removeCategory());
     EXPECT_EQ(markOf(type, "int edge()"), nullptr);
     EXPECT_FALSE(type.hasPropertyDef("note"));
+    EXPECT_TRUE(type.getNamedSelector("a").isEmpty());
     EXPECT_FALSE(type.removeCategory("First"));
     EXPECT_FALSE(type.addCategory("Gone"));
 }
@@ -109,6 +116,11 @@ TEST_F(CategoryTest, CategoriesNestAlsoAcrossPackagesAndInCircles) {
     EXPECT_TRUE(test.type->addCategory(outer.get()));
     EXPECT_EQ(markOf(*test.type, "int inside()"), &marks[0]);
     EXPECT_EQ(markOf(*test.type, "int away()"), &marks[1]);
+    EXPECT_TRUE(outer->calcMultiMethods());
+    int distance = 7;
+    ZMethod* found =
+        outer->findMultimethodType(&distance, "away", ZArrayT<ZMetaType*>(), true, true, true, ZSelector());
+    EXPECT_TRUE(found && found->getContext() == &marks[1]);
     EXPECT_TRUE(test.package->removeCategory("Outer"));
     EXPECT_FALSE(test.type->hasCategory("Outer")) << "a category that goes leaves the types";
     EXPECT_EQ(markOf(*test.type, "int away()"), nullptr);
