@@ -8,18 +8,24 @@
 #include "value/ZVSelectMap.h"
 #include "value/ZVariant.h"
 
-/// One step deeper into what is detached; the outermost one is a detach of its own.
+/// An operation that detaches; the outermost one is a detach of its own. With `steps` 1 it goes into an instance or a
+/// container.
 class ZDetachContext::Level {
 public:
-    explicit Level(ZDetachContext& context) : context(context) { ++context.level; }
+    Level(ZDetachContext& context, int steps) : context(context), steps(steps) {
+        ++context.level;
+        context.depth += steps;
+    }
     ~Level() {
+        context.depth -= steps;
         if (--context.level == 0 && !context.keepsMap) context.map.clear();
     }
     Level(const Level&) = delete;
-    bool tooDeep() const { return context.level > deepest; }
+    bool tooDeep() const { return context.depth > deepest; }
 
 private:
     ZDetachContext& context;
+    const int steps;
 };
 
 ZDetachContext::ZDetachContext(const __ZPassMetaType* type, ZInternal* internal)
@@ -46,7 +52,7 @@ bool ZDetachContext::setDetached(const ZType* instance, ZType* made) {
 ZType* ZDetachContext::replacement(ZType* instance, bool copyShared) {
     if (!instance) return nullptr;
     if (ZType* known = detached(instance)) return known->retain();
-    Level deeper(*this);
+    Level deeper(*this, 1);
     if (deeper.tooDeep()) return nullptr;
     const bool copies = (copyShared || instance->isObject()) && instance->refcount() > 1;
     ZType* made = copies ? instance->detachCopy(this) : instance->retain();
@@ -59,13 +65,13 @@ ZType* ZDetachContext::replacement(ZType* instance, bool copyShared) {
 }
 
 ZType* ZDetachContext::detachType(ZType* instance) {
-    Level whole(*this);
+    Level whole(*this, 0);
     return replacement(instance, false);
 }
 
 bool ZDetachContext::detachHeld(ZType*& instance) {
     if (!instance) return true;
-    Level whole(*this);
+    Level whole(*this, 0);
     ZType* made = replacement(instance, true);
     if (!made) return false;
     ZType* old = instance;
@@ -75,23 +81,21 @@ bool ZDetachContext::detachHeld(ZType*& instance) {
 }
 
 template <class F> bool ZDetachContext::within(F&& detach) {
-    Level whole(*this);
+    Level whole(*this, 1);
     return !whole.tooDeep() && detach();
 }
 
 bool ZDetachContext::detachVariant(ZVariant& value) {
-    return within([&] {
-        ZType* instance = value.toType();
-        if (!instance) return value.detach() && value.deepDetach(this);
-        instance = instance->retain();
-        if (!instance) return false;
-        // The variant's reference would count as somebody else's.
-        value.clear();
-        const bool done = detachHeld(instance);
-        const bool kept = value.setType(instance);
-        instance->release();
-        return done && kept;
-    });
+    ZType* instance = value.toType();
+    if (!instance) return within([&] { return value.detach() && value.deepDetach(this); });
+    instance = instance->retain();
+    if (!instance) return false;
+    // The variant's reference would count as somebody else's.
+    value.clear();
+    const bool done = detachHeld(instance);
+    const bool kept = value.setType(instance);
+    instance->release();
+    return done && kept;
 }
 bool ZDetachContext::detachArray(ZVArray& values) {
     return within([&] { return values.deepDetach(this); });

@@ -7,7 +7,10 @@
 /// The state of one deep copy: what was already copied, so that two references to one object become references to one
 /// copy. A detach begins with the outermost call of an operation here, or with `startDetach`, and ends with it. It
 /// belongs to the thread that made it. Operations that answer a bool answer false without memory, and when values hold
-/// each other deeper than `depthLimit`; what is held then may in part be detached, with equal values.
+/// each other in more than `deepest` levels; what is held then may in part be detached, with equal values.
+///
+/// Of an instance, what its stored properties and its dynamic ones hold is detached, but for those with the flags
+/// `NoDetach` and `Linked`.
 class ORV_API ZDetachContext : public ZObject {
 public:
     static constexpr int deepest = 512;
@@ -62,6 +65,7 @@ private:
 
     Map map;
     ZObject* document = nullptr;
-    int level = 0;
+    int level = 0; ///< detaches that are open
+    int depth = 0; ///< instances and containers that the innermost one is in
     bool keepsMap = false;
 };

@@ -4,6 +4,7 @@
 #include "core/ZSelector.h"
 #include "core/ZSelectorMap.h"
 #include "module/ZPackage.h"
+#include "object/ZCompositeType.h"
 #include "object/ZEnumType.h"
 #include "object/ZObject.h"
 #include "object/ZPropertyRef.h"
@@ -132,6 +133,7 @@ template <> struct Table<ZMetaType> : Declares<ZMetaType> {
         ORV_METHOD(ZMetaType*, getQualified, (const ZSelector&), const),
         ORV_METHOD(ZMetaType*, findQualified, (const ZSelector&), const),
         ORV_METHOD(ZEnumType*, enumType, (), const),
+        ORV_METHOD(ZCompositeType*, compositeType, (), const),
         ORV_METHOD(ZSelector, nextEnumName, (const ZSelector&), const),
         ORV_METHOD(ZSelector, prevEnumName, (const ZSelector&), const),
         ORV_METHOD(int, nextEnumValue, (int), const),

@@ -1,3 +1,4 @@
+#include "object/ZDetachContext.h"
 #include "object/ZMetaTypeData.h"
 #include "object/ZProperty.h"
 #include "object/kindValues.h"
@@ -211,18 +212,49 @@ ZType* ZMetaType::blendType(const ZType* a, const ZType* b, const ZBlendPos& pos
 
 // Deep copies
 
+/// Makes what a property holds its own. An object has an identity: without somebody who maps old to new it stays the
+/// one it is.
+static bool deepDetachHeld(ZVariant& value, ZDetachContext* context) {
+    if (context) return context->detachVariant(value);
+    return value.mainType()->isZObject() || value.deepDetach();
+}
+/// Numbers and texts are nobody's but their holder's.
+static bool sharesNothing(const ZVariant& value) {
+    const ZMetaType* type = value.mainType();
+    return !type || type->kind() <= ZMetaType::Pointer;
+}
+
+static bool deepDetachDynamic(ZType& instance, ZDetachContext* context) {
+    ZType::DynamicProperties& tree = instance.getDynamicProperties();
+    if (tree.isEmpty()) return true;
+    ZArrayT<ZSelector> names;
+    if (!tree.detach() || !instance.dynamicPropertyNames(names)) return false;
+    for (const ZSelector& name : names) {
+        const ZPropertyPtr* known = tree.find(name);
+        const ZProperty* property = known ? known->property() : nullptr;
+        if (!property || (property->flags() & (ZProperty::NoDetach | ZProperty::Linked))) continue;
+        if (sharesNothing(property->value())) continue;
+        ZPropertyPtr* own = tree.edit(known);
+        ZProperty* record = own && own->detach() ? own->property()->retain() : nullptr;
+        if (!record) return false;
+        const bool done = deepDetachHeld(const_cast<ZVariant&>(record->value()), context);
+        record->release();
+        if (!done) return false;
+    }
+    return true;
+}
+
 bool ZMetaType::deepDetachProperties(void* instance, ZDetachContext* context) const {
     if (!instance) return false;
-    return eachStored(
+    const bool done = eachStored(
         this, ZProperty::NoDetach | ZProperty::ReadOnly | ZProperty::Linked, [&](const orv::StoredProperty& entry) {
             if (char* field = plainField(instance, entry))
                 return entry.property->value().type()->deepDetachInstance(field, context);
-            // An object has an identity: without somebody who maps old to new it stays the one it is.
             ZVariant value = readStored(this, instance, entry.property->name());
-            const ZMetaType* type = value.mainType();
-            if (!type || type->kind() <= Pointer || type->isZObject()) return true;
-            return value.deepDetach(context) && writeStored(this, instance, entry.property->name(), value);
+            if (sharesNothing(value) || (!context && value.mainType()->isZObject())) return true;
+            return deepDetachHeld(value, context) && writeStored(this, instance, entry.property->name(), value);
         });
+    return done && (typeKind < Dynamic || deepDetachDynamic(*asType(instance), context));
 }
 
 bool ZMetaType::deepDetachInstance(void* instance, ZDetachContext* context) const {

@@ -1,6 +1,7 @@
 #include "object/ZDetachContext.h"
 
 #include "object/ZMetaType.h"
+#include "object/ZProperty.h"
 #include "object/ztype.h"
 #include "tests/support/CoreScope.h"
 #include "value/ZVArray.h"
@@ -8,6 +9,7 @@
 #include "value/ZVariant.h"
 
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace {
 
@@ -63,6 +65,55 @@ TEST_F(ZDetachContextTest, OneCopyOfOneObject) {
     EXPECT_EQ(alone, object);
     EXPECT_EQ(object->refcount(), 1);
     object->release();
+}
+
+/// An object that holds another under "next".
+ZObject* holding(ZObject* next) {
+    ZObject* made = zmake<ZObject>();
+    if (next) { EXPECT_TRUE(made->setDynamicProperty("next", ZVariant(next), true)); }
+    return made;
+}
+ZObject* nextOf(ZObject* object) { return object->getProperty("next").toObject(); }
+
+TEST_F(ZDetachContextTest, ObjectsThatHoldEachOtherStayACircle) {
+    ZObject *first = holding(nullptr), *second = holding(first);
+    ASSERT_TRUE(first->setDynamicProperty("next", ZVariant(second), true));
+    ZVariant value(first);
+    ASSERT_TRUE(ZDetachContext::detachValue(value));
+    ZObject* copy = value.toObject();
+    ASSERT_TRUE(copy && nextOf(copy));
+    EXPECT_NE(copy, first);
+    EXPECT_NE(nextOf(copy), second);
+    EXPECT_EQ(nextOf(nextOf(copy)), copy);
+    EXPECT_EQ(nextOf(nextOf(first)), first);
+    // Nor are those with a flag that says so.
+    ASSERT_TRUE(first->addProperty(ZProperty("next", ZVariant(second), ZProperty::NoDetach)));
+    ZVariant other(first);
+    ASSERT_TRUE(ZDetachContext::detachValue(other));
+    EXPECT_EQ(nextOf(other.toObject()), second);
+    other.clear();
+    // Circles don't end by themselves.
+    for (ZObject* object : {copy, first}) EXPECT_TRUE(object->setDynamicProperty("next", ZVariant(), true));
+    value.clear();
+    second->release();
+    first->release();
+}
+
+TEST_F(ZDetachContextTest, WhatIsTooDeepIsRefused) {
+    for (int depth : {ZDetachContext::deepest / 4, ZDetachContext::deepest * 2}) {
+        ZObject* head = nullptr;
+        std::vector<ZObject*> all;
+        for (int i = 0; i < depth; ++i) all.push_back(head = holding(head));
+        ZVariant value(head);
+        const bool done = ZDetachContext::detachValue(value);
+        EXPECT_EQ(done, depth < ZDetachContext::deepest);
+        EXPECT_EQ(value.toObject() == head, !done);
+        value.clear();
+        while (!all.empty()) {
+            all.back()->release();
+            all.pop_back();
+        }
+    }
 }
 
 } // namespace
