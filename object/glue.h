@@ -271,8 +271,7 @@ template <class T> constexpr ClassRow makeRow() {
     ORV_CONTAINER_ACCESSORS(type, item, arg, name, Name), ORV_METHOD(item, name, (const key&), const),                 \
         ORV_METHOD(bool, set##Name, (const key&, arg), ), ORV_METHOD(key, name##Key, (int), const),                    \
         ORV_METHOD(int, name##Index, (const key&), const), ORV_METHOD(key, find##Name##Key, (arg), const),             \
-        ORV_METHOD(int, find##Name##Index, (arg), const), ORV_METHOD(bool, remove##Name, (const key&), ),              \
-        ORV_METHOD(bool, insert##Name, (const key&, arg), )
+        ORV_METHOD(int, find##Name##Index, (arg), const), ORV_METHOD(bool, remove##Name, (const key&), )
 
 // Properties
 
