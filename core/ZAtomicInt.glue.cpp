@@ -1,6 +1,7 @@
 #include "core/ZAtomicInt.h"
 
 #include "object/glue.h"
+#include "value/ZVariant.h"
 
 namespace orv::glue {
 
@@ -9,6 +10,7 @@ template <> struct Table<ZAtomicInt> : Declares<ZAtomicInt> {
         ORV_CONSTRUCTOR(()),
         ORV_CONSTRUCTOR((int)),
         ORV_CONSTRUCTOR((const ZAtomicInt&)),
+        ORV_CONSTRUCTOR((const ZVariant&)),
         ORV_METHOD(int, get, (), const),
         ORV_METHOD(int, add, (int), ),
         ORV_METHOD(int, compare, (const ZAtomicInt&), const),

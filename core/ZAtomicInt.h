@@ -8,6 +8,8 @@ public:
     constexpr ZAtomicInt() = default;
     constexpr ZAtomicInt(int value) : cell(value) {}
     ZAtomicInt(const ZAtomicInt& other) : cell(other.get()) {}
+    /// The int that the value reads as, see `ZVariant::toInt`.
+    ORV_API explicit ZAtomicInt(const ZVariant& value);
     ZAtomicInt& operator=(const ZAtomicInt& other) { return *this = other.get(); }
     ZAtomicInt& operator=(int value) {
         __atomic_store_n(&cell, value, __ATOMIC_RELEASE);

@@ -60,6 +60,7 @@ public:
     /// The names that the plugin directory holds under a kind, in its order; each as "kind/name" with `qualified`.
     /// Empty for an unknown kind, and without memory.
     static ZArrayT<ZSelector> getPlugins(const ZSelector& kind, bool qualified);
+    static ZVArray plugins(const ZSelector& kind, bool qualified);
 
     // Switches of the current instance; while there is none, locking is allowed and the others are off
 

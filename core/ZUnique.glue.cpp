@@ -1,6 +1,7 @@
 #include "core/ZUnique.h"
 
 #include "object/glue.h"
+#include "value/ZVariant.h"
 
 namespace orv::glue {
 
@@ -9,6 +10,7 @@ template <> struct Table<ZUnique> : Declares<ZUnique> {
         ORV_CONSTRUCTOR(()),
         ORV_CONSTRUCTOR((const int&)),
         ORV_CONSTRUCTOR((const ZUnique&)),
+        ORV_CONSTRUCTOR((const ZVariant&)),
         ORV_DESTRUCTOR(),
         ORV_METHOD(void, assign, (const ZUnique&), ),
         ORV_METHOD(void, clear, (), ),

@@ -17,6 +17,8 @@ public:
     /// None, whatever the number: for places that get their value later.
     explicit ZUnique(const int&) : id(0) {}
     ZUnique(const ZUnique& other);
+    /// The one that the value is; none for any other value.
+    explicit ZUnique(const ZVariant& value);
     ZUnique(ZUnique&& other) noexcept : id(other.id) { other.id = 0; }
     ~ZUnique() { clear(); }
     ZUnique& operator=(const ZUnique& other) {

@@ -1,6 +1,7 @@
 #include "module/packages.h"
 
 #include "object/primitives.h"
+#include "value/ZSampleTime.h"
 
 // A type that is declared in `<Class>.glue.cpp` enters its package by one line here, behind its bases. Packages are
 // opened in the order of the last list.
@@ -31,13 +32,15 @@ constexpr const ClassRow* baseTypes[] = {
     &Row<ZStringPair>::row, &Row<ZInteger>::row,  &Row<ZCharBuffer>::row, &Row<ZRange>::row,      &Row<ZTime>::row,
     &Row<ZDateTime>::row,   &Row<ZBlendPos>::row, &Row<ZFileName>::row,   &Row<ZFileInfo>::row,   &Row<ZTypedPtr>::row,
     &Row<ZVariant>::row,    &Row<ZVArray>::row,   &Row<ZVHashSet>::row,   &Row<ZVSelectMap>::row, &Row<ZVKeyMap>::row,
+    &Row<ZSampleTime>::row,
 };
 
 constexpr const ClassRow* objectTypes[] = {
-    &Row<ZType>::row,           &Row<ZObject>::row,        &Row<ZMetaType>::row,     &Row<ZEnumItem>::row,
-    &Row<ZEnum>::row,           &Row<ZMethod>::row,        &Row<ZMethodRef>::row,    &Row<ZMethodDispatch>::row,
-    &Row<ZPropertyRef>::row,    &Row<ZDetachContext>::row, &Row<ZEnumType>::row,     &Row<ZSelectorType>::row,
-    &Row<ZVSelectMapType>::row, &Row<ZCompositeType>::row, &Row<ZTypeCategory>::row, &Row<ZPackage>::row,
+    &Row<ZType>::row,           &Row<ZObject>::row,          &Row<ZMetaType>::row,     &Row<ZEnumItem>::row,
+    &Row<ZEnum>::row,           &Row<ZMethod>::row,          &Row<ZMethodRef>::row,    &Row<ZMethodDispatch>::row,
+    &Row<ZPropertyRef>::row,    &Row<ZDetachContext>::row,   &Row<ZEnumType>::row,     &Row<ZSelectorType>::row,
+    &Row<ZVSelectMapType>::row, &Row<ZCompositeType>::row,   &Row<ZTypeCategory>::row, &Row<ZPackage>::row,
+    &Row<ZUnknownData>::row,    &Row<ZVariantDelegate>::row,
 };
 
 constexpr const char* ztlUses[] = {"orv.core.base", "orv.core.object"};

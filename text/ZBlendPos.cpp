@@ -66,13 +66,14 @@ ZBlendPos::ZBlendPos(BlendRecord* native) : record(retain(native)) {
 }
 
 ZBlendPos::ZBlendPos(const ZBlendPos& other)
-    : above(other.above), colours(other.colours), record(retain(other.record)), position(other.position),
-      base(other.base), flags(other.flags) {}
+    : type(other.type), above(other.above), colours(other.colours), record(retain(other.record)),
+      position(other.position), base(other.base), flags(other.flags) {}
 
 ZBlendPos& ZBlendPos::operator=(const ZBlendPos& other) {
     BlendRecord* old = record;
     record = retain(other.record);
     zrelease(old);
+    type = other.type;
     above = other.above;
     colours = other.colours;
     position = other.position;

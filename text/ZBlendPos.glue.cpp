@@ -1,6 +1,7 @@
 #include "text/ZBlendPos.h"
 
 #include "core/ZSelector.h"
+#include "object/ZMetaType.h"
 #include "object/glue.h"
 
 namespace orv::glue {
@@ -19,6 +20,7 @@ template <> struct Table<ZBlendPos> : Declares<ZBlendPos> {
         ORV_METHOD(void, setBlendFlags, (uint), ),
         ORV_METHOD(bool, perceptual, (), const),
         ORV_METHOD(void, setPerceptual, (bool), ),
+        ORV_METHOD(ZMetaType*, metaType, (), const),
         ORV_METHOD(int, count, (), const),
         ORV_METHOD(bool, setCount, (int), ),
         ORV_METHOD(bool, setName, (int, const ZSelector&), ),

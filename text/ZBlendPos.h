@@ -3,6 +3,8 @@
 #include "core/ZSelector.h"
 #include "text/forward.h"
 
+class ZType;
+
 namespace orv {
 
 /// What a blend position hands to the code that blends: two positions, data of the caller's that stay the caller's, and
@@ -70,6 +72,8 @@ public:
     /// Colours are blended as they are seen.
     bool perceptual() const { return flags & Perceptual; }
     void setPerceptual(bool on) { flags = on ? flags | Perceptual : flags & ~uint(Perceptual); }
+    /// The type of the value that is blended; null if nobody said.
+    ZMetaType* metaType() const { return type; }
     /// The position of the value that this one's is a part of.
     const ZBlendPos* parent() const { return above; }
     void setParent(const ZBlendPos* position) { above = position; }
@@ -79,6 +83,11 @@ public:
 
     // Parts
 
+    /// The position for a part of a type, of the value that is blended here: this one is its parent, which has to
+    /// outlive it.
+    ZBlendPos create(ZMetaType* type) const;
+    /// The same for an instance.
+    ZBlendPos create(const ZType* instance) const;
     int count() const { return record ? record->count : 0; }
     /// New parts have neither a name nor a position of their own.
     bool setCount(int count);
@@ -113,6 +122,7 @@ private:
     bool own();
     const orv::BlendRecord* part(int index) const;
 
+    ZMetaType* type = nullptr;
     const ZBlendPos* above = nullptr;
     void* colours = nullptr;
     orv::BlendRecord* record = nullptr;

@@ -4,6 +4,7 @@
 #include "core/ZSelector.h"
 #include "object/glue.h"
 #include "text/ZString.h"
+#include "value/ZVArray.h"
 
 namespace orv::glue {
 
@@ -16,6 +17,8 @@ template <> struct Table<ZCharBuffer> : Declares<ZCharBuffer> {
         ORV_CONSTRUCTOR((const ZArrayT<int>&)),
         ORV_CONSTRUCTOR((const ZArrayT<float>&, int)),
         ORV_CONSTRUCTOR((const ZArrayT<real>&, int)),
+        ORV_CONSTRUCTOR((const ZVArray&, int)),
+        ORV_CONSTRUCTOR((const ZVArray&)),
         ORV_DESTRUCTOR(),
         ORV_METHOD(bool, initialize, (int), ),
         ORV_METHOD(int, dpos, (), const),
@@ -58,6 +61,9 @@ template <> struct Table<ZCharBuffer> : Declares<ZCharBuffer> {
         ORV_METHOD(ZArrayT<int>, scanInt, (int), ),
         ORV_METHOD(ZArrayT<float>, scanFloat, (int), ),
         ORV_METHOD(ZArrayT<real>, scanReal, (int), ),
+        ORV_METHOD(ZVArray, scanIntArray, (int), ),
+        ORV_METHOD(ZVArray, scanFloatArray, (int), ),
+        ORV_METHOD(ZVArray, scanRealArray, (int), ),
         ORV_METHOD(int, scanBlock, (), ),
         ORV_METHOD(ZString, string, (), const),
         ORV_METHOD(ZString, stringFromPos, (), const),

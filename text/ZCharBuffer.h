@@ -29,6 +29,9 @@ public:
     ZCharBuffer(const ZArrayT<float>& numbers, int precision);
     ZCharBuffer(const ZArrayT<real>& numbers, int precision);
     ZCharBuffer(const uint* numbers, int count, int radix);
+    ZCharBuffer(const ZVArray& numbers, int precision);
+    /// The items' texts with a blank between; reals with a precision of 6.
+    explicit ZCharBuffer(const ZVArray& items);
     ~ZCharBuffer() { zfree(buffer); }
     ZCharBuffer(const ZCharBuffer&) = delete;
     ZCharBuffer& operator=(const ZCharBuffer&) = delete;
@@ -158,6 +161,9 @@ public:
     ZArrayT<int> scanInt(int radix);
     ZArrayT<float> scanFloat(int decimal);
     ZArrayT<real> scanReal(int decimal);
+    ZVArray scanIntArray(int radix);
+    ZVArray scanFloatArray(int decimal);
+    ZVArray scanRealArray(int decimal);
     /// Turns hexadecimal text from the position on into bytes, from the start of the buffer on, and goes behind them.
     /// Other characters are passed; two digits make a byte, a lone last one is dropped. Answers the bytes.
     int scanBlock();

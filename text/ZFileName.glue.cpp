@@ -9,52 +9,21 @@
 #include "text/ZString.h"
 #include "text/ZTime.h"
 #include "value/ZVArray.h"
-#include "value/ZVariant.h"
 
-namespace {
-
-/// What a scan finds, as items of an array that knows its type at run time; one without a type takes theirs.
-template <class Item, class Scan> bool scanInto(ZVArray& found, Scan scan) {
-    ZArrayT<Item> items;
-    if (!found.hasType() && !found.setType(ztype<Item>())) return false;
-    const bool done = scan(items);
-    for (const Item& item : std::as_const(items))
-        if (!found.append(ZVariant(ztype<Item>(), &item))) return false;
-    return done;
-}
-
-} // namespace
-
-// A scan of this folder, of another one and of several, for both kinds of arrays. Behind the name and what is found:
-// its other parameters.
-#define ORV_SCAN(name, Item, ...)                                                                                      \
+// A scan of this folder, of another one and of several. Behind the name and what is found: its other parameters.
+#define ORV_SCAN_INTO(Found, name, ...)                                                                                \
     ORV_ADAPTER(                                                                                                       \
-        bool, name, (ZArrayT<Item>&, __VA_ARGS__), const,                                                              \
-        [](const Self& at, auto&&... given) { return at.name(given...); }, "sb1"),                                     \
+        bool, name, (Found&, __VA_ARGS__), const, [](const Self& at, auto&&... given) { return at.name(given...); },   \
+        "sb1"),                                                                                                        \
         ORV_STATIC_ADAPTER(                                                                                            \
-            bool, name, (ZArrayT<Item>&, const ZString&, __VA_ARGS__),                                                 \
-            [](auto&&... given) { return Self::name(given...); }, "sb1"),                                              \
-        ORV_STATIC_ADAPTER(                                                                                            \
-            bool, name, (ZArrayT<Item>&, const ZArrayT<ZString>&, __VA_ARGS__),                                        \
-            [](auto&&... given) { return Self::name(given...); }, "sb1"),                                              \
-        ORV_ADAPTER(                                                                                                   \
-            bool, name, (ZVArray&, __VA_ARGS__), const,                                                                \
-            [](const Self& at, ZVArray& found, auto&&... given) {                                                      \
-                return scanInto<Item>(found, [&](auto& items) { return at.name(items, given...); });                   \
-            },                                                                                                         \
+            bool, name, (Found&, const ZString&, __VA_ARGS__), [](auto&&... given) { return Self::name(given...); },   \
             "sb1"),                                                                                                    \
         ORV_STATIC_ADAPTER(                                                                                            \
-            bool, name, (ZVArray&, const ZString&, __VA_ARGS__),                                                       \
-            [](ZVArray& found, auto&&... given) {                                                                      \
-                return scanInto<Item>(found, [&](auto& items) { return Self::name(items, given...); });                \
-            },                                                                                                         \
-            "sb1"),                                                                                                    \
-        ORV_STATIC_ADAPTER(                                                                                            \
-            bool, name, (ZVArray&, const ZArrayT<ZString>&, __VA_ARGS__),                                              \
-            [](ZVArray& found, auto&&... given) {                                                                      \
-                return scanInto<Item>(found, [&](auto& items) { return Self::name(items, given...); });                \
-            },                                                                                                         \
-            "sb1")
+            bool, name, (Found&, const ZArrayT<ZString>&, __VA_ARGS__),                                                \
+            [](auto&&... given) { return Self::name(given...); }, "sb1")
+// The same into both kinds of arrays.
+#define ORV_SCAN(name, Item, ...)                                                                                      \
+    ORV_SCAN_INTO(ZArrayT<Item>, name, __VA_ARGS__), ORV_SCAN_INTO(ZVArray, name, __VA_ARGS__)
 
 namespace orv::glue {
 

@@ -274,6 +274,31 @@ public:
     static bool scanFileInfo(Infos& found, const Names& starts, bool recurse, const Names& extensions = {},
                              const Filter& filter = {});
 
+    // The same into arrays of texts, and of `ZFileInfo`
+
+    bool scan(ZVArray& found, bool recurse, bool folders, const Names& extensions = {},
+              const Filter& filter = {}) const;
+    static bool scan(ZVArray& found, const ZString& folder, bool recurse, bool folders, const Names& extensions = {},
+                     const Filter& filter = {});
+    static bool scan(ZVArray& found, const Names& starts, bool recurse, bool folders, const Names& extensions = {},
+                     const Filter& filter = {});
+    bool scanFiles(ZVArray& found, bool recurse, const Names& extensions = {}, const Filter& filter = {}) const;
+    static bool scanFiles(ZVArray& found, const ZString& folder, bool recurse, const Names& extensions = {},
+                          const Filter& filter = {});
+    static bool scanFiles(ZVArray& found, const Names& starts, bool recurse, const Names& extensions = {},
+                          const Filter& filter = {});
+    bool scanInfo(ZVArray& found, bool recurse, bool folders, const Names& extensions = {},
+                  const Filter& filter = {}) const;
+    static bool scanInfo(ZVArray& found, const ZString& folder, bool recurse, bool folders,
+                         const Names& extensions = {}, const Filter& filter = {});
+    static bool scanInfo(ZVArray& found, const Names& starts, bool recurse, bool folders, const Names& extensions = {},
+                         const Filter& filter = {});
+    bool scanFileInfo(ZVArray& found, bool recurse, const Names& extensions = {}, const Filter& filter = {}) const;
+    static bool scanFileInfo(ZVArray& found, const ZString& folder, bool recurse, const Names& extensions = {},
+                             const Filter& filter = {});
+    static bool scanFileInfo(ZVArray& found, const Names& starts, bool recurse, const Names& extensions = {},
+                             const Filter& filter = {});
+
 private:
     enum class Step { Done, Top, NoMemory };
     Step stepUp();

@@ -5,6 +5,7 @@
 #include "object/glue.h"
 #include "text/ZChar.h"
 #include "text/ZStringArg.h"
+#include "value/ZVArray.h"
 
 namespace orv::glue {
 
@@ -159,6 +160,24 @@ template <> struct Table<ZString> : Declares<ZString> {
         ORV_METHOD(uint, hashKey, (), const),
         ORV_METHOD(uint, stringHash, (), const),
         ORV_METHOD(uint, textHash, (), const),
+        ORV_METHOD(bool, execXResA, (const ZArrayT<ZVariant>&), ),
+        ORV_METHOD(bool, execXResA, (uint, const ZArrayT<ZVariant>&), ),
+        ORV_METHOD(bool, execResAArg, (const ZVArray&), ),
+        ORV_METHOD(bool, execResAArg, (uint, const ZVArray&), ),
+        ORV_METHOD(bool, execXResW, (const ZArrayT<ZVariant>&), ),
+        ORV_METHOD(bool, execXResW, (uint, const ZArrayT<ZVariant>&), ),
+        ORV_METHOD(bool, execResWArg, (const ZVArray&), ),
+        ORV_METHOD(bool, execResWArg, (uint, const ZVArray&), ),
+        ORV_METHOD(bool, execXResI, (const ZArrayT<ZVariant>&), ),
+        ORV_METHOD(bool, execXResI, (uint, const ZArrayT<ZVariant>&), ),
+        ORV_METHOD(bool, execResIArg, (const ZVArray&), ),
+        ORV_METHOD(bool, execResIArg, (uint, const ZVArray&), ),
+        ORV_STATIC(ZString, createParamType, (const ZVArray&)),
+        ORV_METHOD(ZVArray, separate, (), const),
+        ORV_METHOD(ZVArray, separate, (uint, bool), const),
+        ORV_METHOD(ZVArray, separate, (const ZString&, bool), const),
+        ORV_METHOD(ZVArray, separateString, (const ZString&, bool), const),
+        ORV_STATIC(ZString, combineNames, (const ZVArray&)),
     };
     static constexpr EnumItemRow typeItems[] = {ORV_ITEM(Type, Internal), ORV_ITEM(Type, Char), ORV_ITEM(Type, WChar),
                                                 ORV_ITEM(Type, IChar)};

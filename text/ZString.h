@@ -360,6 +360,22 @@ public:
     bool execResAArg(uint code, const ZStringArg* values, int count);
     bool execResWArg(uint code, const ZStringArg* values, int count);
     bool execResIArg(uint code, const ZStringArg* values, int count);
+    /// Integers, reals, texts and names stand for themselves; other values give no text.
+    bool execXResA(const ZArrayT<ZVariant>& values);
+    bool execXResW(const ZArrayT<ZVariant>& values);
+    bool execXResI(const ZArrayT<ZVariant>& values);
+    bool execXResA(uint code, const ZArrayT<ZVariant>& values);
+    bool execXResW(uint code, const ZArrayT<ZVariant>& values);
+    bool execXResI(uint code, const ZArrayT<ZVariant>& values);
+    bool execResAArg(const ZVArray& values);
+    bool execResWArg(const ZVArray& values);
+    bool execResIArg(const ZVArray& values);
+    bool execResAArg(uint code, const ZVArray& values);
+    bool execResWArg(uint code, const ZVArray& values);
+    bool execResIArg(uint code, const ZVArray& values);
+    /// The letters that stand for the values in `types`.
+    static ZString createParamType(const ZArrayT<ZVariant>& values);
+    static ZString createParamType(const ZVArray& values);
 
     // Tidying. Codes are code points.
 

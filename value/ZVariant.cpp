@@ -5,6 +5,7 @@
 #include "object/ZMetaType.h"
 #include "object/ZObject.h"
 #include "object/kindValues.h"
+#include "toolkit/thread.h"
 #include "value/ZTypedPtr.h"
 #include "value/variantTypes.h"
 
@@ -28,6 +29,58 @@ const void* pointerAt(const void* place) {
     std::memcpy(&pointer, place, sizeof pointer);
     return pointer;
 }
+
+/// Whether values of the type are numbers, and equal ones have this very type.
+bool isNumber(const ZMetaType* type) {
+    return type && isNumberKind(type->kind()) && type->mainOrSelf() == type && type->byteSize() <= sizeof(ularge);
+}
+template <class T> ularge widened(const void* value) {
+    T bytes;
+    std::memcpy(&bytes, value, sizeof bytes);
+    return bytes;
+}
+/// The bytes of a number, and zeros: to be stored at once, since a load of more than was stored last has to wait.
+ularge numberBytes(const void* value, uint size) {
+    return size == 4   ? widened<uint>(value)
+           : size == 8 ? widened<ularge>(value)
+           : size == 1 ? widened<byte>(value)
+                       : widened<word>(value);
+}
+
+/// Values hold values, to any depth: so deep inside of the release of another one, a value waits until the outermost
+/// is done.
+class ReleaseLevel {
+public:
+    static void release(ZMetaType* type, void* instance) {
+        if (ORV_UNLIKELY(depth >= deepest && wait(type, instance))) return;
+        ++depth;
+        type->directInstanceRelease(instance);
+        while (ORV_UNLIKELY(depth == 1 && waiting)) {
+            Waiting* next = std::exchange(waiting, waiting->next);
+            next->type->directInstanceRelease(next->instance);
+            zfree(next);
+        }
+        --depth;
+    }
+
+private:
+    struct Waiting {
+        ZMetaType* type;
+        void* instance;
+        Waiting* next;
+    };
+    static constexpr int deepest = 256;
+    static inline ORV_THREAD_LOCAL int depth = 0;
+    static inline ORV_THREAD_LOCAL Waiting* waiting = nullptr;
+
+    /// False without memory: then it is released where it is.
+    static bool wait(ZMetaType* type, void* instance) {
+        void* memory = __zalloc(sizeof(Waiting));
+        if (!memory) return false;
+        waiting = ::new (memory) Waiting{type, instance, waiting};
+        return true;
+    }
+};
 
 bool isConstText(ZMetaType* type) {
     return type->kind() == ZMetaType::Pointer && type->mainOrSelf()->kind() == ZMetaType::Char &&
@@ -171,7 +224,7 @@ void ZVariant::release() {
     forget();
     if (!pointer) return;
     if (ZMetaType* held = detail::pointedType(type))
-        held->directInstanceRelease(pointer);
+        ReleaseLevel::release(held, pointer);
     else
         zfree(pointer);
 }
@@ -349,6 +402,13 @@ bool ZVariant::setValue(ZMetaType* type, const ZString& text) {
     return done;
 }
 bool ZVariant::setValue(ZMetaType* type, const void* value, bool copy, bool dereference) {
+    if (ORV_LIKELY(value && !dereference && isNumber(type))) {
+        const ularge number = numberBytes(value, type->byteSize()); // may stand in this variant
+        clear();
+        typeBits = reinterpret_cast<uintptr_t>(type) | inside;
+        std::memcpy(data, &number, sizeof number);
+        return true;
+    }
     if (dereference && value) value = pointerAt(value);
     ZMetaType* kept = detail::variantType(type);
     const bool byPointer = !kept || kept->kind() == ZMetaType::Pointer || kept->holdsZType();
@@ -390,100 +450,6 @@ bool ZVariant::resetType() {
     return true;
 }
 
-// Type
-
-ZMetaType* ZVariant::mainType() const {
-    ZMetaType* type = this->type();
-    if (!type) return nullptr;
-    if (type->kind() < ZMetaType::Pointer) return type;
-    if (type->kind() == ZMetaType::Pointer) {
-        if (type->getPtrCount() != 1) return type;
-        ZMetaType* main = type->mainOrSelf();
-        if (main->holdsZType() && refcount(held()) > 0)
-            if (ZMetaType* actual = static_cast<ZType*>(held())->type()) return actual;
-        return main;
-    }
-    return type->isLocalType() ? type : type->mainOrSelf();
-}
-ZMetaType* ZVariant::valueType() const {
-    ZMetaType* type = this->type();
-    if (!type || type->kind() < ZMetaType::Pointer) return type;
-    ZMetaType* own = detail::pointedType(type);
-    if (own && own->holdsZType() && refcount(held()) > 0)
-        if (ZMetaType* actual = static_cast<ZType*>(held())->type()) return actual;
-    return own;
-}
-int ZVariant::typeType() const {
-    ZMetaType* main = mainType();
-    return main ? main->kind() : ZMetaType::Unknown;
-}
-ZSelector ZVariant::typeName() const {
-    ZMetaType* main = mainType();
-    return main ? main->getName() : ZSelector();
-}
-ZSelector ZVariant::typeLabel() const {
-    ZMetaType* main = mainType();
-    return main ? main->nameLabel() : ZSelector();
-}
-int ZVariant::typeIndexLabel() const {
-    ZMetaType* main = mainType();
-    return main ? main->indexLabel() : ZMetaType::NoLabel;
-}
-ZSelector ZVariant::typeSelector() const {
-    ZMetaType* main = mainType();
-    return main ? main->typeSelector() : ZSelector();
-}
-ZMetaType* ZVariant::primaryBase() const {
-    ZMetaType* main = mainType();
-    return main ? main->primaryBase() : nullptr;
-}
-bool ZVariant::isType(const ZMetaType* wanted) const {
-    ZMetaType* main = mainType();
-    if (!main || !wanted) return false;
-    if (main == wanted) return true;
-    ZMetaType* data = main->getDataType();
-    return data && (data == wanted || data->isBase(wanted));
-}
-bool ZVariant::isType(const ZSelector& name) const {
-    ZMetaType* main = mainType();
-    if (!main || name.isEmpty()) return false;
-    if (main->getName() == name) return true;
-    ZMetaType* data = main->getDataType();
-    return data && (data->getName() == name || data->isBase(name));
-}
-bool ZVariant::isNullData() const {
-    const void* value = getPtr();
-    if (!value) return true;
-    ZMetaType* data = valueType();
-    if (!data) return false;
-    if (detail::hasPlainKind(data)) return isNullKind(data->kind(), value, data->byteSize());
-    return data->isNullData(value);
-}
-bool ZVariant::isPointer() const { return type() && type()->kind() == ZMetaType::Pointer; }
-bool ZVariant::isContainer() const {
-    ZMetaType* main = mainType();
-    return main && main->isContainer();
-}
-bool ZVariant::isZType() const { return detail::refersToInstance(type()); }
-bool ZVariant::isSelector() const { return type() && type()->kind() == ZMetaType::Selector; }
-bool ZVariant::isSelectorType() const { return typeType() == ZMetaType::Selector; }
-bool ZVariant::isVariableType() const {
-    if (isSelector()) return reinterpret_cast<const ZSelector*>(data)->variableName();
-    ZMetaType* main = mainType();
-    return main && main->isVariable();
-}
-bool ZVariant::isDetached() const {
-    const void* value = getPtr();
-    if (!value) return true;
-    if (referenceCount() > 1) return false;
-    ZMetaType* own = valueType();
-    return !own || isPlainKind(own->kind()) || own->isDetachedInstance(value);
-}
-int ZVariant::cost() const {
-    ZMetaType* main = mainType();
-    return int(sizeof(ZVariant)) + (main ? main->calcInternalSize(true) + int(main->byteSize()) : 0);
-}
-
 // Life
 
 int ZVariant::referenceCount() const {
@@ -500,6 +466,16 @@ void* ZVariant::retain() const {
 /// value is this variant's own.
 bool ZVariant::ownValue() {
     return isInline() || !type() || type()->kind() == ZMetaType::Pointer || referenceCount() < 2 || detach();
+}
+
+const void* ZVariant::partAs(const ZMetaType* wanted) const {
+    const ZMetaType* main = mainType();
+    const void* value = getPtr();
+    int offset = 0;
+    if (!main || !wanted || !value) return nullptr;
+    if (main == wanted) return value;
+    const ZMetaType* own = main->getDataType();
+    return own && own->upcastOffset(wanted, offset) ? static_cast<const char*>(value) + offset : nullptr;
 }
 
 void* ZVariant::copyValue() const {

@@ -206,7 +206,7 @@ public:
     /// counted one.
     bool getValue(void* target, bool retain) const;
     /// The value as a `T`: a number, text or selector converted, a pointer to a class if what is held by reference is
-    /// of the class, any other type if the value is of it; else `T()`.
+    /// of the class, any other type if the value is of it; else `T()`. What is derived is of its bases too.
     template <class T> T getValueT() const;
     /// A new counted copy of the value; null without a value or memory.
     void* copyValue() const;
@@ -354,182 +354,12 @@ public:
     /// The item name of an enum value with its type in front, "Type::Name"; empty for other values.
     ZSelector qualify() const;
 
-    // Properties of the value: the operations of `ZType`, see there, on any value. A value that other variants share is
-    // copied before it is changed; instances and targets of pointers are changed for all.
+    // Properties of the value: all operations of `ZType` on properties, see valueProperties.def. A value that other
+    // variants share is copied before it is changed; instances and targets of pointers are changed for all.
 
-    // Property catalogue
-
-    ZProperty* getMetaProperty(const ZSelector& name) const;
-    ZSelector replacePropertyName(const ZSelector& name) const;
-    uint propertyCount() const;
-    bool dynamicPropertyNames(ZArrayT<ZSelector>& names) const;
-    bool enumerateProperties(orv::PropertyVisit visit, void* context) const;
-    bool updateProperties(ZTypedPtr* typed, orv::PropertyVisit filter, orv::PropertyVisit update, void* context,
-                          bool recursive, bool detached);
-    bool updateProperties(orv::PropertyVisit filter, orv::PropertyVisit update, void* context);
-    bool getProperties(ZVSelectMap& values) const;
-    bool propertiesWithOptions(const ZSelector& words, ZArrayT<ZSelector>& names) const;
-    bool propertiesWithOptions(const ZSelector& words, ZVSelectMap& values) const;
-    bool copyPropertiesFrom(const ZType* source);
-    bool retainedObjectNames(ZArrayT<ZSelector>& names) const;
-    bool collectPropertyNames(ZHashSetT<ZSelector>& names) const;
-
-    // Property lookup. A `typed` gets the instance that owns what was found; null is fine.
-
-    ZProperty* dynamicProperty(const ZSelector& name) const;
-    bool dynamicProperty(const ZSelector& name, ZProperty& found) const;
-    bool property(ZTypedPtr* typed, const ZSelector& name, ZProperty& found, bool resolve) const;
-    bool property(const ZSelector& name, ZProperty& found, bool resolve) const;
-    bool property(const ZSelector& name, ZProperty& found) const;
-    bool propertyNames(ZArrayT<ZSelector>& names) const;
-    bool storedPropertyNames(ZArrayT<ZSelector>& names) const;
-    bool delegatePropertyNames(ZArrayT<ZSelector>& names) const;
-    ZProperty* findPropertyRoot(ZTypedPtr* typed, const ZSelector& name) const;
-    ZProperty* findPropertyPath(ZTypedPtr* typed, const ZSelector& path, ZSelector& rest) const;
-    ZProperty* findProperty(ZTypedPtr* typed, const ZSelector& name, bool localOnly) const;
-    void delegatePropertyChanged(const ZSelector& name);
-    int propertyVersion(const ZSelector& name) const;
-    uint propertyFlags(const ZSelector& name) const;
-    ZSelector propertyOptions(const ZSelector& name) const;
-    bool hasPropertyOption(const ZSelector& name, const ZSelector& word) const;
-    bool setPropertyOptions(const ZSelector& name, const ZSelector& words);
-    bool containsVariableName(const ZSelector& name) const;
-    bool containsVariableProperty() const;
-    bool containsVariableProperty(const ZSelector& name) const;
-    bool isDynamicProperty(const ZSelector& name) const;
-    bool isResolvedProperty(const ZSelector& name) const;
-    bool isDynamicResolved(const ZSelector& name) const;
-    bool isCollectionProperty(const ZSelector& name) const;
-    bool setPropertyFlags(const ZSelector& name, uint flags);
-    bool hasProperty(ZTypedPtr* typed, const ZSelector& name) const;
-    bool hasProperty(const ZSelector& name) const;
-    bool hasDynamicProperty(const ZSelector& name) const;
-    bool hasDefinedProperty(const ZSelector& name) const;
-    ZMetaType* propertyDefinitionType(const ZSelector& name) const;
-    ZMetaType* getPropertyType(const ZSelector& name) const;
-
-    // Property reading. What isn't there reads as the null variant, 0, -1 or false.
-
-    ZVariant resolveValue(const ZVariant& value) const;
-    bool resolveProperty(const ZSelector& name, ZVariant& value) const;
-    ZVariant getDynamicProperty(const ZSelector& name) const;
-    ZVariant mappedProperty(const ZSelector& name, const ZSelector& key) const;
-    bool setMappedProperty(const ZSelector& name, const ZSelector& key, const ZVariant& value);
-    bool removeMappedProperty(const ZSelector& name, const ZSelector& key);
-    ZVariant storedProperty(const ZSelector& name) const;
-    bool matchingPropertyType(const ZSelector& name, const ZMetaType* wanted) const;
-    bool matchingPropertyType(const ZSelector& name, const ZVariant& value) const;
-    ZVariant getProperty(ZTypedPtr* typed, const ZSelector& name, bool expand) const;
-    ZVariant getProperty(const ZSelector& name, bool expand) const;
-    ZVariant getProperty(const ZSelector& name) const;
-    ZVariant getPropertyItem(const ZSelector& name, int index) const;
-    ZVariant getPropertyItem(const ZSelector& name, const ZSelector& key) const;
-    ZVariant getPropertyItem(const ZSelector& name, const void* key) const;
-    ZVariant getPropertyItem(const ZSelector& name, const ZVariant& key) const;
-    int getPropertyCount(const ZSelector& name) const;
-    bool hasPropertyValue(const ZSelector& name, const ZVariant& value) const;
-    ZVariant getPropertyKey(const ZSelector& name, int index) const;
-    int getPropertyKeyIndex(const ZSelector& name, const ZVariant& key) const;
-    ZVariant findPropertyKey(const ZSelector& name, const ZVariant& value) const;
-    int findPropertyIndex(const ZSelector& name, const ZVariant& value) const;
-
-    // Property writing. False, with nothing changed, for what isn't there or can't be written.
-
-    bool clearProperty(const ZSelector& name);
-    bool removePropertyItem(const ZSelector& name, const ZVariant& key);
-    bool removePropertyItem(const ZSelector& name, int index);
-    bool insertPropertyItem(const ZSelector& name, const ZVariant& key, const ZVariant& value, bool notify);
-    bool addPropertyItem(const ZSelector& name, const ZVariant& value, bool notify);
-    bool addPropertyArray(const ZSelector& name, const ZVArray& values, bool notify);
-    ZMetaType* propertyType(const ZSelector& name) const;
-    ZMetaType* propertyType(ZTypedPtr* typed, const ZSelector& name) const;
-    ZSelector dynamicPropertyOptions(const ZSelector& name) const;
-    bool setDynamicPropertyOptions(const ZSelector& name, const ZSelector& words);
-    bool addDynamicPropertyOptions(const ZSelector& name, const ZSelector& words);
-    bool setDynamicProperty(ZTypedPtr* typed, const ZSelector& name, const ZVariant& value, uint flags, bool add);
-    bool setDynamicProperty(const ZSelector& name, const ZVariant& value, bool add);
-    bool setProperty(ZTypedPtr* typed, const ZSelector& name, const ZVariant& value, bool notify);
-    bool setProperty(const ZSelector& name, const ZVariant& value);
-    bool changeProperty(const ZVariant& value, const ZSelector& name);
-    bool copyProperty(const ZType* source, const ZSelector& name);
-    bool setEnumProperty(const ZSelector& name, const ZSelector& item, bool notify);
-    bool addEnumPropertyItem(const ZSelector& name, const ZSelector& item, bool notify);
-    bool setDynamicPropertyItem(const ZSelector& name, int index, const ZVariant& value);
-    bool setDynamicPropertyItem(const ZSelector& name, const ZSelector& key, const ZVariant& value);
-    bool setDynamicPropertyItem(const ZSelector& name, const ZVariant& key, const ZVariant& value);
-    bool setPropertyItem(const ZSelector& name, int index, const ZVariant& value, bool notify);
-    bool setPropertyItem(const ZSelector& name, const ZSelector& key, const ZVariant& value, bool notify);
-    bool setPropertyItem(const ZSelector& name, const ZVariant& key, const ZVariant& value, bool notify);
-    bool setEnumPropertyItem(const ZSelector& name, int index, const ZSelector& item, bool notify);
-    bool setEnumPropertyItem(const ZSelector& name, const ZSelector& key, const ZSelector& item, bool notify);
-    bool setEnumPropertyItem(const ZSelector& name, const ZVariant& key, const ZSelector& item, bool notify);
-
-    // Sets of properties
-
-    bool setProperties(const ZVSelectMap& values);
-    bool setProperties(const ZVSelectMap& values, bool notify);
-    bool setProperties(const ZType* source);
-    bool setProperties(const ZType* source, const ZArrayT<ZSelector>& names);
-    bool matchProperties(const ZVSelectMap& values) const;
-    bool matchProperties(const ZType* other) const;
-    bool matchMarkedProperties(const ZVSelectMap& values, char mark) const;
-    bool matchNamedProperties(const ZType* other, const ZArrayT<ZSelector>& names) const;
-    bool fetchProperties(ZVSelectMap& values) const;
-    bool fetchProperties(ZVSelectMap& values, const ZArrayT<ZSelector>& names) const;
-    bool fetchProperties(ZVSelectMap& values, const ZSelector& names) const;
-    bool fetchPropertiesWithOption(ZVSelectMap& values, const ZSelector& word) const;
-    bool setPropertiesWithOption(const ZVSelectMap& values, const ZSelector& word);
-
-    // Property structure: what only instances of `ZType` classes can change
-
-    bool addProperty(const ZProperty& property);
-    bool addProperty(const ZSelector& name, const ZVariant& value);
-    bool addProperty(const ZSelector& name, const ZVariant& value, uint flags);
-    bool addProperty(const ZSelector& name, const ZVariant& value, const ZSelector& words);
-    bool removeProperty(const ZSelector& name);
-    bool renameProperty(const ZSelector& name, const ZSelector& to);
-    ZSelector propertyStackName(const ZSelector& name) const;
-    bool pushProperty(const ZSelector& name);
-    bool popProperty(const ZSelector& name);
-    bool loadPersistentProperties();
-    bool loadPersistentProperties(const ZSelector& group);
-    bool storePersistentProperties() const;
-    void propertyDelegationChanged(const ZProperty& property);
-    void propertyChanged(const ZProperty& property);
-    int getEnumFlags(const ZSelector& name) const;
-    bool setEnumFlags(const ZSelector& name, const ZSelector& words);
-    bool removeEnumFlags(const ZSelector& name, const ZSelector& words);
-
-    // Accessor methods of a property, borrowed; null if the type has none. A `typed` gets the address to call them on.
-
-    ZMethod* getter(ZTypedPtr* typed, const ZSelector& name, bool ptrForm, bool constForm, bool item) const;
-    ZMethod* getter(ZTypedPtr* typed, const ZProperty* prop, bool ptrForm, bool constForm, bool item) const;
-    ZMethod* setter(ZTypedPtr* typed, const ZSelector& name, bool item) const;
-    ZMethod* setter(ZTypedPtr* typed, const ZProperty* prop, bool item) const;
-    ZMethod* counter(ZTypedPtr* typed, const ZSelector& name) const;
-    ZMethod* counter(ZTypedPtr* typed, const ZProperty* prop) const;
-    ZMethod* propByIndex(ZTypedPtr* typed, const ZSelector& name) const;
-    ZMethod* propByIndex(ZTypedPtr* typed, const ZProperty* prop) const;
-    ZMethod* hasProp(ZTypedPtr* typed, const ZSelector& name) const;
-    ZMethod* hasProp(ZTypedPtr* typed, const ZProperty* prop) const;
-    ZMethod* propKey(ZTypedPtr* typed, const ZSelector& name) const;
-    ZMethod* propKey(ZTypedPtr* typed, const ZProperty* prop) const;
-    ZMethod* propIndex(ZTypedPtr* typed, const ZSelector& name) const;
-    ZMethod* propIndex(ZTypedPtr* typed, const ZProperty* prop) const;
-    ZMethod* findKey(ZTypedPtr* typed, const ZSelector& name) const;
-    ZMethod* findKey(ZTypedPtr* typed, const ZProperty* prop) const;
-    ZMethod* findIndex(ZTypedPtr* typed, const ZSelector& name) const;
-    ZMethod* findIndex(ZTypedPtr* typed, const ZProperty* prop) const;
-    ZMethod* cleaner(ZTypedPtr* typed, const ZSelector& name) const;
-    ZMethod* cleaner(ZTypedPtr* typed, const ZProperty* prop) const;
-    ZMethod* remover(ZTypedPtr* typed, const ZSelector& name) const;
-    ZMethod* remover(ZTypedPtr* typed, const ZProperty* prop) const;
-    ZMethod* removeByIndex(ZTypedPtr* typed, const ZSelector& name) const;
-    ZMethod* removeByIndex(ZTypedPtr* typed, const ZProperty* prop) const;
-    ZMethod* inserter(ZTypedPtr* typed, const ZSelector& name) const;
-    ZMethod* inserter(ZTypedPtr* typed, const ZProperty* prop) const;
-    ZMethod* adder(ZTypedPtr* typed, const ZSelector& name) const;
-    ZMethod* adder(ZTypedPtr* typed, const ZProperty* prop) const;
+#define ORV_ASK(listing, result, operation, parameters, ...) result operation parameters const;
+#define ORV_CHANGE(listing, result, operation, parameters, ...) result operation parameters;
+#include "value/valueProperties.def"
 
 private:
     friend struct orv::detail::ObjectLayout;
@@ -587,6 +417,8 @@ private:
     /// The type of what stands at `getPtr`; null for what can only be told apart by its address.
     ZMetaType* valueType() const;
     bool ownValue();
+    /// The address of the value as one of the type, which may be a base; null if it is none.
+    const void* partAs(const ZMetaType* type) const;
     bool initBlend(const ZVariant& a, const ZVariant& b, const ZBlendPos& pos, bool& blended);
     template <class F> int compareWith(const ZVariant& other, F&& compareValues) const;
     bool callMatch(const ZVariant& other, real tolerance, bool& answer) const;
@@ -621,11 +453,9 @@ template <class T> T ZVariant::getValueT() const {
         return std::is_signed_v<T> ? T(toLarge()) : T(toULarge());
     else if constexpr (std::is_pointer_v<T>) {
         using Target = std::remove_cv_t<std::remove_pointer_t<T>>;
-        if (isInline() || !isType(ztype<Target>())) return nullptr;
-        if constexpr (std::is_base_of_v<ZType, Target>)
-            return static_cast<T>(toType());
-        else
-            return static_cast<T>(held());
-    } else
-        return getPtr() && mainType() == ztype<T>() ? *static_cast<const T*>(getPtr()) : T();
+        return isInline() ? nullptr : static_cast<T>(const_cast<void*>(partAs(ztype<Target>())));
+    } else {
+        auto value = static_cast<const T*>(partAs(ztype<T>()));
+        return value ? *value : T();
+    }
 }

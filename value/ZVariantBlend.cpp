@@ -9,10 +9,10 @@ using namespace orv;
 
 namespace {
 
-/// Whether values of the variant's type have a value that means "nothing" to blend with.
+/// Whether there is a value of the same type that means "nothing" to blend with.
 bool hasIdentity(const ZVariant& value) {
     ZMetaType* main = value.mainType();
-    if (!main) return false;
+    if (!main || value.isNull()) return false;
     if (const ZType* instance = value.toType()) return instance->blendIdentity();
     return main->hasOption("blendidentity", true);
 }

@@ -24,15 +24,32 @@ template <class T> int byAddress(const T* a, const T* b) {
 
 // Order
 
-/// Compares two values of one type; `compareValues` gets the type of what stands at both addresses.
+namespace {
+
+/// How deep values are looked at in values.
+constexpr int deepest = 512;
+ORV_THREAD_LOCAL int depth = 0;
+struct Level {
+    Level() { ++depth; }
+    ~Level() { --depth; }
+    Level(const Level&) = delete;
+};
+
+} // namespace
+
+/// Compares two values of one type; `compareValues` gets the type of what stands at both addresses. What is too deep in
+/// other values is compared by its address.
 template <class F> int ZVariant::compareWith(const ZVariant& other, F&& compareValues) const {
     ZMetaType* type = this->type();
     if (int order = byAddress(type, other.type())) return order;
     const void *a = getPtr(), *b = other.getPtr();
     if (!a || !b || a == b) return byAddress(a, b);
     if (!type) return memcompare(a, b);
-    ZMetaType* own = isInline() ? type : detail::pointedType(type);
-    return own ? compareValues(own, a, b) : byAddress(a, b);
+    if (isInline()) return compareValues(type, a, b);
+    ZMetaType* own = detail::pointedType(type);
+    if (!own || depth >= deepest) return byAddress(a, b);
+    Level level;
+    return compareValues(own, a, b);
 }
 
 int ZVariant::compare(const ZVariant& other) const {
@@ -47,7 +64,12 @@ int ZVariant::order(const ZVariant& other) const {
 }
 
 uint ZVariant::hashKey() const {
-    if (ZMetaType* type = isInline() ? this->type() : valueType()) return hashValue(type, getPtr());
+    if (isInline()) return hashValue(this->type(), data);
+    if (ZMetaType* type = valueType()) {
+        if (depth >= deepest) return 0;
+        Level level;
+        return hashValue(type, held());
+    }
     // Targets without a type of their own are equal by their address.
     return type() ? ptrKey().hashKey() : 0;
 }
@@ -70,21 +92,13 @@ bool storedMatch(const ZVariant& a, const ZVariant& b, real tolerance, const ZVa
     return a.compare(b) == 0 || (!a.samePtr(other) && !b.samePtr(other) && a.matchValue(b, tolerance));
 }
 
-/// How deep values are compared in values.
-constexpr int deepestMatch = 512;
-ORV_THREAD_LOCAL int matchDepth = 0;
-struct MatchLevel {
-    MatchLevel() { ++matchDepth; }
-    ~MatchLevel() { --matchDepth; }
-};
-
 } // namespace
 
 bool ZVariant::matchValue(const ZVariant& other, real tolerance) const {
     ZMetaType *type = this->type(), *otherType = other.type();
     if (!type && !otherType) return true;
-    if (matchDepth >= deepestMatch) return false;
-    MatchLevel level;
+    if (depth >= deepest) return false;
+    Level level;
     if (!type || !otherType) {
         if (std::memcmp(data, other.data, sizeof data) == 0) return true;
         if (!getPtr() || !other.getPtr()) return false;

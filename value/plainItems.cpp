@@ -15,7 +15,7 @@ struct Accessor {
 
     /// `find(place)` looks it up.
     template <class F> Accessor(const ZTypedPtr& at, F&& find) : place(at), method(find(&place)) {
-        if (method && !method->hasStacked() && !method->hasFunc()) method = nullptr;
+        if (!at.instance || (method && !method->hasStacked() && !method->hasFunc())) method = nullptr;
     }
     explicit operator bool() const { return method != nullptr; }
     template <class... A> ZVariant operator()(const A&... arguments) const {

@@ -3,6 +3,7 @@
 #include "object/ZMetaType.h"
 #include "object/ZMethod.h"
 #include "object/ZProperty.h"
+#include "object/propertyAccess.h"
 #include "toolkit/epoch.h"
 #include "value/typedInstance.h"
 
@@ -18,9 +19,8 @@ void give(ZTypedPtr* typed, const ZTypedPtr& place) {
 bool isSynthetic(const ZTypedPtr& at, const ZSelector& name) {
     return at.type->isSynthetic() && at.type->hasSyntheticProperty(at, name);
 }
-
-bool hasOwn(const ZTypedPtr& at, const ZSelector& name) {
-    return at.type->hasPropertyDef(name) || isSynthetic(at, name);
+void expandHeld(ZVariant& value) {
+    if (value.type() && !value.type()->heldInline()) value = value.expand();
 }
 
 /// A property of the value itself, without a look at paths.
@@ -28,7 +28,7 @@ bool readOwn(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name, bool 
     ZTypedPtr place(at);
     if (at.type->getPropertyDef(&place, name, value)) {
         give(typed, place);
-        if (expand) value = value.expand();
+        if (expand) expandHeld(value);
         return true;
     }
     if (!isSynthetic(at, name)) return false;
@@ -37,20 +37,30 @@ bool readOwn(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name, bool 
     return true;
 }
 
-bool writeOwn(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name, const ZVariant& value, bool notify) {
+enum class Written { No, Yes, Unknown };
+
+/// `Unknown` if the value itself has no such property.
+Written writeOwn(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name, const ZVariant& value, bool notify) {
+    if (!at.instance) return Written::No;
     toolkit::EpochGuard guard;
-    ZTypedPtr place(at);
-    if (ZProperty* found = at.type->findPropertyDef(&place, name)) {
-        if (found->readOnly()) return false;
-        place = at;
-        ZMethod* setter = at.type->setterMethod(&place, name, false);
-        if (!setter || !place.type->setVariant(setter, place.instance, value)) return false;
-        give(typed, place);
-        return true;
+    if (PropertyLookup* row = lookUpProperty(at.type, name)) {
+        const CachedMethod* setter = row->property->readOnly() ? nullptr : writeAccessor(at.type, row);
+        ZVariant room;
+        AccessorWord word(static_cast<const void*>(nullptr));
+        if (!setter || !accessorWord(row->writePlan, value, room, word)) return Written::No;
+        int done = 0;
+        auto bytes = static_cast<char*>(at.instance);
+        if (!callForNumber(setter->method, bytes + setter->offset, &word, 1, done)) return Written::No;
+        if (row->writePlan.answers && !(done & 0xFF)) return Written::No;
+        give(typed, ZTypedPtr(row->owner, bytes + row->offset));
+        return Written::Yes;
     }
-    if (!isSynthetic(at, name)) return false;
+    if (!isSynthetic(at, name)) return Written::Unknown;
     give(typed, at);
-    return at.type->setSyntheticProperty(at, name, value, notify);
+    return at.type->setSyntheticProperty(at, name, value, notify) ? Written::Yes : Written::No;
+}
+bool wroteOwn(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name, const ZVariant& value, bool notify) {
+    return writeOwn(at, typed, name, value, notify) == Written::Yes;
 }
 
 /// Whether a map is written under the whole rest of a path rather than in the value of its first part.
@@ -80,7 +90,7 @@ bool writePath(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& path, con
                 break;
             }
             if (i + 1 == parts) {
-                if (!writeOwn(ZTypedPtr(holder), nullptr, name, value, notify)) return false;
+                if (!wroteOwn(ZTypedPtr(holder), nullptr, name, value, notify)) return false;
                 break;
             }
             ZVariant next;
@@ -96,10 +106,10 @@ bool writePath(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& path, con
         ZVariant& holder = way[i - 1];
         const bool isMap = holder.typeIndexLabel() == ZMetaType::SelectMap;
         const ZSelector name = path.param(int(i));
-        if (!(isMap ? holder.setItem(name, part) : writeOwn(ZTypedPtr(holder), nullptr, name, part, notify)))
+        if (!(isMap ? holder.setItem(name, part) : wroteOwn(ZTypedPtr(holder), nullptr, name, part, notify)))
             return false;
     }
-    return writeOwn(at, typed, path.param(0), way[0], notify);
+    return wroteOwn(at, typed, path.param(0), way[0], notify);
 }
 
 } // namespace
@@ -221,7 +231,8 @@ ZVariant storedProperty(const ZTypedPtr& at, const ZSelector& name) {
 
 bool setProperty(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name, const ZVariant& value, bool notify) {
     if (name.isEmpty()) return false;
-    if (name.type() != ZSelector::UID || hasOwn(at, name)) return writeOwn(at, typed, name, value, notify);
+    const Written own = writeOwn(at, typed, name, value, notify);
+    if (own != Written::Unknown || name.type() != ZSelector::UID) return own == Written::Yes;
     return writePath(at, typed, name, value, notify);
 }
 
@@ -241,7 +252,8 @@ bool containsVariableProperty(const ZTypedPtr& at, const ZSelector& name) {
 
 bool updateProperties(const ZTypedPtr& at, ZTypedPtr* typed, PropertyVisit filter, PropertyVisit update, void* context,
                       bool recursive, bool detached) {
-    ZTypedPtr place(typed ? *typed : at);
+    give(typed, at);
+    ZTypedPtr place(at);
     return at.type->updatePropertyDefs(&place, filter, update, context, recursive, detached);
 }
 

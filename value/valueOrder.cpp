@@ -16,9 +16,13 @@ namespace {
 
 constexpr uint hashLimit = 0x100000;
 
-/// Calls a method without arguments whose result is a word.
-uint callHash(ZMethod* method, const void* value) {
-    return uint(reinterpret_cast<uintptr_t>(method->getFunc()(value, method)));
+/// Calls a method without arguments, which the type may have from a base; `hash` gets the result.
+bool callHash(const ZMetaType* type, ZMethod* method, const void* value, uint& hash) {
+    int offset = 0;
+    if (!method || !method->hasFunc() || method->fastWords() != 0) return false;
+    if (method->getOwner() && !type->upcastOffset(method->getOwner(), offset)) return false;
+    hash = uint(reinterpret_cast<uintptr_t>(method->getFunc()(static_cast<const char*>(value) + offset, method)));
+    return true;
 }
 
 bool hasOrder(const ZMetaType* type) {
@@ -58,8 +62,8 @@ uint hashValue(const ZMetaType* type, const void* value) {
     }
     if (type->isVariant()) return static_cast<const ZVariant*>(value)->hashKey();
     toolkit::EpochGuard guard;
-    ZMethod* method = type->getHashMethod();
-    if (method && method->hasFunc() && method->fastWords() == 0) return callHash(method, value);
+    uint hash = 0;
+    if (callHash(type, type->getHashMethod(), value, hash)) return hash;
     if (hasOrder(type)) return type->getName().key();
     return toolkit::hashData(0, value, type->byteSize(), hashLimit);
 }

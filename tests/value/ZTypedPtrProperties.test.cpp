@@ -55,6 +55,44 @@ TEST_F(PlainProperties, OfStructuresAreReadAndWrittenByName) {
     EXPECT_TRUE(ZTypedPtr(large).hasProperty(&owner, "label"));
 }
 
+TEST_F(PlainProperties, OfABaseAreReachedAtItsPlace) {
+    ValuePin pin;
+    pin.first = 5;
+    ZVariant value(type("ValuePin"), &pin);
+    auto held = static_cast<ValuePin*>(value.getPtr());
+    ZTypedPtr owner;
+    EXPECT_EQ(value.getProperty(&owner, "x", true).toInt(), 5);
+    EXPECT_EQ(owner.instance, static_cast<ValuePoint*>(held));
+    EXPECT_EQ(owner.type, type("ValuePoint"));
+    EXPECT_TRUE(value.setProperty("x", ZVariant(6)));
+    EXPECT_EQ(held->first, 6);
+    EXPECT_EQ(value.getProperty("mark").toInt(), 77);
+    EXPECT_FALSE(value.setProperty("mark", ZVariant(1)));
+    EXPECT_EQ(value.invoke("sum", list()).toInt(), 8);
+    EXPECT_EQ(value.hashKey(), 6u);
+    EXPECT_EQ(value.getValueT<ValuePoint>().first, 6);
+    EXPECT_EQ(value.getValueT<ValueShape>().point.first, 1);
+    ZVariant pointer;
+    ASSERT_TRUE(pointer.setReference(type("ValuePin"), ZVariant(value).copyValue()));
+    zfree(pointer.getPtr()); // the variant keeps it
+    EXPECT_EQ(pointer.getValueT<ValuePoint*>()->first, 6);
+    EXPECT_EQ(pointer.getValueT<ValueShape*>(), nullptr);
+    // The second form of an operation tells who has the property.
+    ZTypedPtr second;
+    EXPECT_EQ(ZTypedPtr(value).propertyFlags(&second, "x"), ZTypedPtr(value).propertyFlags("x"));
+    EXPECT_EQ(second.instance, static_cast<ValuePoint*>(held));
+}
+
+TEST_F(PlainProperties, AWalkMayChangeThem) {
+    ZVariant value = point(4);
+    ZTypedPtr owner;
+    auto doubled = [](const ZProperty&, ZVariant& number, void*) { return number.setInt(number.toInt() * 2); };
+    EXPECT_TRUE(value.updateProperties(&owner, nullptr, doubled, nullptr, false, false));
+    EXPECT_EQ(owner.instance, value.getPtr());
+    EXPECT_EQ(value.getProperty("x").toInt(), 8);
+    EXPECT_EQ(value.getProperty("y").toInt(), 4);
+}
+
 TEST_F(PlainProperties, PathsLeadThroughValuesAndAreWrittenBack) {
     ZVariant value = shape();
     EXPECT_EQ(value.getProperty("place.x").toInt(), 1);

@@ -262,4 +262,10 @@ TEST_F(Variant, BlendingPicksWhatItCant) {
     EXPECT_EQ(made.compare(high), 0);
     EXPECT_TRUE(made.blendFrom(&made, &low, late));
     EXPECT_EQ(made.compare(low), 0);
+    // No instance has no identity either.
+    V nothing(ztype<ZObject>());
+    EXPECT_TRUE(made.blendFrom(&nothing, &null, early));
+    EXPECT_TRUE(made.isNull());
+    EXPECT_TRUE(made.blendFrom(&nothing, nullptr, early));
+    EXPECT_EQ(made.type(), nothing.type());
 }

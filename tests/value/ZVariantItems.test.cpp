@@ -46,6 +46,25 @@ TEST_F(VariantItems, OfArrays) {
     EXPECT_EQ(array.itemCount(), 0u);
 }
 
+TEST_F(VariantItems, DeepNestsAreComparedAndEnd) {
+    auto nest = [](int levels) {
+        ZVariant value(1);
+        for (int i = 0; i < levels; ++i) {
+            ZVArray array(ztype<ZVariant>());
+            EXPECT_TRUE(array.append(value));
+            value = held(array);
+        }
+        return value;
+    };
+    ZVariant deep = nest(200000), other = nest(200000);
+    EXPECT_NE(deep.compare(other), 0);
+    EXPECT_EQ(deep.compare(other), -other.compare(deep));
+    EXPECT_FALSE(deep.matchValue(other, 1));
+    EXPECT_EQ(deep.hashKey(), other.hashKey());
+    EXPECT_EQ(nest(100).order(nest(100)), 0);
+    EXPECT_TRUE(nest(100).matchValue(nest(100), 0));
+}
+
 TEST_F(VariantItems, OfMaps) {
     ZVariant map = held(ZVSelectMap(ztype<int>())), keyed = held(ZVKeyMap(ztype<int>(), ztype<ZString>()));
     EXPECT_TRUE(map.setItem(ZSelector("one"), ZVariant(1)));

@@ -14,6 +14,7 @@ template <> struct Table<ValuePoint> : Declares<ValuePoint> {
         ORV_METHOD(int, sum, (), const),
         ORV_METHOD(bool, move, (int), ),
         ORV_METHOD(int, compare, (const ValuePoint&), const),
+        ORV_METHOD(uint, hashKey, (), const),
     };
     static constexpr PropertyRow properties[] = {
         ORV_PROPERTY(int, x, "store"),
@@ -41,7 +42,20 @@ template <> struct Table<ValueShape> : Declares<ValueShape> {
     static constexpr ClassInfo info = {.kind = Kind::Structure, .flags = typePublic};
 };
 
+template <> struct Table<ValueMark> : Declares<ValueMark> {
+    static constexpr MethodRow methods[] = {ORV_CONSTRUCTOR(()), ORV_METHOD(int, mark, (), const)};
+    static constexpr PropertyRow properties[] = {ORV_PROPERTY(int, mark, "readonly")};
+    static constexpr ClassInfo info = {.kind = Kind::Structure, .flags = typePublic};
+};
+template <> struct Table<ValuePin> : Declares<ValuePin> {
+    using BaseTypes = Bases<ValueMark, ValuePoint>;
+    static constexpr MethodRow methods[] = {ORV_CONSTRUCTOR(())};
+    static constexpr ClassInfo info = {.kind = Kind::Structure, .flags = typePublic};
+};
+
 } // namespace orv::glue
+ORV_DECLARE(ValueMark);
+ORV_DECLARE(ValuePin);
 ORV_DECLARE(ValuePoint);
 ORV_DECLARE(ValueShape);
 
@@ -50,6 +64,7 @@ void ShapeTest::SetUpTestSuite() {
     CoreTest::SetUpTestSuite();
     ZPackage* package = ZPackage::findPackage("orv.core.base");
     ASSERT_NE(package, nullptr);
-    for (const ClassRow* row : {&Row<ValuePoint>::row, &Row<ValueShape>::row})
+    for (const ClassRow* row :
+         {&Row<ValuePoint>::row, &Row<ValueShape>::row, &Row<ValueMark>::row, &Row<ValuePin>::row})
         ASSERT_NE(orv::makeType(package, *row), nullptr) << row->name;
 }

@@ -27,6 +27,7 @@ struct ValuePoint {
         return true;
     }
     int compare(const ValuePoint& other) const { return (first > other.first) - (first < other.first); }
+    uint hashKey() const { return uint(first); }
 
     int first = 1, second = 2;
 };
@@ -56,6 +57,17 @@ struct ValueShape {
     ZString text;
     ZVArray list;
     ZVSelectMap map;
+};
+
+/// A point that isn't at the start of its instance.
+struct ValueMark {
+    ORV_REFLECT(ValueMark);
+    int mark() const { return number; }
+
+    int number = 77;
+};
+struct ValuePin : ValueMark, ValuePoint {
+    ORV_REFLECT(ValuePin);
 };
 
 /// The library is up, and the structures are declared.
