@@ -1,7 +1,6 @@
 #include "module/packages.h"
 
 #include "object/primitives.h"
-#include "value/ZSampleTime.h"
 
 // A type that is declared in `<Class>.glue.cpp` enters its package by one line here, behind its bases. Packages are
 // opened in the order of the last list.

@@ -32,19 +32,14 @@ const void* pointerAt(const void* place) {
 
 /// Whether values of the type are numbers, and equal ones have this very type.
 bool isNumber(const ZMetaType* type) {
-    return type && isNumberKind(type->kind()) && type->mainOrSelf() == type && type->byteSize() <= sizeof(ularge);
+    if (!type || !isNumberKind(type->kind()) || type->mainOrSelf() != type) return false;
+    const uint size = type->byteSize();
+    return size - 1 < sizeof(ularge) && !(size & (size - 1));
 }
-template <class T> ularge widened(const void* value) {
-    T bytes;
-    std::memcpy(&bytes, value, sizeof bytes);
-    return bytes;
-}
-/// The bytes of a number, and zeros: to be stored at once, since a load of more than was stored last has to wait.
-ularge numberBytes(const void* value, uint size) {
-    return size == 4   ? widened<uint>(value)
-           : size == 8 ? widened<ularge>(value)
-           : size == 1 ? widened<byte>(value)
-                       : widened<word>(value);
+template <class T> T numberAt(const void* place) {
+    T number;
+    std::memcpy(&number, place, sizeof number);
+    return number;
 }
 
 /// Values hold values, to any depth: so deep inside of the release of another one, a value waits until the outermost
@@ -403,11 +398,11 @@ bool ZVariant::setValue(ZMetaType* type, const ZString& text) {
 }
 bool ZVariant::setValue(ZMetaType* type, const void* value, bool copy, bool dereference) {
     if (ORV_LIKELY(value && !dereference && isNumber(type))) {
-        const ularge number = numberBytes(value, type->byteSize()); // may stand in this variant
-        clear();
-        typeBits = reinterpret_cast<uintptr_t>(type) | inside;
-        std::memcpy(data, &number, sizeof number);
-        return true;
+        // It may stand in this variant.
+        const uint size = type->byteSize();
+        if (size == 4) return resetNumber(type, numberAt<uint>(value));
+        if (size == 8) return resetNumber(type, numberAt<ularge>(value));
+        return size == 1 ? resetNumber(type, numberAt<byte>(value)) : resetNumber(type, numberAt<word>(value));
     }
     if (dereference && value) value = pointerAt(value);
     ZMetaType* kept = detail::variantType(type);

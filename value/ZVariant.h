@@ -263,6 +263,7 @@ public:
     /// by less than 1e-8 are equal: that is no order to sort by, see `order`.
     int compare(const ZVariant& other) const;
     /// A total order for sorting and keys, the same as `compare` but for reals: -0 equals 0, not-a-number comes last.
+    /// Both compare values by their addresses that are nested deeper than 512 in others.
     int order(const ZVariant& other) const;
     /// The same for values that `order` finds equal; 0 without a type.
     uint hashKey() const;

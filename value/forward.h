@@ -3,6 +3,7 @@
 #include "object/forward.h"
 
 class ZArgument;
+class ZSampleTime;
 class ZTypedPtr;
 class ZUnknownData;
 class ZVariant;

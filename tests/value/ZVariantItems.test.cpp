@@ -56,7 +56,7 @@ TEST_F(VariantItems, DeepNestsAreComparedAndEnd) {
         }
         return value;
     };
-    ZVariant deep = nest(200000), other = nest(200000);
+    ZVariant deep = nest(60000), other = nest(60000);
     EXPECT_NE(deep.compare(other), 0);
     EXPECT_EQ(deep.compare(other), -other.compare(deep));
     EXPECT_FALSE(deep.matchValue(other, 1));
