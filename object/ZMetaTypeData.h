@@ -198,6 +198,9 @@ template <class F> void eachBase(const ZMetaType* type, F use) {
         if (link.type && !use(link.type)) return;
 }
 
+/// Whether instances are those of a declared class: what it doesn't offer can't be done with them.
+bool isDeclared(const ZMetaType* type);
+
 /// The stored properties of a type, borrowed under an open guard. Null without memory.
 const StoredList* storedOf(const ZMetaType* type);
 void retireStored(StoredList* list);

@@ -46,6 +46,11 @@ int sign(int order) { return (order > 0) - (order < 0); }
 
 } // namespace
 
+bool orv::isDeclared(const ZMetaType* type) {
+    while (type && !type->declaration()) type = type->getMainType() ? type->getMainType() : type->primaryBase();
+    return type != nullptr;
+}
+
 /// A class whose declaration says that it can't be made or copied isn't made or copied as its base.
 ZTypeCallback ZMetaType::instanceCallback(CallBack index) const {
     const ZMetaType* type = typeKind == Pointer ? nullptr : described();

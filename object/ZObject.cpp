@@ -4,7 +4,7 @@
 #include "core/construct.h"
 #include "core/debug.h"
 #include "core/state.h"
-#include "object/ZMetaType.h"
+#include "object/ZMetaTypeData.h"
 #include "object/ZMethodRef.h"
 #include "object/ZObjectData.h"
 #include "object/ZPropertyPtr.h"
@@ -200,7 +200,8 @@ void ZObject::release() {
 }
 
 ZType* ZObject::copy() const {
-    if (metaType && metaType->instanceCallback(ZMetaType::CopyInstance1)) return ZType::copy();
+    if (metaType && (metaType->instanceCallback(ZMetaType::CopyInstance1) || orv::isDeclared(metaType)))
+        return ZType::copy();
     return zmake<ZObject>(this, orv::passType(metaType));
 }
 

@@ -2,7 +2,7 @@
 
 #include "core/construct.h"
 #include "core/memlock.h"
-#include "object/ZMetaType.h"
+#include "object/ZMetaTypeData.h"
 #include "object/ZPropertyPtr.h"
 #include "object/ZPropertyRef.h"
 #include "object/ztype.h"
@@ -87,6 +87,8 @@ void ZType::release() {
 ZType* ZType::copy() const {
     if (metaType && metaType->instanceCallback(ZMetaType::CopyInstance1))
         return static_cast<ZType*>(metaType->copyToBlock(this));
+    // A class that can't be copied isn't copied as its base.
+    if (orv::isDeclared(metaType)) return nullptr;
     ZType* made = zmake<ZType>(this, orv::passType(metaType));
     // No tag stands for the class's own type.
     if (made && !metaType) made->setType(static_cast<ZMetaType*>(nullptr));

@@ -1,5 +1,7 @@
 #include "object/ZType.h"
+#include "object/ZDetachContext.h"
 #include "object/glueRows.h"
+#include "object/ztype.h"
 #include "tests/object/HandMade.h"
 #include "tests/support/CoreScope.h"
 
@@ -198,6 +200,10 @@ TEST_F(MetaTypeInstances, ClassesOfTypesBelongToTheTypeThatMadeThem) {
     EXPECT_FALSE(strict->copyInstance(room, source));
     type->releaseInstance(source);
     EXPECT_EQ(Counted::alive, 0);
+    ZObject* context = static_cast<ZObject*>(ztype<ZDetachContext>()->createInstance());
+    ASSERT_TRUE(context);
+    EXPECT_EQ(context->copy(), nullptr) << "an object of another class would bear its type";
+    context->release();
 }
 
 TEST_F(MetaTypeInstances, WhatCantBeMadeLeavesNothing) {
