@@ -28,8 +28,7 @@ ZMethod* accessor(const ZMetaType* type, ZTypedPtr* typed, CachedMethod* place, 
     int offset = 0;
     ZMethod* method;
     if (place) {
-        bool known = toolkit::loadAcquire(place->state) != CachedMethod::Unknown;
-        method = orv::cachedMethod(type, *place, known ? ZSelector() : signature(), qualifier, offset);
+        method = orv::cachedMethod(type, *place, signature, qualifier, offset);
     } else {
         ZSelector text = signature();
         method = text.isEmpty() ? nullptr : type->methodType(&offset, text, qualifier);

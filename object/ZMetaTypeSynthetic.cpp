@@ -57,11 +57,9 @@ struct Answering {
         orv::SyntheticMethods* methods = typed.instance ? orv::syntheticMethods(type) : nullptr;
         if (!methods) return;
         orv::CachedMethod& place = methods->places[int(operation)];
-        ZSelector signature;
-        if (toolkit::loadAcquire(place.state) == orv::CachedMethod::Unknown)
-            signature = ZSelector(signatures[int(operation)]);
         int offset = 0;
-        ZMethod* found = orv::cachedMethod(type, place, signature, zsel<"const">(), offset);
+        ZMethod* found = orv::cachedMethod(
+            type, place, [&] { return ZSelector(signatures[int(operation)]); }, zsel<"const">(), offset);
         if (!found || !found->hasStacked()) return;
         method = found;
         instance = static_cast<char*>(typed.instance) + offset;

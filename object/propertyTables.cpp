@@ -19,6 +19,15 @@ constexpr uint mostMisses = 256;
 
 const PropertyTree noProperties;
 
+/// Whether what this thread hasn't found since may be kept as not being there.
+class Search {
+public:
+    bool ranOutOfMemory() const { return toolkit::refusedAllocations() != refused; }
+
+private:
+    const uint refused = toolkit::refusedAllocations();
+};
+
 void freeLookup(PropertyLookup* row) {
     if (row->property) row->property->release();
     auto drop = [](CachedMethod& place) { ZMethod::release(place.method); };
@@ -208,6 +217,7 @@ PropertyLookup* lookUpProperty(const ZMetaType* type, const ZSelector& name) {
             return row->property ? row : nullptr;
 
     if (buildsTables()) generation = 0;
+    const Search search;
     Declared found;
     bool known = findDeclared(type, name, found, 0);
     auto row = zmake<PropertyLookup>();
@@ -219,7 +229,7 @@ PropertyLookup* lookUpProperty(const ZMetaType* type, const ZSelector& name) {
         row->offset = found.offset;
     }
     PropertyCache* old = nullptr;
-    PropertyLookup* kept = keep(tables, row, generation, old);
+    PropertyLookup* kept = search.ranOutOfMemory() ? nullptr : keep(tables, row, generation, old);
     if (old) toolkit::epochRetire(old, reclaimCache);
     // What can't be kept holds until the caller's guard closes.
     if (kept != row) toolkit::epochRetire(row, reclaimLookup);
@@ -227,18 +237,17 @@ PropertyLookup* lookUpProperty(const ZMetaType* type, const ZSelector& name) {
     return kept->property ? kept : nullptr;
 }
 
-ZMethod* cachedMethod(const ZMetaType* type, CachedMethod& place, const ZSelector& signature,
-                      const ZSelector& qualifier, int& offset) {
-    if (toolkit::loadAcquire(place.state) == CachedMethod::Unknown) {
-        int at = 0;
-        ZMethod* method = signature.isEmpty() ? nullptr : type->methodType(&at, signature, qualifier);
-        fill(tablesOf(type), place, method, at, [] {});
-    }
-    offset = place.offset;
-    return place.method;
+bool findCachedMethod(const ZMetaType* type, CachedMethod& place, const ZSelector& signature,
+                      const ZSelector& qualifier, uint refused) {
+    int at = 0;
+    ZMethod* method = signature.isEmpty() ? nullptr : type->methodType(&at, signature, qualifier);
+    if (!method && toolkit::refusedAllocations() != refused) return false;
+    fill(tablesOf(type), place, method, at, [] {});
+    return true;
 }
 
 const CachedMethod* findReadAccessor(const ZMetaType* type, PropertyLookup* row) {
+    const Search search;
     // A const getter is asked before one that could change the instance, a pointer last.
     static constexpr int forms[] = {2, 0, 3, 1};
     ZMethod* method = nullptr;
@@ -246,8 +255,9 @@ const CachedMethod* findReadAccessor(const ZMetaType* type, PropertyLookup* row)
     int offset = 0;
     for (int form : forms) {
         bool constForm = form & 2, ptrForm = form & 1;
-        method = cachedMethod(type, row->getters[form], row->property->getter(ptrForm, constForm, false),
-                              constForm ? zsel<"const">() : ZSelector(), offset);
+        method = cachedMethod(
+            type, row->getters[form], [&] { return row->property->getter(ptrForm, constForm, false); },
+            constForm ? zsel<"const">() : ZSelector(), offset);
         if (!method) continue;
         plan = readPlan(method, type);
         if (ptrForm && plan.shape == ReadPlan::Pointer && !plan.type->getDataType()->holdsZType()) {
@@ -257,6 +267,7 @@ const CachedMethod* findReadAccessor(const ZMetaType* type, PropertyLookup* row)
         if (plan.shape != ReadPlan::Nothing) break;
         method = nullptr;
     }
+    if (!method && search.ranOutOfMemory()) return nullptr;
     fill(tablesOf(type), row->read, method, offset, [&] { row->readPlan = plan; });
     return row->read.method ? &row->read : nullptr;
 }
@@ -266,6 +277,7 @@ const CachedMethod* readAccessor(const ZMetaType* type, const PropertyCatalogue:
         PropertyLookup* row = lookUpProperty(type, entry.property->name());
         if (!row || row->property != entry.property) return nullptr;
         const CachedMethod* found = readAccessor(type, row);
+        if (!found && toolkit::loadAcquire(row->read.state) == CachedMethod::Unknown) return nullptr;
         fill(tablesOf(type), entry.read, found ? found->method : nullptr, found ? found->offset : 0,
              [&] { entry.readPlan = row->readPlan; });
     }
@@ -273,12 +285,15 @@ const CachedMethod* readAccessor(const ZMetaType* type, const PropertyCatalogue:
 }
 
 const CachedMethod* findWriteAccessor(const ZMetaType* type, PropertyLookup* row) {
+    const Search search;
     int offset = 0;
-    ZMethod* method =
-        cachedMethod(type, row->places[int(Accessor::Setter) - 1], row->property->setter(false), ZSelector(), offset);
+    ZMethod* method = cachedMethod(
+        type, row->places[int(Accessor::Setter) - 1], [&] { return row->property->setter(false); }, ZSelector(),
+        offset);
     WritePlan plan;
     if (method) plan = writePlan(method, 1, type);
     if (!plan.usable) method = nullptr;
+    if (!method && search.ranOutOfMemory()) return nullptr;
     fill(tablesOf(type), row->write, method, offset, [&] { row->writePlan = plan; });
     return row->write.method ? &row->write : nullptr;
 }
@@ -350,10 +365,11 @@ const PropertyCatalogue* propertyCatalogue(const ZMetaType* type) {
     PropertyCatalogue* known = tables.catalogue.load();
     if (ORV_LIKELY(known && known->generation == generation)) return known;
     if (buildsTables()) generation = 0;
+    const Search search;
     auto fresh = zmake<PropertyCatalogue>();
     if (!fresh) return nullptr;
     Places places;
-    if (!collect(*fresh, places, type, 0, 0)) {
+    if (!collect(*fresh, places, type, 0, 0) || search.ranOutOfMemory()) {
         zrelease(fresh);
         return nullptr;
     }

@@ -7,6 +7,7 @@
 #include "object/propertySignatures.h"
 #include "object/typeGeneration.h"
 #include "toolkit/epoch.h"
+#include "toolkit/refusals.h"
 
 /// What a metatype keeps about properties. What a reader can meet is published through `EpochPtr` and not changed in
 /// place, save for words that are filled in once; so a lookup takes no lock and writes nothing shared.
@@ -156,9 +157,20 @@ inline const CachedMethod* writeAccessor(const ZMetaType* type, PropertyLookup* 
 }
 /// The same for an entry of the type's catalogue.
 const CachedMethod* readAccessor(const ZMetaType* type, const PropertyCatalogue::Entry& entry);
-/// A method of the type, looked up once for the place.
-ZMethod* cachedMethod(const ZMetaType* type, CachedMethod& place, const ZSelector& signature,
-                      const ZSelector& qualifier, int& offset);
+/// Looks a method up for a place; false if that ran out of memory, which has refused so many allocations before.
+bool findCachedMethod(const ZMetaType* type, CachedMethod& place, const ZSelector& signature,
+                      const ZSelector& qualifier, uint refused);
+/// A method of the type, looked up once for the place; `signature` makes its text. Null if there is none.
+template <class F>
+ZMethod* cachedMethod(const ZMetaType* type, CachedMethod& place, F signature, const ZSelector& qualifier,
+                      int& offset) {
+    if (ORV_UNLIKELY(toolkit::loadAcquire(place.state) == CachedMethod::Unknown)) {
+        const uint refused = toolkit::refusedAllocations();
+        if (!findCachedMethod(type, place, signature(), qualifier, refused)) return nullptr;
+    }
+    offset = place.offset;
+    return place.method;
+}
 /// Borrowed under an open guard; null without memory.
 const PropertyCatalogue* propertyCatalogue(const ZMetaType* type);
 

@@ -1,5 +1,6 @@
 #include "toolkit/memory.h"
 
+#include "toolkit/refusals.h"
 #include "toolkit/sanitized.h"
 #include "toolkit/thread.h"
 
@@ -120,6 +121,13 @@ bool checkHeap() {
     return info.uordblks <= info.arena;
 }
 
+static ORV_THREAD_LOCAL uint refusals = 0;
+uint refusedAllocations() { return refusals; }
+[[gnu::noinline, gnu::cold]] static void* refused() {
+    ++refusals;
+    return nullptr;
+}
+
 static inline void* finish(void* raw, size_t size) {
     auto head = static_cast<BlockHead*>(raw);
     *head = {uint32_t(size), 1, uint32_t(size >> 32) << 24, 0};
@@ -129,9 +137,9 @@ static inline void* finish(void* raw, size_t size) {
 /// The way of an allocation that hooks watch.
 [[gnu::noinline, gnu::cold]] static void* allocWatched(size_t size, bool zero) {
     const AllocHooks* watch = allocHooks();
-    if (watch && !watch->allow(size)) return nullptr;
+    if (watch && !watch->allow(size)) return refused();
     void* raw = std::malloc(rounded(size));
-    if (!raw) return nullptr;
+    if (!raw) return refused();
     void* payload = finish(raw, size);
     if (zero) std::memset(payload, 0, size);
     if (watch) watch->made(payload, size, threadState.typeLabel);
@@ -145,7 +153,7 @@ void* allocBlock(size_t size) {
     if (ORV_UNLIKELY(size > blockLimit)) return nullptr;
     if (ORV_UNLIKELY(load(hooks) != nullptr)) return allocWatched(size, false);
     void* raw = take(size);
-    return ORV_LIKELY(raw != nullptr) ? finish(raw, size) : nullptr;
+    return ORV_LIKELY(raw != nullptr) ? finish(raw, size) : refused();
 }
 
 void* allocZeroedBlock(size_t size) {
@@ -154,7 +162,7 @@ void* allocZeroedBlock(size_t size) {
     // Large blocks come from fresh pages, which calloc knows to be zero.
     constexpr size_t fresh = 128 * 1024;
     void* raw = size < fresh ? take(size) : std::calloc(1, rounded(size));
-    if (ORV_UNLIKELY(!raw)) return nullptr;
+    if (ORV_UNLIKELY(!raw)) return refused();
     void* payload = finish(raw, size);
     if (caching && size <= 64) {
         // Whole 16-byte steps: the room reaches to the next of them.
@@ -191,7 +199,7 @@ void* reallocBlock(void* payload, size_t size) {
     if (size > blockLimit) return nullptr;
     if (ORV_UNLIKELY(allocHooks() != nullptr)) return reallocWatched(payload, size);
     auto moved = static_cast<BlockHead*>(std::realloc(blockHead(payload), rounded(size)));
-    if (!moved) return nullptr;
+    if (!moved) return refused();
     setSize(moved, size);
     return moved + 1;
 }

@@ -397,6 +397,28 @@ TEST_F(TypeProperties, FailingAllocationsLeaveEverythingAsItWas) {
     });
 }
 
+TEST_F(TypeProperties, WhatFailedForWantOfMemoryIsLookedUpAgain) {
+    Held shape;
+    ZMetaType* type = ztype<TestShape>();
+    AllocProbe probe;
+    bool failed = true;
+    for (long n = 1; failed && n < 2000; ++n) {
+        type->resetType(false);
+        probe.failAt(n);
+        shape->getProperty(name("width"));
+        shape->setProperty(name("label"), ZVariant(1));
+        shape->getPropertyCount(name("side"));
+        shape->propertyCount();
+        failed = probe.failed();
+        probe.failAt(0);
+        EXPECT_EQ(shape->getProperty(name("width")).toInt(), 3) << n;
+        EXPECT_TRUE(shape->setProperty(name("label"), ZVariant("text"))) << n;
+        EXPECT_EQ(shape->getPropertyCount(name("side")), 4) << n;
+        EXPECT_EQ(shape->propertyCount(), 11u) << n;
+    }
+    EXPECT_FALSE(failed);
+}
+
 namespace {
 struct Seen {
     int values = 0;
