@@ -7,12 +7,18 @@
 #include "object/ZCompositeType.h"
 #include "object/ZEnumType.h"
 #include "object/ZObject.h"
+#include "object/ZProperty.h"
 #include "object/ZPropertyRef.h"
 #include "object/ZType.h"
 #include "object/glue.h"
 #include "text/ZBlendPos.h"
 #include "value/ZTypedPtr.h"
 #include "value/ZVariant.h"
+
+/// The lookups of an accessor method, by name and by property.
+#define ORV_ACCESSOR_LOOKUPS(name)                                                                                     \
+    ORV_METHOD(ZMethod*, name, (ZTypedPtr*, const ZSelector&), const, "unsafe"),                                       \
+        ORV_METHOD(ZMethod*, name, (ZTypedPtr*, const ZProperty*), const, "unsafe")
 
 namespace orv::glue {
 
@@ -164,6 +170,8 @@ template <> struct Table<ZMetaType> : Declares<ZMetaType> {
         ORV_METHOD(int, storedPropertyCount, (), const),
         ORV_METHOD(int, storedPropertyOffset, (int), const),
         ORV_METHOD(ZSelector, storedPropertyName, (int), const),
+        ORV_METHOD(ZProperty*, storedPropertyDef, (int), const),
+        ORV_METHOD(ZProperty*, storedPropertyDef, (const ZSelector&), const),
         ORV_METHOD(ZMetaType*, storedPropertyType, (int), const),
         ORV_METHOD(bool, isVariant, (), const),
         ORV_METHOD(bool, isZeroable, (), const),
@@ -252,9 +260,15 @@ template <> struct Table<ZMetaType> : Declares<ZMetaType> {
         ORV_METHOD(bool, addUserMethods, (const ZMetaType*), , "unsafe"),
         ORV_METHOD(bool, removeUserMethod, (const ZSelector&, const ZSelector&), , "unsafe"),
         ORV_METHOD(bool, addUserProperties, (const ZMetaType*), , "unsafe"),
+        ORV_METHOD(bool, addUserProperty, (const ZProperty&), , "unsafe"),
         ORV_METHOD(bool, removeUserProperty, (const ZSelector&), , "unsafe"),
         ORV_METHOD(uint, fixedPropertyCount, (), const),
         ORV_METHOD(uint, propertyDefCount, (), const),
+        ORV_METHOD(bool, propertyDef, (ZTypedPtr*, const ZSelector&, ZProperty&), const, "unsafe"),
+        ORV_METHOD(bool, propertyDef, (const ZSelector&, ZProperty&), const, "unsafe"),
+        ORV_METHOD(ZProperty*, findPropertyOfType, (const ZMetaType*), const),
+        ORV_METHOD(ZProperty*, findPropertyDef, (ZTypedPtr*, const ZSelector&), const, "unsafe"),
+        ORV_METHOD(ZProperty*, findPropertyDef, (const ZSelector&), const),
         ORV_METHOD(bool, propertyDefNames, (ZArrayT<ZSelector>&), const),
         ORV_METHOD(bool, propertyDefsWithOptions, (const ZSelector&, ZArrayT<ZSelector>&), const),
         ORV_METHOD(bool, collectRetainedObjectNames, (ZArrayT<ZSelector>&), const),
@@ -270,10 +284,29 @@ template <> struct Table<ZMetaType> : Declares<ZMetaType> {
         ORV_METHOD(bool, getPropertyDef, (ZTypedPtr*, const ZSelector&, ZVariant&), const, "unsafe"),
         ORV_METHOD(ZMetaType*, propertyDefType, (const ZSelector&), const),
         ORV_METHOD(ZMetaType*, propertyDefType, (ZTypedPtr*, const ZSelector&), const, "unsafe"),
+        ORV_METHOD(bool, getPropertyDef, (const ZProperty*, const void*, ZVariant&), const, "unsafe"),
+        ORV_METHOD(bool, setPropertyDef, (const ZProperty&), , "unsafe"),
         ORV_METHOD(bool, addPropertyDefs, (const ZMetaType*), , "unsafe"),
         ORV_METHOD(bool, removePropertyDef, (const ZSelector&), , "unsafe"),
+        ORV_METHOD(ZMethod*, getterMethod, (ZTypedPtr*, const ZSelector&, bool, bool, bool), const, "unsafe"),
+        ORV_METHOD(ZMethod*, getterMethod, (ZTypedPtr*, const ZProperty*, bool, bool, bool), const, "unsafe"),
+        ORV_METHOD(ZMethod*, setterMethod, (ZTypedPtr*, const ZSelector&, bool), const, "unsafe"),
+        ORV_METHOD(ZMethod*, setterMethod, (ZTypedPtr*, const ZProperty*, bool), const, "unsafe"),
+        ORV_ACCESSOR_LOOKUPS(counterMethod),
+        ORV_ACCESSOR_LOOKUPS(propByIndexMethod),
+        ORV_ACCESSOR_LOOKUPS(hasPropMethod),
+        ORV_ACCESSOR_LOOKUPS(propKeyMethod),
+        ORV_ACCESSOR_LOOKUPS(propIndexMethod),
+        ORV_ACCESSOR_LOOKUPS(findKeyMethod),
+        ORV_ACCESSOR_LOOKUPS(findIndexMethod),
+        ORV_ACCESSOR_LOOKUPS(cleanerMethod),
+        ORV_ACCESSOR_LOOKUPS(removerMethod),
+        ORV_ACCESSOR_LOOKUPS(removeByIndexMethod),
+        ORV_ACCESSOR_LOOKUPS(inserterMethod),
+        ORV_ACCESSOR_LOOKUPS(adderMethod),
         ORV_METHOD(bool, setupProperties, (ZType*), , "unsafe"),
         ORV_METHOD(uint, syntheticPropertyCount, (const ZTypedPtr&), const, "unsafe"),
+        ORV_METHOD(bool, syntheticProperty, (const ZTypedPtr&, const ZSelector&, ZProperty&, bool), const, "unsafe"),
         ORV_METHOD(bool, syntheticPropertyNames, (const ZTypedPtr&, ZArrayT<ZSelector>&), const, "unsafe"),
         ORV_METHOD(bool, hasSyntheticProperty, (const ZTypedPtr&, const ZSelector&), const, "unsafe"),
         ORV_METHOD(ZMetaType*, getSyntheticPropertyType, (const ZTypedPtr&, const ZSelector&), const, "unsafe"),
@@ -388,3 +421,5 @@ template <> struct Table<ZMetaType> : Declares<ZMetaType> {
 } // namespace orv::glue
 
 ORV_DECLARE(ZMetaType);
+
+#undef ORV_ACCESSOR_LOOKUPS

@@ -7,6 +7,7 @@
 #include "object/ZEnumType.h"
 #include "object/ZMetaType.h"
 #include "object/ZObject.h"
+#include "object/ZProperty.h"
 #include "object/glue.h"
 #include "text/ZBlendPos.h"
 #include "text/ZFileName.h"
@@ -15,6 +16,7 @@
 #include "value/ZVSelectMap.h"
 #include "value/ZVariant.h"
 
+/
 namespace orv::glue {
 
 template <> struct Table<ZType> : Declares<ZType> {
@@ -158,3 +160,4 @@ template <> struct Table<ZType> : Declares<ZType> {
 } // namespace orv::glue
 
 ORV_DECLARE(ZType);
+
