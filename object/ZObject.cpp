@@ -167,6 +167,8 @@ ZObject::~ZObject() {
         if (parent) ZObject::unlink();
         if (metaType && priv->has(ObjectData::TypeLinked)) metaType->unlinkObject(this);
         orv::dropDelegates(this);
+        if (priv->has(ObjectData::ExtendTypes))
+            for (ZMetaType* type : std::as_const(priv->extendTypes)) type->release();
         orv::NameIndex::drop(priv->childNames);
         orv::NameIndex::drop(priv->delegateNames);
         priv->~ObjectData();

@@ -334,7 +334,7 @@ public:
     virtual bool getExtend(ZArrayT<ZObject*>& delegates) const;
     virtual ZListT<ZMetaType*> getExtendTypes() const;
     virtual bool getExtendTypes(ZArrayT<ZMetaType*>& types) const;
-    /// A type whose methods this object answers to behind its own, as an extension. Not retained.
+    /// A type whose methods this object answers to behind its own, as an extension. Retained.
     virtual bool addExtendType(ZMetaType* type);
     virtual bool removeExtendType(ZMetaType* type);
     virtual bool hasDelegate() const;

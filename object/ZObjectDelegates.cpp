@@ -357,6 +357,7 @@ bool ZObject::addExtendType(ZMetaType* type) {
         if (!held) return false;
         if (priv->extendTypes.contains(type)) return true;
         if (!priv->extendTypes.append(type)) return false;
+        ::retain(type);
         priv->set(ObjectData::ExtendTypes, true);
     }
     resetMethods();
@@ -371,6 +372,7 @@ bool ZObject::removeExtendType(ZMetaType* type) {
         if (priv->extendTypes.isEmpty()) priv->set(ObjectData::ExtendTypes, false);
     }
     resetMethods();
+    type->release();
     return true;
 }
 

@@ -31,9 +31,23 @@ bool takesArray(const ZMethod& method) {
     return method.paramCount() == 1 && method.paramType(1).mainType() == zsel<"ZArrayT<ZVariant>">();
 }
 
-bool callEntry(const ZMethodDispatch& entry, ZObject* object, const Arguments& arguments, bool asArray) {
+/// Whether its type alone decides what an object answers.
+bool answersAsItsType(const ZObject* object) {
+    const ObjectData* data = ObjectData::of(object);
+    return !data || !data->has(ObjectData::Methods | ObjectData::ExtMethods | ObjectData::ExtStale |
+                               ObjectData::ExtendTypes | ObjectData::Delegates);
+}
+
+bool callEntry(const ZMethodDispatch& entry, ZObject* object, const Arguments& arguments, bool asArray, bool ownEntry) {
     toolkit::EpochGuard guard;
-    const ZMethodRef target = entry.getMethod(object);
+    ZMethodRef target;
+    if (ownEntry || entry.isBound() || answersAsItsType(object)) {
+        target = entry.getMethod(object);
+    } else {
+        ZTypedPtr typed(object);
+        ZMethod* found = object->method(&typed, entry.methodName(), entry.qualifier());
+        target.set(found, typed.instance, typed.type);
+    }
     ZMethod* method = target.getMethod();
     if (!method || (asArray && !takesArray(*method))) return false;
     const void* instance = target.getInstance() ? target.getInstance() : object;
@@ -88,7 +102,7 @@ bool answer(ZObject* object, const ZSelector& name, const Arguments& arguments, 
     const ZVariant value = firstOfPath(object, name, rest);
     if (ZObject* next = rest.isEmpty() ? nullptr : value.toObject()) answered = call(next, rest, arguments, asArray);
     object->cleanDispatch();
-    answered |= orv::callEntries(entries(object), object, name, arguments, asArray);
+    answered |= orv::callEntries(entries(object), object, name, arguments, asArray, true);
     if (ZMetaType* type = object->type())
         answered |=
             asArray ? type->typeCallDispatch(object, name, arguments) : type->typeDispatch(object, name, arguments);
@@ -131,10 +145,10 @@ bool dispatch(ZObject* root, const ZSelector& name, const Arguments& arguments, 
 namespace orv {
 
 bool callEntries(const DispatchTable& table, ZObject* object, const ZSelector& name, const ZArrayT<ZVariant>& arguments,
-                 bool asArray) {
+                 bool asArray, bool ownTable) {
     bool answered = false;
     for (const ZMethodDispatch* entry = table.find(name); entry; entry = table.findNext(entry))
-        answered |= callEntry(*entry, object, arguments, asArray);
+        answered |= callEntry(*entry, object, arguments, asArray, ownTable);
     return answered;
 }
 

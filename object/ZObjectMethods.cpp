@@ -224,6 +224,15 @@ ZMethod* ZObject::findMultimethod(int* distance, const ZSelector& name, const ZA
         best = method;
         bestDistance = far;
     }
+    ZArrayT<ZMetaType*> extending;
+    if (priv && priv->has(ObjectData::ExtendTypes)) getExtendTypes(extending);
+    for (const ZMetaType* type : std::as_const(extending)) {
+        int far = -1;
+        ZMethod* found = type->multimethodType(&far, nullptr, name, types, implicit, skipResult, exactCount, qualifier);
+        if (!found || (best && far >= bestDistance)) continue;
+        best = found;
+        bestDistance = far;
+    }
     if (best && best->getFlags() & ZMethod::BaseMethod) bestDistance = 0;
     if (best && best->synthetic()) ++bestDistance;
     if (distance) *distance = bestDistance;

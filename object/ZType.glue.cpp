@@ -16,7 +16,6 @@
 #include "value/ZVSelectMap.h"
 #include "value/ZVariant.h"
 
-/
 namespace orv::glue {
 
 template <> struct Table<ZType> : Declares<ZType> {

@@ -7,6 +7,7 @@
 #include "object/ZEnumType.h"
 #include "object/ZMetaType.h"
 #include "object/ZObject.h"
+#include "object/ZProperty.h"
 #include "object/ZType.h"
 #include "object/glue.h"
 #include "text/ZBlendPos.h"

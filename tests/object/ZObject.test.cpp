@@ -50,15 +50,6 @@ TEST_F(ZObjectLife, EndsOnceAndInOrder) {
     EXPECT_EQ(gone, "!r!a!c!b!k");
 }
 
-TEST_F(ZObjectLife, WithoutAQueueNothingIsDiscarded) {
-    ZObject* object = zmake<ZObject>();
-    EXPECT_FALSE(object->discard() || object->markForDiscard() || object->isDiscarded() || object->revive());
-    object->releaseDiscarded();
-    object->cancelDiscarded();
-    EXPECT_EQ(object->refcount(), 1);
-    object->release();
-}
-
 TEST_F(ZObjectLife, InstancesOfAType) {
     ZMetaType* type = zmake<ZMetaType>(nullptr, "TestObject", ZMetaType::Object);
     ZMetaType* other = zmake<ZMetaType>(nullptr, "OtherObject", ZMetaType::Object);

@@ -1,3 +1,4 @@
+#include "object/ZMetaType.h"
 #include "object/ZMethodDispatch.h"
 #include "object/ZMethodPtr.h"
 #include "object/ZObject.h"
@@ -253,6 +254,38 @@ TEST_F(ZObjectDelegates, EntriesFollowDelegates) {
     middle->setDelegateType(ZObject::Priority);
     EXPECT_EQ(heard(), "b");
     for (ZObject* end : {owner, middle, below}) end->release();
+}
+
+/// The entries of a type are asked by all its objects, also by those with methods of their own.
+TEST_F(ZObjectDelegates, EntriesOfTypesAndTypesThatExtend) {
+    ZMetaType *type = zmake<ZMetaType>(nullptr, "HeardObject", ZMetaType::Object),
+              *extending = zmake<ZMetaType>(nullptr, "ExtendingObject", ZMetaType::Object);
+    ZMethod* method = ZMethod::create("void clicked(ZArrayT<ZVariant>&)", {}, 0, ZMethod::emptyFunc, note);
+    method->setContext(const_cast<char*>("t"));
+    EXPECT_TRUE(extending->setUserMethod(method, true));
+    ZMethod::release(method);
+    ZObject::DispatchTable entries;
+    EXPECT_TRUE(entries.add(ZMethodDispatch::create(ZMethodDispatch("click", "void clicked(ZArrayT<ZVariant>&)"))));
+    EXPECT_TRUE(type->addTypeDispatch(entries));
+    ZObject* object = zmake<ZObject>(orv::passType(type));
+    const auto heard = [&] {
+        calls.clear();
+        object->callDispatch("click");
+        return calls;
+    };
+    EXPECT_EQ(heard(), "");
+    EXPECT_TRUE(object->addExtendType(extending));
+    EXPECT_EQ(heard(), "t");
+    extending->release(); // the object holds it
+    {
+        toolkit::EpochGuard guard;
+        EXPECT_NE(object->multimethod("clicked", ZArrayT<ZMetaType*>()), nullptr);
+    }
+    give(object, "void clicked(ZArrayT<ZVariant>&)", "o");
+    EXPECT_EQ(heard(), "o");
+    EXPECT_TRUE(object->removeMethods() && object->removeExtendType(extending));
+    EXPECT_EQ(heard(), "");
+    for (ZObject* end : {object, static_cast<ZObject*>(type)}) end->release();
 }
 
 /// Hears what passes, and answers itself or leaves the answer to its base.
