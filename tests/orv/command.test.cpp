@@ -39,6 +39,7 @@ TEST(Command, ExitStatusAndWhereThingsGo) {
         {"types", 0, "orv.core.object : ZMetaType\n", ""},
         {"types ZObject --methods --properties", 0, "ZObject* findObject(const ZSelector&, bool) const\n", ""},
         {"types ZObject --methods --properties", 0, "ZSelector selector  \"store value\"\n", ""},
+        {"types ZMethod --methods", 0, "ZMethod* create()  \"static creator\"\n", ""},
         {"types ZObject", 0, "ZObject : ZType\n", ""},
         {"types ZSring", 1, "", "no type \"ZSring\"; did you mean ZString"},
         {"types ZRange --json", 0, "{\"name\": \"ZRange\", \"package\": \"orv.core.base\"", ""},

@@ -8,6 +8,7 @@
 #include "object/ZMethodPtr.h"
 #include "object/ZProperty.h"
 #include "object/ZPropertyPtr.h"
+#include "object/methodWords.h"
 #include "object/propertyWords.h"
 #include "toolkit/epoch.h"
 #include "tools/orv/command.h"
@@ -75,11 +76,14 @@ struct TypeText {
     std::vector<MethodText> methods;
 };
 
-std::string words(uint flags, const ZSelector& options) {
+uint cleared(const PropertyWord&) { return 0; }
+uint cleared(const MethodWord& word) { return word.cleared; }
+/// The words of an option language that say these flags, and those that are options.
+template <class Words> std::string words(const Words& known, uint flags, const ZSelector& options) {
     std::string out;
     uint told = 0;
-    for (const PropertyWord& word : propertyWords) {
-        if ((flags & word.flags) != word.flags || !(word.flags & ~told)) continue;
+    for (const auto& word : known) {
+        if ((flags & word.flags) != word.flags || !(word.flags & ~told) || (flags & cleared(word))) continue;
         told |= word.flags;
         out += (out.empty() ? "" : " ") + std::string(word.word);
     }
@@ -122,12 +126,14 @@ TypeText describe(ZMetaType& type, bool methods, bool properties) {
                             *index = property.getIndex();
             made.properties.push_back({value ? text(value->getName()) : "", text(property.name()),
                                        item && item != value ? text(item->getName()) : "",
-                                       index ? text(index->getName()) : "", words(property.flags(), property.options()),
-                                       property.version(), property.sandBoxLevel()});
+                                       index ? text(index->getName()) : "",
+                                       words(propertyWords, property.flags(), property.options()), property.version(),
+                                       property.sandBoxLevel()});
         }
     if (methods)
         for (const ZMethodPtr& entry : type.getMethodTypes())
-            made.methods.push_back({text(entry->getSelector()), text(entry->getQualifier()), text(entry->getOptions()),
+            made.methods.push_back({text(entry->getSelector()), text(entry->getQualifier()),
+                                    words(methodWords, entry->getFlags(), entry->getOptions()),
                                     entry->getSandBoxLevel()});
     return made;
 }
