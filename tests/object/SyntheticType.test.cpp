@@ -1,8 +1,8 @@
 #include "object/SyntheticType.h"
 
 #include "object/ztype.h"
+#include "tests/object/enumText.h"
 #include "tests/support/CoreScope.h"
-#include "tests/support/SelectorScope.h"
 #include "tests/support/invoke.h"
 #include "value/ZTypedPtr.h"
 #include "value/ZVSelectMap.h"
@@ -15,9 +15,7 @@ using SyntheticTest = CoreTest;
 std::string namesOf(const ZVariant& value) {
     ZArrayT<ZSelector> names;
     EXPECT_TRUE(value.propertyNames(names));
-    std::string all;
-    for (const ZSelector& name : names) all += (all.empty() ? "" : " ") + text(name);
-    return all;
+    return join(names);
 }
 
 TEST_F(SyntheticTest, TheWordsOfASelectorAreProperties) {

@@ -4,6 +4,7 @@
 #include "object/ZProperty.h"
 #include "object/ztype.h"
 #include "tests/support/CoreScope.h"
+#include "toolkit/epoch.h"
 #include "value/ZVArray.h"
 #include "value/ZVSelectMap.h"
 #include "value/ZVariant.h"
@@ -114,6 +115,30 @@ TEST_F(ZDetachContextTest, WhatIsTooDeepIsRefused) {
             all.pop_back();
         }
     }
+}
+
+TEST_F(ZDetachContextTest, EachFailingAllocationLeavesWhatWasHeld) {
+    ZObject *inner = holding(nullptr), *outer = holding(inner);
+    const ZVariant shared(outer);
+    auto detach = [&] {
+        ZVariant value(shared);
+        const bool done = ZDetachContext::detachValue(value);
+        ZObject* held = value.toObject();
+        EXPECT_TRUE(held && (held == outer) == !done);
+        if (held) { EXPECT_EQ(nextOf(held) == inner, !done); }
+        value.clear();
+        toolkit::epochDrain();
+        return done;
+    };
+    EXPECT_TRUE(detach()) << "fills what is filled once";
+    failEachAllocation([&](AllocProbe& probe) {
+        const bool done = detach();
+        EXPECT_TRUE(done || probe.failed());
+        zrecover();
+    });
+    EXPECT_EQ(nextOf(outer), inner);
+    inner->release();
+    outer->release();
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 #include "object/ZEnum.h"
 
 #include "object/ztype.h"
+#include "tests/object/enumText.h"
 #include "tests/support/CoreScope.h"
-#include "tests/support/SelectorScope.h"
 #include "text/ZString.h"
 #include "value/ZVArray.h"
 
@@ -21,19 +21,6 @@ ZEnum enumOf(const char* name, const std::vector<Item>& items) {
     for (const Item& item : items) EXPECT_TRUE(made.add(ZSelector(item.name), item.value));
     return made;
 }
-/// "a=1 b=2": what each value is called, in order.
-std::string print(const ZEnum& data) {
-    std::string all;
-    for (uint i = 0; i < data.count(); ++i)
-        all += (i ? " " : "") + text(data.nameAtIndex(int(i))) + "=" + std::to_string(data.valueAtIndex(int(i)));
-    return all;
-}
-std::string join(const ZArrayT<ZSelector>& names) {
-    std::string all;
-    for (const ZSelector& name : names) all += (all.empty() ? "" : " ") + text(name);
-    return all;
-}
-
 TEST_F(EnumTest, ValuesCountOnBehindTheLastAdded) {
     ZEnum data("Mode", 4);
     EXPECT_TRUE(data.add("a") && data.add("b", 10) && data.add("c"));

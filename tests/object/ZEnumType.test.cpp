@@ -3,7 +3,7 @@
 #include "core/construct.h"
 #include "object/ZProperty.h"
 #include "object/ztype.h"
-#include "tests/support/SelectorScope.h"
+#include "tests/object/enumText.h"
 #include "tests/support/TypeTest.h"
 #include "tests/support/invoke.h"
 #include "text/ZString.h"
@@ -15,19 +15,6 @@
 namespace {
 
 using EnumTypeTest = TypeTest;
-
-/// "a=1 b=2": what each value is called, in order.
-std::string print(const ZEnum& data) {
-    std::string all;
-    for (uint i = 0; i < data.count(); ++i)
-        all += (i ? " " : "") + text(data.nameAtIndex(int(i))) + "=" + std::to_string(data.valueAtIndex(int(i)));
-    return all;
-}
-std::string join(const ZArrayT<ZSelector>& names) {
-    std::string all;
-    for (const ZSelector& name : names) all += (all.empty() ? "" : " ") + text(name);
-    return all;
-}
 
 struct ReleaseType {
     void operator()(ZMetaType* type) const { type->release(); }
