@@ -10,7 +10,10 @@
 #include "value/ZTypedPtr.h"
 #include "value/ZVariant.h"
 
+#include <atomic>
 #include <memory>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -161,6 +164,27 @@ TEST_F(EnumTypeTest, EachFailingAllocationLeavesTheTypeAsItWas) {
         toolkit::epochDrain();
         EXPECT_EQ(print(type->data()), "Bold=1 Italic=2 Overline=4");
     }
+}
+
+TEST_F(EnumTypeTest, ReadersGoOnWhileTheTableChanges) {
+    EnumTypeHolder type = styleType();
+    std::atomic<bool> over{false};
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> readers;
+    for (int i = 0; i < 2; ++i)
+        readers.emplace_back([&] {
+            const ZSelector name("Italic");
+            const int value = 2;
+            const ZTypedPtr at(type.get(), &value);
+            while (!over)
+                wrong += type->value(name) != 2 || !(type->name(2) == name) ||
+                         !type->getSyntheticProperty(at, name, true).toBool() ||
+                         type->resolve(ZString("Bold|Italic")) != 3;
+        });
+    for (int i = 0; i < 300; ++i) EXPECT_TRUE(type->add("Added", 8) && type->remove("Added"));
+    over = true;
+    for (std::thread& reader : readers) reader.join();
+    EXPECT_EQ(wrong, 0);
 }
 
 } // namespace

@@ -10,7 +10,10 @@
 #include "tests/support/TypeTest.h"
 #include "value/ZVariant.h"
 
+#include <atomic>
 #include <memory>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -193,6 +196,30 @@ TEST_F(CategoryTest, EachFailingAllocationLeavesTheTypeWithoutTheCategory) {
         ASSERT_LT(n, 500);
     }
     EXPECT_TRUE(test.type->removeCategory(category.get()));
+}
+
+TEST_F(CategoryTest, LookupsGoOnWhileCategoriesComeAndGo) {
+    Fixture test;
+    auto first = test.category("First"), second = test.category("Second");
+    ASSERT_TRUE(addMethod(*first, "int area()", &marks[0]) && addMethod(*second, "int area()", &marks[1]) &&
+                test.type->addCategory(second.get()));
+    std::atomic<bool> over{false};
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> readers;
+    for (int i = 0; i < 2; ++i)
+        readers.emplace_back([&] {
+            while (!over) {
+                void* mark = markOf(*test.type, "int area()");
+                wrong += mark && mark != &marks[0] && mark != &marks[1];
+                wrong += !test.type->hasCategory("Second");
+            }
+        });
+    for (int i = 0; i < 100; ++i)
+        EXPECT_TRUE(test.type->addCategory(first.get()) && test.type->removeCategory("First"));
+    over = true;
+    for (std::thread& reader : readers) reader.join();
+    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(markOf(*test.type, "int area()"), &marks[1]);
 }
 
 } // namespace
