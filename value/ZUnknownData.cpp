@@ -19,9 +19,13 @@ ZUnknownData::ZUnknownData(const ZSelector& typeName, const void* bytes, size_t 
     else
         ZError::fail();
 }
-ZUnknownData::ZUnknownData(const ZUnknownData* source, const __ZPassMetaType* type)
-    : ZType(source, tagOr(type)), unknownType(source->unknownType), data(::retain(source->data)),
-      length(source->length), isBigEndian(source->isBigEndian) {}
+ZUnknownData::ZUnknownData(const ZUnknownData* source, const __ZPassMetaType* type) : ZType(source, tagOr(type)) {
+    if (!source) return;
+    unknownType = source->unknownType;
+    data = ::retain(source->data);
+    length = source->length;
+    isBigEndian = source->isBigEndian;
+}
 ZUnknownData::~ZUnknownData() { zfree(data); }
 
 ZType* ZUnknownData::copy() const { return zmake<ZUnknownData>(this, orv::passType(metaType)); }
