@@ -40,6 +40,15 @@ bool AncestorWalk::collect(const ZMetaType* from) {
     return true;
 }
 
+bool AncestorWalk::same(const AncestorList& list) const {
+    if (list.count != count) return false;
+    for (uint i = 0; i < count; ++i) {
+        const Ancestor &a = entries[i], &b = list.entries()[i];
+        if (a.type != b.type || a.offset != b.offset || a.depth != b.depth || a.isAlias != b.isAlias) return false;
+    }
+    return true;
+}
+
 bool AncestorWalk::addLinks(const Ancestor& of) {
     ZArrayT<BaseLink> bases, aliases;
     of.type->copyLinks(bases, aliases);
@@ -61,9 +70,14 @@ const AncestorList* ancestorsOf(const ZMetaType* type) {
     auto& cell = const_cast<MetaTypeData&>(type->record()).ancestors;
     const ularge now = typeGeneration();
     AncestorList* known = cell.load();
-    if (ORV_LIKELY(known && known->generation == now)) return known;
+    if (ORV_LIKELY(known && toolkit::loadAcquire(known->generation) == now)) return known;
     AncestorWalk walk;
     if (!walk.collect(type)) return nullptr;
+    // Most changes are those of other types.
+    if (known && walk.same(*known)) {
+        toolkit::storeRelease(known->generation, now);
+        return known;
+    }
     auto fresh = static_cast<AncestorList*>(__zalloc(sizeof(AncestorList) + walk.count * sizeof(Ancestor)));
     if (!fresh) return nullptr;
     ::new (fresh) AncestorList{{}, now, walk.count};

@@ -22,7 +22,7 @@ struct Ancestor {
 
 /// All ancestors of a type, nearest first, each once. Published whole; replaced when any base graph changes.
 struct AncestorList : toolkit::EpochLink {
-    ularge generation; ///< see `typeGeneration`
+    ularge generation; ///< the `typeGeneration` for which it was last found right
     uint count;
     Ancestor* entries() { return reinterpret_cast<Ancestor*>(this + 1); }
     const Ancestor* entries() const { return reinterpret_cast<const Ancestor*>(this + 1); }
@@ -215,6 +215,7 @@ struct AncestorWalk {
     ~AncestorWalk() { zfree(entries); }
     /// False without memory.
     bool collect(const ZMetaType* from);
+    bool same(const AncestorList& list) const;
 
 private:
     bool add(const ZMetaType* type, int offset, uint depth, bool isAlias);
