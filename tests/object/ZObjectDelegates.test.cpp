@@ -326,6 +326,7 @@ TEST_F(ZObjectDelegates, LongNames) {
                 two->addProperty("a", ZVariant(static_cast<const ZType*>(one))));
     give(two, "void heard(ZArrayT<ZVariant>&)", "h");
     two->addDispatch("end", "void heard(ZArrayT<ZVariant>&)", {});
+    give(two, "void run()", "r");
     for (const int parts : {1, 511, 513, 100001}) {
         std::string path;
         for (int i = 0; i < parts; ++i) path += "a.";
@@ -333,6 +334,9 @@ TEST_F(ZObjectDelegates, LongNames) {
         EXPECT_TRUE(one->callDispatch((path + "end").c_str())) << parts;
         EXPECT_EQ(calls, "h") << parts;
         EXPECT_FALSE(one->callDispatch((path + "b.end").c_str())) << parts;
+        EXPECT_EQ(found(one, (path + "run").c_str()), "r") << parts;
+        one->invokeName((path + "run").c_str());
+        EXPECT_EQ(calls, "hr") << parts;
     }
     one->removeProperty("a");
     for (ZObject* end : {one, two}) end->release();
