@@ -6,6 +6,7 @@
 #include "tests/object/propertyTypes.h"
 #include "tests/support/AllocProbe.h"
 #include "text/ZBlendPos.h"
+#include "value/ZTypedPtr.h"
 #include "value/ZVArray.h"
 #include "value/ZVHashSet.h"
 #include "value/ZVKeyMap.h"
@@ -160,6 +161,36 @@ TEST_F(Property, RecordsAreCountedAndEntriesShareThem) {
     }
     EXPECT_EQ(record->refcount(), 1);
     record->release();
+}
+
+TEST_F(Property, VariantsHoldRecordsByTheirOwnCount) {
+    ZProperty *record = ZProperty::create(name("note"), ZVariant(1)), unpooled;
+    ZMetaType *type = ztype<ZProperty>(), *pointer = type->getPtrType();
+    {
+        const ZVariant held(pointer, &record);
+        ZVariant shared(held);
+        EXPECT_EQ(record->refcount(), 3);
+        EXPECT_TRUE(shared.detach());
+        EXPECT_NE(shared.getPtr(), record);
+        EXPECT_EQ(shared.compare(held), 0);
+        const ZVariant value(type, record), copy(value);
+        EXPECT_NE(value.getPtr(), record);
+        EXPECT_EQ(record->refcount(), 2);
+        // What stands elsewhere can't be held.
+        ZProperty* at = &unpooled;
+        EXPECT_TRUE(ZVariant(pointer, &at).isNull());
+    }
+    EXPECT_EQ(record->refcount(), 1);
+    record->release();
+
+    auto shape = zmake<TestShape>();
+    ASSERT_TRUE(shape->addProperty(name("note"), ZVariant(12)));
+    ZArrayT<ZVariant> arguments;
+    arguments.append(ZVariant(name("note")));
+    const ZVariant found = shape->invoke(name("dynamicProperty"), arguments);
+    EXPECT_EQ(found.getPtr(), shape->dynamicProperty(name("note")));
+    shape->release();
+    EXPECT_EQ(ZTypedPtr(found).invoke(name("value"), ZArrayT<ZVariant>()).toInt(), 12);
 }
 
 TEST_F(Property, DynamicOnesGetSetters) {
