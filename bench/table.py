@@ -25,7 +25,7 @@ def run(program, options):
             if result.get("error_occurred"):
                 sys.exit(f"{workload} ({side.split('/')[0]}): {result['error_message']}")
             scale = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[result["time_unit"]]
-            row = rows.setdefault(workload, {"name": peer, "limit": float(limit)})
+            row = rows.setdefault((workload, peer), {"name": peer, "limit": float(limit)})
             time = result["real_time"] * scale
             side = side.split("/")[0]
             row[side] = min(row.get(side, time), time)
@@ -46,7 +46,7 @@ def main():
     if options.markdown:
         print("|---|---|--:|--:|--:|--:|")
     for program in options.programs:
-        for workload, row in run(program, options).items():
+        for (workload, _), row in run(program, options).items():
             ours, theirs, limit = row.get("ours"), row.get("peer"), row["limit"]
             if ours is None:
                 continue

@@ -55,6 +55,13 @@ ZPackage* ZPackage::findPackage(const ZSelector& name) {
         if (package->packageName == name) return package;
     return nullptr;
 }
+ZPackage* ZPackage::retainPackage(const ZSelector& name) {
+    if (name.isEmpty()) return nullptr;
+    ZScopedLock held(open.guard);
+    for (ZPackage* package = open.first; package; package = package->nextOpen)
+        if (package->packageName == name && ::retain(package)) return package;
+    return nullptr;
+}
 
 void ZPackage::setSelector(const ZSelector& name) {
     ZObject::setSelector(name);
@@ -102,6 +109,18 @@ void ZPackage::closePack() {
     if (TClosePackage close = std::exchange(closeFunc, nullptr)) close(this);
 }
 
+void ZPackage::release() {
+    ZModule* told = refcount() == 1 ? std::exchange(module, nullptr) : nullptr;
+    ZObject::release();
+    if (told) told->packageClosed(nullptr);
+}
+void ZPackage::unload() {
+    ZModule* told = std::exchange(module, nullptr);
+    deleting();
+    delete this;
+    if (told) told->packageClosed(nullptr);
+}
+
 void ZPackage::dropValues() {
     const Types all = getTypes();
     for (const auto& entry : all) {
@@ -131,6 +150,7 @@ void ZPackage::releasePackage() {
     releaseLinks();
     setType(static_cast<ZMetaType*>(nullptr));
     releaseTypes();
+    if (module) module->packageClosed(this);
     if (root() == this) toolkit::storeRelease(rootPackage, static_cast<ZPackage*>(nullptr));
 }
 
@@ -219,18 +239,22 @@ ZSelector ZPackage::localSelector(const ZSelector& name) const {
     ZScopedLock held(*this);
     if (selectorIndexDirty) {
         ZSelectorMap all;
-        bool whole = true;
-        for (const auto& group : selectorGroups) whole &= all.append(group.value());
+        selectorIndexDirty = !collectSelectors(all);
         selectorIndex = all;
-        selectorIndexDirty = !whole;
     }
     return selectorIndex.get(name);
+}
+bool ZPackage::collectSelectors(ZSelectorMap& selectors) const {
+    ZScopedLock held(*this);
+    bool whole = true;
+    for (const auto& group : selectorGroups) whole &= selectors.append(group.value());
+    return whole;
 }
 
 ZSelector ZPackage::getNamedSelector(const ZSelector& name, bool localOnly) const {
     if (localOnly) return localSelector(name);
     if (const ZSelector space = name.nameSpace(); !space.isEmpty()) {
-        const ZMetaType* type = findType(space);
+        const ZMetaType* type = findExisting(space);
         return type ? type->getNamedSelector(name.baseName()) : ZSelector();
     }
     ZSelector found = localSelector(name);

@@ -2,6 +2,7 @@
 
 #include "core/ZHashMapT.h"
 #include "core/ZSelectorMap.h"
+#include "module/ZModule.h"
 #include "module/typeIndex.h"
 #include "object/ZInlineType.h"
 #include "object/ZMetaType.h"
@@ -47,6 +48,8 @@ public:
     static ZPackage* root();
     /// An open package by its name; null if it isn't open.
     static ZPackage* findPackage(const ZSelector& name);
+    /// The same with a reference for the caller; null too for one that is on its way out.
+    static ZPackage* retainPackage(const ZSelector& name);
 
     // What it is
 
@@ -60,6 +63,9 @@ public:
     void setSandBoxLevel(int level) { sandBoxLevel = level; }
     ZModule* getModule() const { return module; }
     void setModule(ZModule* owner) { module = owner; }
+    /// Those of a package's plugin; without one it is loaded always, which can't be changed.
+    ZModule::LoadMode getLoadMode() const { return ZModule::LoadAlways; }
+    bool setLoadMode(ZModule::LoadMode) { return false; }
     ZPackage* package() const override { return const_cast<ZPackage*>(this); }
     /// The name under which it is found.
     void setSelector(const ZSelector& name) override;
@@ -68,8 +74,9 @@ public:
 
     void setSetupFunc(TSetupPackage function) { setupFunc = function; }
     void setCloseFunc(TClosePackage function) { closeFunc = function; }
-    /// Room for so many types; false without memory.
+    /// Room for so many; false without memory.
     bool setTypeCount(uint count);
+    bool setCategoryCount(uint count);
     /// Makes the types, publishes a public package, resolves bases and works out implicit conversions. The answer is
     /// that of the setup function's second call.
     bool setup();
@@ -82,6 +89,10 @@ public:
     void dropValues();
     /// Takes the types of its types and its own away, so that packages can end in any order. No lookup runs any more.
     void forgetMetaTypes();
+    /// The module hears of the end.
+    void release() override;
+    /// Ends it, whoever holds it. No thread is in it.
+    void unload();
     /// Lets everything go: types, links to and from other packages, inline records. Once; later calls do nothing.
     void releasePackage();
 
@@ -114,6 +125,8 @@ public:
     ZMetaType* findExisting(const ZSelector& name) const;
     /// The same without variants and instances.
     ZMetaType* findMetaType(const ZSelector& name) const;
+    /// An enumeration by its name, as `findExisting`.
+    ZEnumType* findEnum(const ZSelector& name) const override;
     /// Of its own.
     ZMetaType* findPackageType(const ZSelector& name) const;
     /// Where an instance of a template belongs: the most dependent of the packages of template and parameters.
@@ -158,6 +171,8 @@ public:
     bool setSelectorGroup(const ZSelector& name, const ZSelectorMap& group);
     /// The selector that a name stands for; `localOnly`: in this package's groups.
     ZSelector getNamedSelector(const ZSelector& name, bool localOnly) const;
+    /// Adds what all groups of this package map; false without memory.
+    bool collectSelectors(ZSelectorMap& selectors) const;
 
     // Counting
 
@@ -167,6 +182,7 @@ public:
 
 private:
     friend struct ZPackageLink;
+    friend struct LoadedPackages;
 
     ZPackageLink* findLink(const ZPackage* other) const;
     bool seesTypesOf(const ZPackage* other) const;
@@ -187,7 +203,8 @@ private:
     byte visited = 0;
 
     ZPackage* nextOpen = nullptr;
-    ZSelector packageName; ///< its selector, read under the lock of the list of packages
+    ZPackage* nextLoaded = nullptr; ///< of those that were opened by name
+    ZSelector packageName;          ///< its selector, read under the lock of the list of packages
     ZModule* module = nullptr;
     Types types;
     orv::TypeIndex typeIndex;         ///< of `types`

@@ -3,17 +3,43 @@
 #include "module/packages.h"
 #include "object/names.h"
 #include "object/typeGeneration.h"
+#include "object/ztype.h"
 #include "toolkit/epoch.h"
 
 // How the packages of this library come and go.
+
+/// Packages that were opened by name, in that order, each with one reference.
+struct LoadedPackages {
+    ZSpinLock guard;
+    ZPackage* first = nullptr;
+
+    /// Takes the reference over; false if one of that name is there.
+    bool add(ZPackage* package) {
+        ZScopedLock held(guard);
+        ZPackage** end = &first;
+        for (; *end; end = &(*end)->nextLoaded)
+            if ((*end)->packageName == package->packageName) return false;
+        *end = package;
+        return true;
+    }
+    template <class F> void each(F use) const {
+        for (ZPackage* package = first; package; package = package->nextLoaded) use(package);
+    }
+    void releaseAll() {
+        while (ZPackage* package = first) {
+            first = std::exchange(package->nextLoaded, nullptr);
+            package->release();
+        }
+    }
+};
 
 namespace {
 
 using orv::PackageRow;
 
-constexpr int mostPackages = 16;
-/// The open packages of this library, by their place in the list; each with one reference.
-ZPackage* opened[mostPackages];
+constinit LoadedPackages opened;
+
+ZModule* ownModule = nullptr;
 ZPackage* rootPackage = nullptr;
 int openCount = 0;
 
@@ -82,7 +108,8 @@ bool openModule() {
     if (openCount++ > 0) return true;
     if (!openNames(moduleNames())) return false;
     rootPackage = zmake<ZPackage>();
-    if (!rootPackage) return false;
+    ownModule = zmake<ZModule>(ZString("orvcore"), &::openPackage);
+    if (!rootPackage || !ownModule || !ownModule->appendModule()) return false;
     rootPackage->setSelector(ZSelector("root"));
     return true;
 }
@@ -90,18 +117,22 @@ bool openModule() {
 void closeModule() {
     if (openCount == 0 || --openCount > 0) return;
     closePackages();
+    ZModule::clearModules({});
+    if (ownModule) std::exchange(ownModule, nullptr)->release();
     closeNames(moduleNames());
 }
 
-/// A package stands in its place before it is set up, so that packages may use each other in a circle.
+/// A package can be found by its name before it is set up, so that packages may use each other in a circle.
 ZPackage* loadPackage(const ZSelector& name) {
-    if (ZPackage* known = ZPackage::findPackage(name)) return retain(known);
-    const int place = placeOf(name);
-    if (place < 0 || !openCount) return nullptr;
-    if (opened[place]) return retain(opened[place]);
-    ZPackage* package = ::openPackage(nullptr, name);
+    if (ZPackage* known = ZPackage::retainPackage(name)) return known;
+    if (name.isEmpty() || !openCount) return nullptr;
+    ZPackage* package = ZModule::openFromAny(name);
     if (!package) return nullptr;
-    opened[place] = package;
+    if (!opened.add(package)) {
+        // Another thread was first.
+        package->release();
+        return ZPackage::retainPackage(name);
+    }
     if (!package->setup()) zdebug("package %s isn't whole", name.string());
     return retain(package);
 }
@@ -113,11 +144,11 @@ bool openPackages() {
         done &= package != nullptr;
         if (package) package->release();
     }
-    // Types that were made before those that they name.
-    for (ZPackage* package : opened)
-        if (package) package->resetBases();
-    for (ZPackage* package : opened)
-        if (package) package->setupImplicitMap();
+    // What was made before the types that it names.
+    opened.each([](ZPackage* package) { package->resetBases(); });
+    if (rootPackage) rootPackage->resetBases();
+    if (ZMetaType* type = ztype<ZModule>(); type && ownModule) ownModule->setType(type);
+    opened.each([](ZPackage* package) { package->setupImplicitMap(); });
     return done;
 }
 
@@ -126,27 +157,22 @@ void closePackages() {
     toolkit::epochDrain();
     ZArrayT<ZPackage*> all;
     bool ordered = true;
-    for (ZPackage* package : opened)
-        if (package) ordered = ordered && all.append(package);
+    opened.each([&](ZPackage* package) { ordered = ordered && all.append(package); });
     ordered = ordered && ZPackage::topologicalOrdering(all);
     // Without memory for the order they go as they were opened.
     auto each = [&](auto&& use) {
-        ZPackage* const* first = ordered ? std::as_const(all).begin() : opened;
-        ZPackage* const* last = ordered ? std::as_const(all).end() : opened + mostPackages;
-        for (auto at = first; at != last; ++at)
-            if (*at) use(*at);
+        if (!ordered) return opened.each(use);
+        for (ZPackage* package : std::as_const(all)) use(package);
     };
     each([](ZPackage* package) { package->closePack(); });
     // Defaults of properties are values of types of any package.
-    for (ZPackage* package : opened)
-        if (package) package->dropValues();
+    opened.each([](ZPackage* package) { package->dropValues(); });
     toolkit::epochDrain();
-    for (ZPackage* package : opened)
-        if (package) package->forgetMetaTypes();
+    opened.each([](ZPackage* package) { package->forgetMetaTypes(); });
     if (rootPackage) rootPackage->forgetMetaTypes();
+    if (ownModule) ownModule->setType(static_cast<ZMetaType*>(nullptr));
     each([](ZPackage* package) { package->releasePackage(); });
-    for (ZPackage*& package : opened)
-        if (package) std::exchange(package, nullptr)->release();
+    opened.releaseAll();
     if (rootPackage) std::exchange(rootPackage, nullptr)->release();
     typesChanged();
 }

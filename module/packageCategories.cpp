@@ -17,6 +17,11 @@ bool ZPackage::addCategory(ZTypeCategory* category) {
     return true;
 }
 
+bool ZPackage::setCategoryCount(uint count) {
+    ZScopedLock held(*static_cast<const ZPackage*>(this));
+    return count <= categories.count() || categories.reserve(count - categories.count());
+}
+
 ZTypeCategory* ZPackage::getCategory(const ZSelector& name) const {
     ZScopedLock held(*this);
     for (ZTypeCategory* category : categories)

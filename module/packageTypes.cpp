@@ -91,7 +91,6 @@ ZArrayT<ZMetaType*> ZPackage::getUsedTypes() const {
 ZMetaType* ZPackage::findPackageType(const ZSelector& name) const { return typeIndex.find(name); }
 
 ZMetaType* ZPackage::findMetaType(const ZSelector& name) const {
-    toolkit::EpochGuard guard; // for both, and for those of the root
     if (ZMetaType* own = typeIndex.find(name)) return own;
     if (ORV_UNLIKELY(toolkit::load(usedTypesDirty))) resetUsedTypes();
     if (ZMetaType* used = usedIndex.find(name)) return used;
@@ -106,7 +105,7 @@ ZMetaType* ZPackage::find(const ZSelector& name, bool make, int depth) const {
     if (name.isEmpty() || depth > deepestName) return nullptr;
     if (ZMetaType* known = findMetaType(name)) return known;
     if (const ZSelector owner = name.package(); !owner.isEmpty()) {
-        ZPackage* other = make ? orv::loadPackage(owner) : ::retain(findPackage(owner));
+        ZPackage* other = make ? orv::loadPackage(owner) : retainPackage(owner);
         if (!other) return nullptr;
         ZMetaType* found = other->find(name.typeName(), make, depth + 1);
         other->release();
@@ -122,6 +121,11 @@ ZMetaType* ZPackage::find(const ZSelector& name, bool make, int depth) const {
     if (name.type() == ZSelector::Types) return findNested(name, make, depth);
     return make && name.type() == ZSelector::Template ? const_cast<ZPackage*>(this)->findInstance(name, depth)
                                                       : nullptr;
+}
+
+ZEnumType* ZPackage::findEnum(const ZSelector& name) const {
+    ZMetaType* found = findExisting(name);
+    return found ? found->enumType() : nullptr;
 }
 
 ZMetaType* ZPackage::findNested(const ZSelector& name, bool make, int depth) const {

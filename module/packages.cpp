@@ -35,11 +35,11 @@ constexpr const ClassRow* baseTypes[] = {
 };
 
 constexpr const ClassRow* objectTypes[] = {
-    &Row<ZType>::row,         &Row<ZObject>::row,         &Row<ZMetaType>::row,        &Row<ZEnumItem>::row,
-    &Row<ZEnum>::row,         &Row<ZMethod>::row,         &Row<ZMethodRef>::row,       &Row<ZMethodDispatch>::row,
-    &Row<ZProperty>::row,     &Row<ZPropertyRef>::row,    &Row<ZDetachContext>::row,   &Row<ZEnumType>::row,
-    &Row<ZSelectorType>::row, &Row<ZVSelectMapType>::row, &Row<ZCompositeType>::row,   &Row<ZTypeCategory>::row,
-    &Row<ZPackage>::row,      &Row<ZUnknownData>::row,    &Row<ZVariantDelegate>::row,
+    &Row<ZType>::row,         &Row<ZObject>::row,         &Row<ZMetaType>::row,      &Row<ZEnumItem>::row,
+    &Row<ZEnum>::row,         &Row<ZMethod>::row,         &Row<ZMethodRef>::row,     &Row<ZMethodDispatch>::row,
+    &Row<ZProperty>::row,     &Row<ZPropertyRef>::row,    &Row<ZDetachContext>::row, &Row<ZEnumType>::row,
+    &Row<ZSelectorType>::row, &Row<ZVSelectMapType>::row, &Row<ZCompositeType>::row, &Row<ZTypeCategory>::row,
+    &Row<ZPackage>::row,      &Row<ZModule>::row,         &Row<ZUnknownData>::row,   &Row<ZVariantDelegate>::row,
 };
 
 constexpr const char* ztlUses[] = {"orv.core.base", "orv.core.object"};

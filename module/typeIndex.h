@@ -1,14 +1,15 @@
 #pragma once
 
 #include "object/forward.h"
-#include "toolkit/epoch.h"
+#include "toolkit/types.h"
 
 class ZSelector;
 
 namespace orv {
 
-/// Types by name for readers without a lock: open addressing over the ids of selectors, published whole when it grows.
-/// It holds types and names without references. Writers have a lock of their own.
+/// Types by name for readers without a lock, or anything else that is written: open addressing over the ids of
+/// selectors, published whole when it grows. Outgrown tables, half the size each, stay until the index ends. It holds
+/// types and names without references. Writers have a lock of their own; no reader is there when it ends.
 class ORV_API TypeIndex {
 public:
     TypeIndex() = default;
@@ -35,23 +36,20 @@ private:
         ZMetaType* type; ///< null for a name that was taken out
     };
     struct Table {
-        toolkit::EpochLink link;
+        Table* outgrown;
         uint mask;
         uint filled; ///< places in use, those taken out among them
         Place places[1];
     };
     static Table* make(uint places);
-    static void retire(Table* table);
-    Place* placeOf(Table& table, uint key) const;
+    static Place& placeOf(Table& table, uint key);
 
-    toolkit::EpochPtr<Table> published;
+    Table* table = nullptr; ///< atomic
     uint used = 0;
 };
 
 template <class F> void TypeIndex::each(F&& visit) const {
-    Table* table = published.load();
-    if (!table) return;
-    for (uint i = 0; i <= table->mask; ++i)
+    for (uint i = 0; table && i <= table->mask; ++i)
         if (ZMetaType* type = table->places[i].type) visit(type);
 }
 

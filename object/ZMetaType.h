@@ -773,7 +773,7 @@ protected:
     /// The type that flags, words and callbacks stand in: that of a qualified variant is its main type.
     const ZMetaType* described() const;
     bool blendPointer(void* instance, const void* a, const void* b, const ZBlendPos& pos) const;
-    void changeImplicitTo(ZMetaType* type, bool add);
+    bool changeImplicitTo(ZMetaType* type, bool add);
     void clearImplicitMap();
     bool constructByMethod(void* instance, const ZVariant& source);
     bool constructNumber(void* instance, const ZMetaType& type, const void* value) const;

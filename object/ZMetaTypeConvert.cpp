@@ -58,15 +58,18 @@ void ZMetaType::setupImplicitMap() {
     ZListT<ZMetaType*> from;
     eachConversion(this, [&](ZMetaType* source) { return from.contains(source) || from.append(source); });
     clearImplicitMap();
-    for (ZMetaType* source : from) source->changeImplicitTo(this, true);
+    // A source that doesn't know of this type couldn't leave its list.
+    ZListT<ZMetaType*> known;
+    for (ZMetaType* source : from)
+        if (known.append(source) && !source->changeImplicitTo(this, true)) known.remove(source);
     ZScopedLock held(own->basetype);
-    own->implicitFrom = std::move(from);
+    own->implicitFrom = std::move(known);
 }
 
-void ZMetaType::changeImplicitTo(ZMetaType* type, bool add) {
+bool ZMetaType::changeImplicitTo(ZMetaType* type, bool add) {
     ZScopedLock held(own->basetype);
     own->implicitTo.remove(type);
-    if (add) own->implicitTo.append(type);
+    return !add || own->implicitTo.append(type);
 }
 /// Forgets what this type can be made of.
 void ZMetaType::clearImplicitMap() {

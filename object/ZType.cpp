@@ -7,6 +7,35 @@
 #include "object/ZPropertyRef.h"
 #include "object/ztype.h"
 
+namespace {
+
+/// How deep values stand in each other that are compared, and that end, on the stack.
+constexpr int deepest = 512, deepestEnd = 64;
+ORV_THREAD_LOCAL int compareDepth = 0;
+
+/// Instances whose last reference went while others that held them were ending: the outermost of these ends them, so
+/// that a long chain needs no deep stack. Without memory for the list the stack is used.
+struct Ending {
+    ZType** waiting = nullptr;
+    uint count = 0, room = 0;
+    int depth = 0;
+
+    bool add(ZType* instance) {
+        if (count == room) {
+            const uint wanted = room ? room * 2 : 16;
+            auto grown = static_cast<ZType**>(__zrealloc(waiting, wanted * sizeof(ZType*)));
+            if (!grown) return false;
+            waiting = grown;
+            room = wanted;
+        }
+        waiting[count++] = instance;
+        return true;
+    }
+};
+ORV_THREAD_LOCAL Ending ending;
+
+} // namespace
+
 // Lifetime
 
 ZType::ZType(const __ZPassMetaType* type) : metaType(type ? orv::passedType(type) : ztype<ZType>()) {
@@ -47,7 +76,10 @@ int ZType::compare(const ZType* other) const {
     if (other == this) return 0;
     if (!other) return 1;
     if (metaType != other->metaType) return metaType < other->metaType ? -1 : 1;
+    if (compareDepth >= deepest) return this < other ? -1 : 1;
+    ++compareDepth;
     const int order = dynamicProperties.compare(other->dynamicProperties);
+    --compareDepth;
     return (order > 0) - (order < 0);
 }
 int ZType::compareContent(const ZType* other) const { return compare(other); }
@@ -81,7 +113,18 @@ ZType* ZType::retain() const { return ::retain(const_cast<ZType*>(this)); }
 void ZType::release() {
     if (decmemref(this) > 0) return;
     deleting();
+    Ending& now = ending;
+    if (ORV_UNLIKELY(now.depth >= deepestEnd) && now.add(this)) return;
+    ++now.depth;
     delete this;
+    if (now.depth == 1) {
+        while (now.count) delete now.waiting[--now.count];
+        if (now.waiting) {
+            zfree(std::exchange(now.waiting, nullptr));
+            now.room = 0;
+        }
+    }
+    --now.depth;
 }
 
 ZType* ZType::copy() const {

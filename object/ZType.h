@@ -56,7 +56,8 @@ public:
     virtual bool copyDynamicPropertiesFrom(const ZType* source);
     /// Takes over the value of an instance of the same type; false, with nothing changed, for another type.
     virtual bool assign(const ZType* other);
-    /// Null comes first; then by the types' addresses, then by the dynamic properties in key order.
+    /// Null comes first; then by the types' addresses, then by the dynamic properties in key order. What stands deeper
+    /// than 512 values in each other is ordered by its address.
     virtual int compare(const ZType* other) const;
     virtual int compareContent(const ZType* other) const;
 

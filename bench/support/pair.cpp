@@ -14,9 +14,10 @@ BenchPair::BenchPair(const char* workload, const char* peer, double limit, Run o
     if (theirs) add("peer", theirs);
 }
 
-BenchPair::BenchPair(const char* workload, double nanos, Run ours) {
+BenchPair::BenchPair(const char* workload, double nanos, Run ours, int iterations) {
     std::string row = std::string(workload) + "|absolute, ns|" + std::to_string(nanos) + "|";
-    benchmark::RegisterBenchmark((row + "ours").c_str(), ours)->UseRealTime();
+    auto* added = benchmark::RegisterBenchmark((row + "ours").c_str(), ours)->UseRealTime();
+    if (iterations) added->Iterations(iterations);
 }
 
 int main(int argc, char** argv) {

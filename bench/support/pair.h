@@ -11,5 +11,5 @@ struct BenchPair {
     BenchPair(const char* workload, const char* peer, double limit, Run ours, Run theirs, int threads = 1,
               int iterations = 0);
     /// A workload without a peer: at most `nanos` nanoseconds an iteration.
-    BenchPair(const char* workload, double nanos, Run ours);
+    BenchPair(const char* workload, double nanos, Run ours, int iterations = 0);
 };

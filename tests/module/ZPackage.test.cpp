@@ -3,6 +3,7 @@
 #include "core/construct.h"
 #include "object/ztype.h"
 #include "tests/support/CoreScope.h"
+#include "toolkit/epoch.h"
 
 #include <thread>
 #include <vector>

@@ -107,6 +107,27 @@ TEST_F(TypeKernel, WithoutATypeItIsABag) {
     bag->release();
 }
 
+TEST_F(TypeKernel, LongChainsNeedNoDeepStack) {
+    constexpr int links = 100000;
+    auto chain = [](int length) {
+        ZType* last = zmake<ZType>();
+        last->addProperty("end", ZVariant(7));
+        for (int i = 0; i < length; ++i) {
+            auto holder = zmake<ZType>();
+            EXPECT_TRUE(holder->addProperty("next", ZVariant(last), uint(ZProperty::Dynamic | ZProperty::Delegate)));
+            last->release();
+            last = holder;
+        }
+        return last;
+    };
+    ZType *near = chain(100), *first = chain(links), *second = chain(links);
+    EXPECT_EQ(near->getProperty("end").toInt(), 7) << "each asks the one behind it";
+    EXPECT_TRUE(first->getProperty("end").isNull()) << "but not without an end";
+    EXPECT_NE(first->compare(second), 0);
+    EXPECT_EQ(first->compare(second), -second->compare(first));
+    for (ZType* each : {near, first, second}) each->release();
+}
+
 TEST_F(TypeKernel, ComparisonAndAssignmentAskTheType) {
     TypePtr type = makeType("Asked", Kind::Dynamic), other = makeType("Other", Kind::Dynamic);
     auto a = zmake<ZType>(orv::passType(type)), b = zmake<ZType>(orv::passType(other));
