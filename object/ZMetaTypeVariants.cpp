@@ -1,5 +1,6 @@
 #include "object/ZMetaType.h"
 #include "object/ZMethod.h"
+#include "object/methodParams.h"
 #include "object/propertyAccess.h"
 
 // Values through accessor methods of a type, on instances that are what the method is called on.
@@ -21,17 +22,24 @@ public:
     bool ok = false;
 };
 
+/// Whether the method has so many parameters: entries of others are of other function types.
+bool takes(const ZMethod* method, const ZMetaType* type, int count) {
+    const orv::MethodParams* params = method->params(type);
+    return params && params->count == count + 1;
+}
+
 ZVariant readThrough(const ZMetaType* type, ZMethod* method, const void* instance, const AccessorWord* words,
                      int count) {
     ZVariant result;
+    if (!takes(method, type, count)) return result;
     orv::callAccessor(method, instance, words, count, orv::readPlan(method, type), result);
     return result;
 }
 
 /// Calls a method that answers whether it did it; what answers nothing did.
-bool writeThrough(ZMethod* method, const void* instance, const AccessorWord* words, int count) {
+bool writeThrough(const ZMetaType* type, ZMethod* method, const void* instance, const AccessorWord* words, int count) {
     int done = 0;
-    if (!orv::callForNumber(method, instance, words, count, done)) return false;
+    if (!takes(method, type, count) || !orv::callForNumber(method, instance, words, count, done)) return false;
     return !method->hasReturn() || (done & 0xFF) != 0;
 }
 
@@ -76,7 +84,7 @@ bool ZMetaType::setVariant(ZMethod* method, const void* instance, const ZVariant
     if (!method || !instance) return false;
     toolkit::EpochGuard guard;
     Argument argument(method, 1, value, this);
-    return argument.ok && writeThrough(method, instance, &argument.word, 1);
+    return argument.ok && writeThrough(this, method, instance, &argument.word, 1);
 }
 
 bool ZMetaType::setVariant(ZMethod* method, const void* instance, int key, const ZVariant& value) const {
@@ -93,7 +101,7 @@ bool ZMetaType::setVariant(ZMethod* method, const void* instance, const ZVariant
     Argument first(method, 1, key, this), second(method, 2, value, this);
     if (!first.ok || !second.ok) return false;
     AccessorWord words[] = {first.word, second.word};
-    return writeThrough(method, instance, words, 2);
+    return writeThrough(this, method, instance, words, 2);
 }
 
 int ZMetaType::findVariant(ZMethod* method, const void* instance, const ZVariant& value) const {
@@ -101,5 +109,6 @@ int ZMetaType::findVariant(ZMethod* method, const void* instance, const ZVariant
     toolkit::EpochGuard guard;
     Argument argument(method, 1, value, this);
     int index = -1;
-    return argument.ok && orv::callForNumber(method, instance, &argument.word, 1, index) ? index : -1;
+    const bool done = argument.ok && takes(method, this, 1);
+    return done && orv::callForNumber(method, instance, &argument.word, 1, index) ? index : -1;
 }

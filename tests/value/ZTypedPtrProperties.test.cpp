@@ -4,6 +4,7 @@
 #include "object/ZMetaType.h"
 #include "object/ZProperty.h"
 #include "tests/value/valueShapes.h"
+#include "toolkit/epoch.h"
 
 #include <gtest/gtest.h>
 
@@ -207,6 +208,23 @@ TEST_F(PlainProperties, ATypedPointerThatHasAnInstanceStays) {
     EXPECT_EQ(kept.instance, &other);
     EXPECT_NE(ZTypedPtr(value).method(&empty, "int sum()", {}), nullptr);
     EXPECT_EQ(empty.instance, value.getPtr());
+}
+
+TEST_F(PlainProperties, AccessorsAreCalledWithWhatTheyTake) {
+    ZVariant value = point(4);
+    const ZTypedPtr place(value);
+    toolkit::EpochGuard guard;
+    ZMethod *sum = place.method("int sum()", {}), *move = place.method("bool move(int)", {});
+    ASSERT_TRUE(sum && move);
+    EXPECT_EQ(place.getVariant(sum).toInt(), 6);
+    EXPECT_TRUE(place.setVariant(move, ZVariant(2)));
+    EXPECT_EQ(value.getProperty("x").toInt(), 6);
+    EXPECT_TRUE(place.getVariant(sum, 1).isNull());
+    EXPECT_TRUE(place.getVariant(move).isNull());
+    EXPECT_FALSE(place.setVariant(sum, ZVariant(2)));
+    EXPECT_FALSE(place.setVariant(move, 1, ZVariant(2)));
+    EXPECT_EQ(place.findVariant(sum, ZVariant(2)), -1);
+    EXPECT_EQ(value.getProperty("x").toInt(), 6);
 }
 
 TEST_F(PlainProperties, SetsOfProperties) {
