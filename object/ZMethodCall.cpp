@@ -538,6 +538,15 @@ bool ZMethodCall::invoke() {
         return false;
     }
     if ((collects && !packArguments()) || !initParams() || !prepareResult()) return false;
+    if (constructs && count == 2 && (*params)[1].passing == Passing::Pointer) {
+        // Of nothing no copy can be made.
+        const void* source;
+        std::memcpy(&source, block + (*params)[1].at, sizeof source);
+        if (!source && (*params)[1].data->relationType() == method->getOwner()) {
+            if (zdebugasked()) logRefusal("has nothing to copy");
+            return false;
+        }
+    }
     callEntry();
     ran = true;
     return true;

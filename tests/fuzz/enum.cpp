@@ -38,8 +38,12 @@ void run(const std::string& names, const std::string& expression) {
     const uint before = ZSelector::selectorCount();
     const ZString text(expression.data(), int(expression.size()));
     data.resolve(text);
-    ZEnum::resolveEnum(text);
     require(ZSelector::selectorCount() == before);
+    // The first look at a known name may take that apart.
+    ZEnum::resolveEnum(text);
+    const uint known = ZSelector::selectorCount();
+    ZEnum::resolveEnum(text);
+    require(ZSelector::selectorCount() == known);
     ZSelector list(expression.data(), int(expression.size()));
     data.scan(list, false);
     data.scan(list, true);
