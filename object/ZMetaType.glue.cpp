@@ -6,6 +6,7 @@
 #include "module/ZPackage.h"
 #include "object/ZCompositeType.h"
 #include "object/ZEnumType.h"
+#include "object/ZMethod.h"
 #include "object/ZObject.h"
 #include "object/ZProperty.h"
 #include "object/ZPropertyRef.h"
@@ -240,6 +241,27 @@ template <> struct Table<ZMetaType> : Declares<ZMetaType> {
         ORV_METHOD(bool, removeType, (const ZMetaType*), , "unsafe"),
         ORV_METHOD(bool, removeType, (const ZSelector&), , "unsafe"),
         ORV_METHOD(uint, methodTypeCount, (), const),
+        ORV_METHOD(ZMethod*, getFixedMethod, (int), const),
+        ORV_METHOD(ZMethod*, getCompareMethod, (), const),
+        ORV_METHOD(ZMethod*, getInternalMethod, (), const),
+        ORV_METHOD(ZMethod*, getHashMethod, (), const),
+        ORV_METHOD(ZMethod*, getBlendMethod, (), const),
+        ORV_METHOD(ZMethod*, getBlendLocalMethod, (), const),
+        ORV_METHOD(ZMethod*, getSetIdentityMethod, (), const),
+        ORV_METHOD(ZMethod*, getSetLocalIdentityMethod, (), const),
+        ORV_METHOD(ZMethod*, getMarkCSPMethod, (), const),
+        ORV_METHOD(ZMethod*, getMarkLocalCSPMethod, (), const),
+        ORV_METHOD(ZMethod*, getUpdateCSPMethod, (), const),
+        ORV_METHOD(ZMethod*, getUpdateLocalCSPMethod, (), const),
+        ORV_METHOD(ZMethod*, methodTypeBySelector, (const ZSelector&, const ZSelector&), const),
+        ORV_METHOD(ZMethod*, methodType, (const ZSelector&, const ZSelector&), const),
+        ORV_METHOD(ZMethod*, methodType, (const ZSelector&), const),
+        ORV_METHOD(ZMethod*, multimethodType, (const ZSelector&, const ZArrayT<ZMetaType*>&), const),
+        ORV_METHOD(bool, implementMethod, (const ZMethod*), const),
+        ORV_METHOD(bool, appendMethod, (ZMethod*), , "unsafe"),
+        ORV_METHOD(bool, setMethodType, (ZMethod*, bool), , "unsafe"),
+        ORV_METHOD(ZMethod*, userMethodBySelector, (const ZSelector&, const ZSelector&), const),
+        ORV_METHOD(bool, setUserMethod, (ZMethod*, bool), , "unsafe"),
         ORV_METHOD(bool, setFixedMethodCount, (int), , "unsafe"),
         ORV_METHOD(bool, setFixedMethod, (int, const ZSelector&, const ZSelector&), , "unsafe"),
         ORV_METHOD(bool, hasMethodType, (const ZSelector&, const ZSelector&), const),

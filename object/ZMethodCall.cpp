@@ -520,6 +520,14 @@ void ZMethodCall::callEntry() {
     else
         std::memcpy(result, &word, param.passing == Passing::Pointer ? sizeof word : param.data->byteSize());
 }
+/// Whether this is a constructor that copies an instance, and there is none.
+bool ZMethodCall::copiesNothing() const {
+    if (count != 2 || arguments[1].value) return false;
+    const MethodParam& source = (*params)[1];
+    const ZMetaType* built = type ? type : method->getOwner();
+    return source.passing == Passing::Pointer && source.data && source.data->holdsZType() && built &&
+           built->typeOf(source.data);
+}
 void ZMethodCall::logRefusal(const char* why) const {
     const ZMetaType* owner = method->getOwner() ? method->getOwner() : type;
     const ZSelector name = owner ? owner->getName() : ZSelector();
@@ -537,16 +545,12 @@ bool ZMethodCall::invoke() {
         if (zdebugasked()) logRefusal("needs an instance");
         return false;
     }
-    if ((collects && !packArguments()) || !initParams() || !prepareResult()) return false;
-    if (constructs && count == 2 && (*params)[1].passing == Passing::Pointer) {
-        // Of nothing no copy can be made.
-        const void* source;
-        std::memcpy(&source, block + (*params)[1].at, sizeof source);
-        if (!source && (*params)[1].data->relationType() == method->getOwner()) {
-            if (zdebugasked()) logRefusal("has nothing to copy");
-            return false;
-        }
+    if ((collects && !packArguments()) || !initParams()) return false;
+    if (constructs && copiesNothing()) {
+        if (zdebugasked()) logRefusal("has nothing to copy");
+        return false;
     }
+    if (!prepareResult()) return false;
     callEntry();
     ran = true;
     return true;

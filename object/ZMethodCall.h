@@ -134,6 +134,7 @@ private:
     bool packArguments();
     bool prepareResult();
     void callEntry();
+    bool copiesNothing() const;
     void logRefusal(const char* why) const;
     void dropResult();
     void* resultAddress() const;

@@ -4,6 +4,7 @@
 #include "core/ZSelector.h"
 #include "core/ZUnique.h"
 #include "object/ZMetaType.h"
+#include "object/ZMethod.h"
 #include "object/ZMethodRef.h"
 #include "object/ZObjectData.h"
 #include "object/glue.h"
@@ -104,6 +105,8 @@ template <> struct Table<ZObject> : Declares<ZObject> {
         ORV_METHOD(void, typeLink, (), , "unsafe"),
         ORV_METHOD(void, typeUnlink, (), , "unsafe"),
         ORV_METHOD(bool, hasMethods, (), const),
+        ORV_METHOD(ZMethod*, methodBySelector, (const ZSelector&, const ZSelector&), const),
+        ORV_METHOD(bool, setMethod, (ZMethod*, bool), , "unsafe"),
         ORV_METHOD(int, methodCount, (), const),
         ORV_METHOD(bool, getMethods, (ZArrayT<ZSelector>&), const),
         ORV_METHOD(bool, implements, (const ZSelector&), const),

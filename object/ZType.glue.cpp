@@ -6,6 +6,7 @@
 #include "object/ZDetachContext.h"
 #include "object/ZEnumType.h"
 #include "object/ZMetaType.h"
+#include "object/ZMethod.h"
 #include "object/ZObject.h"
 #include "object/ZProperty.h"
 #include "object/glue.h"
@@ -130,6 +131,9 @@ template <> struct Table<ZType> : Declares<ZType> {
         ORV_METHOD(bool, hasLocalMethod, (const ZSelector&, const ZSelector&), const),
         ORV_METHOD(bool, hasMethod, (const ZSelector&, const ZSelector&), const),
         ORV_METHOD(bool, hasMultimethod, (const ZSelector&, const ZSelector&), const),
+        ORV_METHOD(ZMethod*, method, (const ZSelector&, const ZSelector&), const),
+        ORV_METHOD(ZMethod*, multimethod, (const ZSelector&, const ZArrayT<ZMetaType*>&), const),
+        ORV_METHOD(ZMethod*, fixedMethod, (int), const),
         ORV_METHOD(void, resetCategories, (), , "unsafe"),
         ORV_METHOD(ZTypeCategory*, getCategory, (const ZSelector&), const),
         ORV_METHOD(ZVariant, invoke, (const ZSelector&, const ZArrayT<ZVariant>&), const),
@@ -159,4 +163,3 @@ template <> struct Table<ZType> : Declares<ZType> {
 } // namespace orv::glue
 
 ORV_DECLARE(ZType);
-

@@ -6,6 +6,7 @@
 #include "object/ZMethod.h"
 #include "object/ZMethodDispatch.h"
 #include "tests/support/CoreScope.h"
+#include "toolkit/epoch.h"
 #include "value/ZVArray.h"
 #include "value/ZVSelectMap.h"
 
