@@ -15,11 +15,11 @@
 #include <string>
 
 /// What the peer's `PeerShape` is.
-class BenchShape : public ZObject {
+class BenchLayer : public ZObject {
 public:
-    ORV_REFLECT(BenchShape);
-    explicit BenchShape(const __ZPassMetaType* tag = nullptr)
-        : ZObject(tag ? tag : orv::passType(ztype<BenchShape>())) {}
+    ORV_REFLECT(BenchLayer);
+    explicit BenchLayer(const __ZPassMetaType* tag = nullptr)
+        : ZObject(tag ? tag : orv::passType(ztype<BenchLayer>())) {}
 
     int x() const { return box[0]; }
     int y() const { return box[1]; }
@@ -69,7 +69,7 @@ public:
 };
 
 namespace orv::glue {
-template <> struct Table<BenchShape> : Declares<BenchShape> {
+template <> struct Table<BenchLayer> : Declares<BenchLayer> {
     using BaseTypes = Bases<ZObject>;
     static constexpr MethodRow methods[] = {
         ORV_VALUE_ACCESSORS(int, x, X),
@@ -95,7 +95,7 @@ template <> struct Table<BenchTable> : Declares<BenchTable> {
     static constexpr ClassInfo info = {.kind = Kind::Object, .flags = typePublic | typePolymorphic};
 };
 } // namespace orv::glue
-ORV_DECLARE(BenchShape);
+ORV_DECLARE(BenchLayer);
 ORV_DECLARE(BenchTable);
 
 namespace {
@@ -108,7 +108,7 @@ bool library() {
         if (!ztype<int>()) orv::openNames(orv::moduleNames());
         ZPackage* package = ZPackage::findPackage("orv.core.base");
         if (!package) return false;
-        for (const orv::glue::ClassRow* row : {&orv::glue::Row<BenchShape>::row, &orv::glue::Row<BenchTable>::row}) {
+        for (const orv::glue::ClassRow* row : {&orv::glue::Row<BenchLayer>::row, &orv::glue::Row<BenchTable>::row}) {
             ZMetaType* type = orv::makeType(package, *row);
             if (!type) return false;
             type->resetBase();
@@ -128,7 +128,7 @@ template <class T> struct Made {
 };
 
 void propertyGet(benchmark::State& state) {
-    Made<BenchShape> shape;
+    Made<BenchLayer> shape;
     const ZSelector width("width"), x("x");
     if (!shape.object) return state.SkipWithError("no type");
     shape->setX(3);
@@ -139,7 +139,7 @@ void propertyGet(benchmark::State& state) {
 }
 
 void propertySet(benchmark::State& state) {
-    Made<BenchShape> shape;
+    Made<BenchLayer> shape;
     const ZSelector width("width");
     if (!shape.object) return state.SkipWithError("no type");
     if (!shape->setProperty(width, ZVariant(480)) || shape->width() != 480 || shape->x())
@@ -159,14 +159,14 @@ bool addNotes(ZObject* object) {
 }
 
 void dynamicGet(benchmark::State& state) {
-    Made<BenchShape> shape;
+    Made<BenchLayer> shape;
     const ZSelector note("note5");
     if (!addNotes(shape.object)) return state.SkipWithError("wrong value");
     for (auto _ : state) benchmark::DoNotOptimize(shape->getProperty(note).toInt());
 }
 
 void dynamicSet(benchmark::State& state) {
-    Made<BenchShape> shape;
+    Made<BenchLayer> shape;
     const ZSelector note("note5");
     if (!addNotes(shape.object)) return state.SkipWithError("wrong value");
     int i = 100;
