@@ -120,6 +120,9 @@ ZVariant ZMethodRef::invoke(const ZVariant* args, int count) const {
 }
 ZVariant ZMethodRef::invoke(const ZArrayT<ZVariant>& args) const { return invoke(args.data(), int(args.count())); }
 
+ZVariant ZMethodRef::invoke(std::initializer_list<ZVariant> args) const {
+    return invoke(args.begin(), int(args.size()));
+}
 ZVariant ZMethodRef::invoke(const ZVArray& args) const {
     const ZArrayT<ZVariant> list = orv::variantList(args);
     return list.count() == args.count() ? invoke(list) : ZVariant();

@@ -4,6 +4,7 @@
 #include "object/forward.h"
 #include "value/forward.h"
 
+#include <initializer_list>
 #include <utility>
 
 /// A method together with what it is to be called on: three words. The method is retained, the instance isn't: who
@@ -63,6 +64,7 @@ public:
 
     ZVariant invoke(const ZArrayT<ZVariant>& args) const;
     ZVariant invoke(const ZVArray& args) const;
+    ZVariant invoke(std::initializer_list<ZVariant> args) const;
     ZVariant invoke(const ZVariant* args, int count) const;
 
     // At objects

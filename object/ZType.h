@@ -8,6 +8,8 @@
 #include "object/forward.h"
 #include "value/forward.h"
 
+#include <initializer_list>
+
 namespace orv {
 
 /// A metatype as the constructors of a class chain hand it from the most derived class to `ZType`, and back.
@@ -228,6 +230,8 @@ public:
     /// there is none, or if an argument can't be converted.
     virtual ZVariant invoke(const ZSelector& name, const ZArrayT<ZVariant>& arguments) const;
     virtual ZVariant invoke(const ZSelector& name, const ZVArray& arguments) const;
+    /// `gauge->invoke("add", {1, 2})`, `gauge->invoke("reset", {})`.
+    ZVariant invoke(const ZSelector& name, std::initializer_list<ZVariant> arguments) const;
     virtual bool callV(const ZSelector& name) const;
     virtual bool callV(const ZSelector& name, const ZSelector& qualifier) const;
     virtual bool saveIntoFile(const ZFileName& file, const ZSelector& format) const;

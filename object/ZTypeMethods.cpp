@@ -118,6 +118,10 @@ ZVariant ZType::invoke(const ZSelector& name, const ZVArray& arguments) const {
     const ZArrayT<ZVariant> list = variantList(arguments);
     return list.count() == arguments.count() ? invoke(name, list) : ZVariant();
 }
+ZVariant ZType::invoke(const ZSelector& name, std::initializer_list<ZVariant> arguments) const {
+    ZArrayT<ZVariant> list;
+    return list.append(arguments.begin(), uint(arguments.size())) ? invoke(name, list) : ZVariant();
+}
 bool ZType::callV(const ZSelector& name) const { return callV(name, {}); }
 bool ZType::callV(const ZSelector& name, const ZSelector& qualifier) const {
     toolkit::EpochGuard guard;

@@ -152,6 +152,11 @@ ZVariant ZTypedPtr::invoke(const ZSelector& name, const ZVArray& arguments) cons
     return invoke(name, list);
 }
 
+ZVariant ZTypedPtr::invoke(const ZSelector& name, std::initializer_list<ZVariant> arguments) const {
+    ZArrayT<ZVariant> list;
+    return list.append(arguments.begin(), uint(arguments.size())) ? invoke(name, list) : ZVariant();
+}
+
 bool ZTypedPtr::callV(const ZSelector& name) const { return callV(name, {}); }
 bool ZTypedPtr::callV(const ZSelector& name, const ZSelector& qualifier) const {
     if (!type) return false;

@@ -48,6 +48,8 @@ public:
     /// is none, or if an argument can't be converted.
     ZVariant invoke(const ZSelector& name, const ZArrayT<ZVariant>& arguments) const;
     ZVariant invoke(const ZSelector& name, const ZVArray& arguments) const;
+    /// `gauge->invoke("add", {1, 2})`, `gauge->invoke("reset", {})`.
+    ZVariant invoke(const ZSelector& name, std::initializer_list<ZVariant> arguments) const;
     /// Calls a method without arguments; false if there is none.
     bool callV(const ZSelector& name) const;
     bool callV(const ZSelector& name, const ZSelector& qualifier) const;
@@ -119,6 +121,8 @@ public:
 #define ORV_FIND_AT ORV_ASK_AT
 #define ORV_TELL_AT ORV_ASK_AT
 #include "value/valueProperties.def"
+
+#include <initializer_list>
 #undef ORV_BARE
 
     ZMetaType* type = nullptr;

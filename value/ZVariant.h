@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <initializer_list>
 #include <type_traits>
 
 /// A value of any type together with its type, in 24 bytes: what properties, arguments and containers of the reflective
@@ -338,6 +339,8 @@ public:
     /// Calls the overload that fits best, on the value in place: a method that isn't const may change it.
     ZVariant invoke(const ZSelector& name, const ZArrayT<ZVariant>& arguments) const;
     ZVariant invoke(const ZSelector& name, const ZVArray& arguments) const;
+    /// `gauge->invoke("add", {1, 2})`, `gauge->invoke("reset", {})`.
+    ZVariant invoke(const ZSelector& name, std::initializer_list<ZVariant> arguments) const;
     bool callV(const ZSelector& name) const;
     bool callV(const ZSelector& name, const ZSelector& qualifier) const;
     /// The nearest object of that name: the held one, its parent and so on. Null if there is none.

@@ -37,6 +37,9 @@ ZVariant ZVariant::invoke(const ZSelector& name, const ZArrayT<ZVariant>& argume
 ZVariant ZVariant::invoke(const ZSelector& name, const ZVArray& arguments) const {
     return ZTypedPtr(*this).invoke(name, arguments);
 }
+ZVariant ZVariant::invoke(const ZSelector& name, std::initializer_list<ZVariant> arguments) const {
+    return ZTypedPtr(*this).invoke(name, arguments);
+}
 bool ZVariant::callV(const ZSelector& name) const { return ZTypedPtr(*this).callV(name); }
 bool ZVariant::callV(const ZSelector& name, const ZSelector& qualifier) const {
     return ZTypedPtr(*this).callV(name, qualifier);

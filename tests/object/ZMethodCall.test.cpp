@@ -221,6 +221,7 @@ TEST_F(MethodCalls, ConstructorsAndInstances) {
     EXPECT_EQ(shown(call("~CallShape", list())), "null");
     EXPECT_EQ(shown(ZMethodRef(MethodTest::shape(), "int plain()").invoke(list())), "null") << "no instance";
     EXPECT_EQ(shown(ZMethodRef(MethodTest::shape(), "int twice(int)").invoke(list(4))), "int 8");
+    EXPECT_EQ(shown(ZMethodRef(MethodTest::shape(), "int twice(int)").invoke({4})), "int 8");
 
     const ZVariant made =
         ZMethodRef(MethodTest::shape(), "CallShape(int, const ZString&)").invoke(list(3, ZString("made")));

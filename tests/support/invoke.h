@@ -5,7 +5,5 @@
 
 /// Calls a method by name on what a variant holds, with whatever a variant can be made of.
 template <class... A> ZVariant invoke(const ZVariant& on, const char* name, const A&... arguments) {
-    ZArrayT<ZVariant> all;
-    (all.append(ZVariant(arguments)), ...);
-    return on.invoke(ZSelector(name), all);
+    return on.invoke(name, {ZVariant(arguments)...});
 }
