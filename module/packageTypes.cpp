@@ -84,7 +84,9 @@ ZArrayT<ZMetaType*> ZPackage::getUsedTypes() const {
     resetUsedTypes();
     ZScopedLock held(*this);
     ZArrayT<ZMetaType*> found;
-    usedIndex.each([&](ZMetaType* type) { found.append(type); });
+    bool whole = true;
+    usedIndex.each([&](ZMetaType* type) { whole = found.append(type) && whole; });
+    if (!whole) ZError::fail();
     return found;
 }
 

@@ -383,7 +383,7 @@ template <> struct Table<ZMetaType> : Declares<ZMetaType> {
         ORV_METHOD(void, setRetainedType, (bool), , "unsafe"),
         ORV_METHOD(ZType*, copy, (), const, "creator"),
         ORV_METHOD(ZPackage*, package, (), const),
-        ORV_METHOD(ZMetaType*, findType, (const ZSelector&), const),
+        ORV_METHOD(ZMetaType*, findType, (const ZSelector&), const, "unsafe"),
     };
     static constexpr EnumItemRow typeItems[] = {
         ORV_ITEM(Type, Unknown),   ORV_ITEM(Type, Void),    ORV_ITEM(Type, Bool),      ORV_ITEM(Type, Char),

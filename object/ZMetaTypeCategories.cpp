@@ -88,10 +88,14 @@ void undo(ZMetaType* type, const CategoryLink& link) {
     for (const ZSelector& name : link.properties) type->removePropertyDef(name);
     for (const ZSelector& name : link.types) type->removeType(name);
     if (!link.bases.isEmpty()) {
+        // Without memory the bases stay: one too many is better than one of the type's own gone.
+        ZFailGuard failures;
         ZArrayT<ZSelector> bases;
+        bool whole = true;
         for (const ZSelector& name : type->getBaseNames())
-            if (!link.bases.contains(name)) bases.append(name);
-        type->setBaseNames(bases);
+            if (!link.bases.contains(name)) whole = bases.append(name) && whole;
+        if (whole && !failures.rose()) type->setBaseNames(bases);
+        failures.forget();
     }
     DispatchTable gone;
     if (link.category->collectDispatch(gone)) type->removeTypeDispatch(gone);

@@ -100,6 +100,7 @@ ZArrayT<ZMetaType*> ZMetaType::getImplicitFrom() const {
 ZMethod* ZMetaType::findImplicitConstructor(const ZMetaType* source) const {
     if (!source) return nullptr;
     const ZMetaType* type = relationType();
+    toolkit::EpochGuard guard;
     ZArrayT<ZMethod*> methods;
     if (!type->getMethodTypes(type->own->name, methods)) return nullptr;
     ZMethod* best = nullptr;

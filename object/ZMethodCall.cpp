@@ -242,7 +242,14 @@ bool ZMethodCall::putPointerCell(int at, const ZVariant& value) {
 bool ZMethodCall::putText(int at, const ZVariant& value) {
     const int kind = value.typeType();
     if (kind != ZMetaType::Selector && kind != ZMetaType::String && !orv::isNumber(ZMetaType::Type(kind))) return false;
-    char* text = value.toString().astr();
+    ZFailGuard failures;
+    const ZString shown = value.toString();
+    char* text = shown.astr();
+    if (failures.rose() || (!text && !shown.isEmpty())) {
+        failures.forget();
+        zfree(text);
+        return false;
+    }
     if (!text) return putPointer(at, "");
     const size_t bytes = std::strlen(text) + 1;
     void* place = scratch(bytes);

@@ -335,8 +335,10 @@ void ZMethodRef::dropInstance(const void* gone) {
             dropped.method->setRegistryIndex(-1);
             continue;
         }
-        for (uint i = table->named.count(); i-- > 0;)
-            if (table->named.data()[i].ref.instance == gone) table->named.remove(i);
-        return;
+        uint i = table->named.count();
+        while (i > 0 && table->named.data()[i - 1].ref.instance != gone) --i;
+        if (i == 0) return;
+        dropped = table->named.data()[i - 1].ref;
+        table->named.remove(i - 1);
     }
 }

@@ -248,8 +248,11 @@ namespace {
 template <class Leaves> bool removeEntries(ZObject* object, const ZSelector& name, Leaves leaves) {
     if (!object->hasDispatch()) return false;
     ObjectData& data = ObjectData::at(object);
+    DispatchTable before; // ends when the lock is free
     orv::ObjectWrite held(object);
-    if (!held || !data.dispatch.detach()) return false;
+    if (!held) return false;
+    before = data.dispatch;
+    if (!data.dispatch.detach()) return false;
     bool any = false;
     for (const ZMethodDispatch* entry = data.dispatch.find(name); entry;) {
         const ZMethodDispatch* next = data.dispatch.findNext(entry);

@@ -164,8 +164,11 @@ ZMethod* ZObject::methodBySelector(const ZSelector& selector, const ZSelector& q
         !priv->has(ObjectData::Methods | ObjectData::ExtMethods | ObjectData::ExtStale | ObjectData::ExtendTypes))
         return nullptr;
     toolkit::EpochGuard guard;
-    if (const ZMethodPtr* node = pick(ownMethods(this), selector, qualifier)) return node->get();
-    if (const ZMethodPtr* node = pick(extension(this), selector, qualifier)) return node->get();
+    // Held, since a change frees the entries of a table that nobody shares.
+    const MethodTable own = ownMethods(this);
+    if (const ZMethodPtr* node = pick(own, selector, qualifier)) return node->get();
+    const MethodTable extended = extension(this);
+    if (const ZMethodPtr* node = pick(extended, selector, qualifier)) return node->get();
     ZArrayT<ZMetaType*> types;
     if (priv->has(ObjectData::ExtendTypes)) getExtendTypes(types);
     for (const ZMetaType* type : std::as_const(types))
@@ -365,6 +368,7 @@ bool ZObject::implements(const ZMethod* method) const {
 bool ZObject::setMethod(const ZMethodPtr& method) { return setMethod(method.get(), true); }
 bool ZObject::setMethod(ZMethod* method, bool replace) {
     if (!method || !method->isValid() || !priv) return false;
+    ZMethodRef gone; // when the lock is free
     {
         orv::ObjectWrite held(this);
         if (!held || !priv->methods.detach()) return false;
@@ -378,7 +382,10 @@ bool ZObject::setMethod(ZMethod* method, bool replace) {
             return false;
         }
         // The table is this object's own by now, so that this needs no memory.
-        if (old) priv->methods.remove(old);
+        if (old) {
+            gone = ZMethodRef(old->get(), nullptr, nullptr);
+            priv->methods.remove(old);
+        }
         priv->set(ObjectData::Methods, true);
     }
     orv::ownMethodsChanged(this);
@@ -403,11 +410,13 @@ template <class Leaves> int removeSome(MethodTable& table, Leaves leaves) {
 
 bool ZObject::removeMethod(const ZSelector& selector, const ZSelector& qualifier) {
     if (!hasMethods()) return false;
+    ZMethodRef gone; // when the lock is free
     {
         orv::ObjectWrite held(this);
         if (!held || !priv->methods.detach()) return false;
         const ZMethodPtr* node = pick(priv->methods, selector, qualifier);
         if (!node) return false;
+        gone = ZMethodRef(node->get(), nullptr, nullptr);
         priv->methods.remove(node);
         priv->set(ObjectData::Methods, !priv->methods.isEmpty());
     }
@@ -428,9 +437,12 @@ bool ZObject::removeMethods() {
 }
 bool ZObject::removeMethods(const ZSelector& name) {
     if (!hasMethods()) return false;
+    MethodTable before; // ends when the lock is free
     {
         orv::ObjectWrite held(this);
-        if (!held || !priv->methods.detach()) return false;
+        if (!held) return false;
+        before = priv->methods;
+        if (!priv->methods.detach()) return false;
         if (!removeSome(priv->methods, [&](const ZMethod* method) { return method->methodName() == name; }))
             return false;
         priv->set(ObjectData::Methods, !priv->methods.isEmpty());

@@ -344,7 +344,7 @@ public:
     virtual bool setDynamicProperty(ZTypedPtr* typed, const ZSelector& name, const ZVariant& value, uint flags,
                                     bool add);
     virtual bool setDynamicProperty(const ZSelector& name, const ZVariant& value, bool add);
-    /// Never makes a property.
+    /// Makes no property, but one that the type declares as optional.
     virtual bool setProperty(ZTypedPtr* typed, const ZSelector& name, const ZVariant& value, bool notify);
     virtual bool setProperty(const ZSelector& name, const ZVariant& value);
     virtual bool changeProperty(const ZVariant& value, const ZSelector& name);

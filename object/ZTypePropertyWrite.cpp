@@ -428,8 +428,11 @@ bool ZType::pushProperty(const ZSelector& name) {
         WriteLock lock(this);
         std::swap(dynamicProperties, tree);
     }
-    if (const ZProperty* known = dynamicProperty(name); known && known->hasFlags(ZProperty::Delegate))
-        propertyDelegationChanged(*known);
+    const ZProperty* known = dynamicProperty(name);
+    if (ZProperty* record = known && known->hasFlags(ZProperty::Delegate) ? known->retain() : nullptr) {
+        propertyDelegationChanged(*record);
+        record->release();
+    }
     return true;
 }
 
