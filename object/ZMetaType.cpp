@@ -321,8 +321,8 @@ void ZMetaType::setRetainedType(bool on) {
     updateWatch();
 }
 void ZMetaType::updateWatch() {
-    toolkit::store(watchesInstances,
-                   own->localType || own->retainedType || own->hasDynamicProperties || (own->flags & Lockable));
+    toolkit::store(watchesInstances, own->localType || own->retainedType || toolkit::load(own->hasDynamicProperties) ||
+                                         (toolkit::load(own->flags) & Lockable));
 }
 int ZMetaType::indexLabel() const { return described()->own->indexLabel; }
 void ZMetaType::setIndexLabel(int label) { own->indexLabel = label; }
