@@ -162,8 +162,8 @@ void resetProperties(ZMetaType* type) {
     PublishedProperties* old;
     {
         ZScopedLock held(tables.lock);
-        toolkit::store(tables.edits, tables.edits + 1);
         old = tables.types.publish(nullptr);
+        toolkit::storeRelease(tables.edits, tables.edits + 1);
     }
     typesChanged();
     if (old) toolkit::epochRetire(old, reclaimProperties);
@@ -178,8 +178,9 @@ PropertyPublish publishProperties(PropertyTables& tables, toolkit::EpochPtr<Publ
     {
         ZScopedLock held(tables.lock);
         if (tables.edits == seen) {
-            toolkit::store(tables.edits, seen + 1);
+            // Whoever sees the new count sees the new table too.
             old = place.publish(fresh);
+            toolkit::storeRelease(tables.edits, seen + 1);
         }
     }
     if (old == fresh) {
