@@ -19,7 +19,7 @@ trap 'rm -f "$fresh"' EXIT
 if [ -n "$update" ]; then
   cat "$fresh" >"$listing"
   echo "$listing: $(grep -c . "$listing") lines"
-elif diff -U0 "$listing" "$fresh" | grep -E '^[-+]' | grep -vE '^(---|\+\+\+)'; then
+elif { diff -U0 "$listing" "$fresh" || true; } | grep -E '^[-+]' | grep -vE '^(---|\+\+\+)'; then
   echo "The public interface differs from $listing; scripts/api-diff.sh --update takes it over."
 else
   echo "The public interface is that of $listing."
