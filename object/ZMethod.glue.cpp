@@ -4,6 +4,7 @@
 #include "core/ZSelector.h"
 #include "object/ZMetaType.h"
 #include "object/glue.h"
+#include "object/recordCallbacks.h"
 #include "value/ZVariant.h"
 
 namespace orv::glue {
@@ -77,27 +78,7 @@ template <> struct Table<ZMethod> : Declares<ZMethod> {
         ORV_STATIC(ZSelector, extractOptions, (const ZSelector&)),
     };
 
-    // Records stand in a pool and count for themselves, so raw memory never becomes one.
-    static void* create(ZMetaType*) { return ZMethod::create(); }
-    static bool construct(void*, ZMetaType*) { return false; }
-    static bool copy(void*, const void*) { return false; }
-    static void* copyNew(const void* source) { return static_cast<const ZMethod*>(source)->copy(); }
-    static int compare(const void* a, const void* b) {
-        return static_cast<const ZMethod*>(a)->compare(*static_cast<const ZMethod*>(b));
-    }
-    static void release(void* record) { ZMethod::release(static_cast<ZMethod*>(record)); }
-    static void* retain(void* record) { return ZMethod::retain(static_cast<ZMethod*>(record)); }
-    static constexpr Callbacks callbacks = [] {
-        Callbacks made{};
-        made.create = create;
-        made.construct = construct;
-        made.copy = copy;
-        made.copyNew = copyNew;
-        made.compare = compare;
-        made.destroy = made.release = release;
-        made.retain = retain;
-        return made;
-    }();
+    static constexpr Callbacks callbacks = recordCallbacks<ZMethod>();
     static constexpr ClassInfo info = {.kind = Kind::Class, .flags = typePublic | typeRetaining};
 };
 

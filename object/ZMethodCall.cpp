@@ -464,6 +464,7 @@ bool ZMethodCall::packArguments() {
     const MethodParam& param = (*params)[1];
     if (param.data->getName() == zsel<"ZArrayT<ZVariant>">()) return putPointer(1, &rest);
     if (param.data != ztype<ZVArray>()) return false;
+    resetParam(1); // of an earlier call
     if (!putMade(1, {}, false)) return false;
     auto array = static_cast<ZVArray*>(arguments[1].value);
     array->setType(ztype<ZVariant>());

@@ -3,6 +3,7 @@
 #include "core/ZSelector.h"
 #include "object/ZMetaType.h"
 #include "object/glue.h"
+#include "object/recordCallbacks.h"
 #include "text/ZBlendPos.h"
 #include "text/ZString.h"
 #include "value/ZVariant.h"
@@ -103,27 +104,9 @@ template <> struct Table<ZProperty> : Declares<ZProperty> {
         ORV_ITEM(Flags, Default)};
     static constexpr EnumRow enums[] = {ORV_ENUM(Flags, flagItems)};
 
-    // Records stand in a pool and count for themselves, so raw memory never becomes one.
-    static void* create(ZMetaType*) { return ZProperty::create(); }
-    static bool construct(void*, ZMetaType*) { return false; }
-    static bool copy(void*, const void*) { return false; }
-    static void* copyNew(const void* source) { return static_cast<const ZProperty*>(source)->copy(); }
-    static bool detach(void* record) { return static_cast<ZProperty*>(record)->detach(); }
-    static int compare(const void* a, const void* b) {
-        return static_cast<const ZProperty*>(a)->compare(*static_cast<const ZProperty*>(b));
-    }
-    static void release(void* record) { static_cast<ZProperty*>(record)->release(); }
-    static void* retain(void* record) { return static_cast<ZProperty*>(record)->retain(); }
     static constexpr Callbacks callbacks = [] {
-        Callbacks made{};
-        made.create = create;
-        made.construct = construct;
-        made.copy = copy;
-        made.copyNew = copyNew;
-        made.detach = detach;
-        made.compare = compare;
-        made.destroy = made.release = release;
-        made.retain = retain;
+        Callbacks made = recordCallbacks<ZProperty>();
+        made.detach = [](void* record) { return static_cast<ZProperty*>(record)->detach(); };
         return made;
     }();
     static constexpr ClassInfo info = {.kind = Kind::Class, .flags = typePublic | typeRetaining};

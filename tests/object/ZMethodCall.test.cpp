@@ -216,6 +216,23 @@ TEST_F(MethodCalls, SharedValuesAreNotWritten) {
     EXPECT_EQ(text(prepared.getParam(1).toString()), "text!") << "what was written shows in the call";
 }
 
+TEST_F(MethodCalls, CollectedArgumentsOfACallMadeTwice) {
+    toolkit::EpochGuard guard;
+    const auto callTwice = [&] {
+        ZMethodCall prepared(&shape, MethodTest::shape()->methodType("int gatherValues(const ZVArray&)", {}),
+                             MethodTest::shape());
+        for (int i = 0; i < 2; ++i) {
+            ASSERT_TRUE(prepared.add(ZVariant(i)));
+            ASSERT_TRUE(prepared.invoke());
+            EXPECT_EQ(prepared.takeResult().toInt(), -101 - i);
+        }
+    };
+    callTwice(); // what is looked up once stays
+    AllocProbe probe;
+    callTwice();
+    EXPECT_EQ(probe.live(), 0) << probe.leaks();
+}
+
 TEST_F(MethodCalls, ConstructorsAndInstances) {
     EXPECT_EQ(shown(call("CallShape", list(3))), "null") << "what lives isn't built again";
     EXPECT_EQ(shown(call("~CallShape", list())), "null");

@@ -62,6 +62,7 @@ template <> struct Table<CallShape> : Declares<CallShape> {
         ORV_METHOD(int, count, (int, ...), const),
         ORV_METHOD(int, all, (...), const),
         ORV_METHOD(int, gather, (const ZArrayT<ZVariant>&), const, "collect"),
+        ORV_METHOD(int, gatherValues, (const ZVArray&), const, "collect"),
         ORV_METHOD(int, shadowed, (), const),
         ORV_METHOD(CallShape::Step, step, (), const),
         ORV_METHOD(bool, setStep, (const CallShape::Step&), ),

@@ -9,6 +9,7 @@
 #include "tests/support/CoreScope.h"
 #include "text/ZString.h"
 #include "toolkit/epoch.h"
+#include "value/ZVArray.h"
 #include "value/ZVariant.h"
 
 /// Classes with methods of every kind, for the tests of lookups and calls.
@@ -106,6 +107,7 @@ public:
     int count(int first, ZArrayT<ZVariant>& rest) const { return first * 100 + int(rest.count()); }
     int all(ZArrayT<ZVariant>& rest) const { return int(rest.count()); }
     int gather(const ZArrayT<ZVariant>& everything) const { return -int(everything.count()); }
+    int gatherValues(const ZVArray& everything) const { return -100 - int(everything.count()); }
     int shadowed() const { return 30; }
     Step step() const { return now; }
     bool setStep(const Step& other) {
