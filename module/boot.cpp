@@ -6,7 +6,7 @@
 #include "object/ztype.h"
 #include "toolkit/epoch.h"
 
-// How the packages of this library come and go.
+// How packages that are declared by rows come and go.
 
 /// Packages that were opened by name, in that order, each with one reference.
 struct LoadedPackages {
@@ -39,15 +39,34 @@ using orv::PackageRow;
 
 constinit LoadedPackages opened;
 
-ZModule* ownModule = nullptr;
+/// A module whose packages are declared by rows. It has a reference of the module.
+struct DeclaredModule {
+    DeclaredModule(const ZString& name, orv::glue::List<PackageRow> packages, const orv::ModuleNames& moduleNames);
+    ~DeclaredModule() {
+        if (module) module->release();
+    }
+    DeclaredModule(const DeclaredModule&) = delete;
+
+    ZModule* module = nullptr;
+    orv::glue::List<PackageRow> rows;
+    orv::ModuleNames names;
+    DeclaredModule* before;
+};
+
+DeclaredModule* newestModule = nullptr;
 ZPackage* rootPackage = nullptr;
 int openCount = 0;
 
-int placeOf(const ZSelector& name) {
-    const auto rows = orv::corePackages();
-    for (int i = 0; i < rows.count; ++i)
-        if (name.check(rows.rows[i].name)) return i;
-    return -1;
+const DeclaredModule* declaredModule(const ZModule* module) {
+    const DeclaredModule* known = newestModule;
+    while (known && known->module != module) known = known->before;
+    return known;
+}
+
+const PackageRow* findRow(const orv::glue::List<PackageRow>& rows, const ZSelector& name) {
+    for (const PackageRow& row : rows)
+        if (name.check(row.name)) return &row;
+    return nullptr;
 }
 
 bool makeType(ZPackage* package, const PackageRow& row, const orv::glue::ClassRow& type) {
@@ -60,9 +79,10 @@ bool makeType(ZPackage* package, const PackageRow& row, const orv::glue::ClassRo
 /// packages are used whatever failed.
 bool setupPackage(ZPackage* package, bool finished) {
     if (finished) return true;
-    const int place = placeOf(package->selector());
-    if (place < 0) return false;
-    const PackageRow& row = orv::corePackages().rows[place];
+    const DeclaredModule* declared = declaredModule(package->getModule());
+    const PackageRow* found = declared ? findRow(declared->rows, package->selector()) : nullptr;
+    if (!found) return false;
+    const PackageRow& row = *found;
     const orv::glue::List<orv::glue::ClassRow> primitives =
         row.primitives ? *row.primitives : orv::glue::List<orv::glue::ClassRow>();
     bool done = package->setTypeCount(uint(primitives.count + row.types.count));
@@ -88,6 +108,57 @@ ZPackage* makePackage(const PackageRow& row) {
     return package;
 }
 
+ZPackage* openDeclared(ZModule* module, const ZSelector& name) {
+    const DeclaredModule* declared = declaredModule(module);
+    const PackageRow* row = declared ? findRow(declared->rows, name) : nullptr;
+    return row ? makePackage(*row) : nullptr;
+}
+
+DeclaredModule::DeclaredModule(const ZString& name, orv::glue::List<PackageRow> packages,
+                               const orv::ModuleNames& moduleNames)
+    : module(zmake<ZModule>(name, openDeclared)), rows(packages), names(moduleNames), before(newestModule) {
+    if (!module) ZError::fail();
+}
+
+/// Several modules may be of one binary, and so have the same names.
+void dropNames(const orv::ModuleNames& names) {
+    for (const DeclaredModule* known = newestModule; known; known = known->before)
+        if (known->names.selectors == names.selectors && known->names.types == names.types) return;
+    orv::closeNames(names);
+}
+
+/// Links the names of a module and enters it in the lists; false and nothing done without memory, or where there is
+/// one of that name.
+bool enterModule(const ZString& name, orv::glue::List<PackageRow> packages, const orv::ModuleNames& names) {
+    if (orv::openNames(names))
+        if (auto declared = zmake<DeclaredModule>(name, packages, names)) {
+            if (declared->module->appendModule()) {
+                newestModule = declared;
+                return true;
+            }
+            zrelease(declared);
+        }
+    dropNames(names);
+    return false;
+}
+
+/// The last one entered first: what it names may be declared by the others.
+void dropModules() {
+    while (DeclaredModule* gone = newestModule) {
+        newestModule = gone->before;
+        const orv::ModuleNames names = gone->names;
+        zrelease(gone);
+        dropNames(names);
+    }
+}
+
+/// Makes types that were made before those that they name whole, and works out what converts to them.
+void finishTypes() {
+    opened.each([](ZPackage* package) { package->resetBases(); });
+    if (rootPackage) rootPackage->resetBases();
+    opened.each([](ZPackage* package) { package->setupImplicitMap(); });
+}
+
 } // namespace
 
 extern "C" {
@@ -97,8 +168,8 @@ ORV_API bool openModule(ZModule*) { return orv::openModule(); }
 ORV_API void closeModule(ZModule*) { orv::closeModule(); }
 /// A new package of that name, not set up; null if the module has none.
 ORV_API ZPackage* openPackage(ZModule*, const ZSelector& name) {
-    const int place = placeOf(name);
-    return place < 0 ? nullptr : makePackage(orv::corePackages().rows[place]);
+    const PackageRow* row = findRow(orv::corePackages(), name);
+    return row ? makePackage(*row) : nullptr;
 }
 }
 
@@ -108,8 +179,7 @@ bool openModule() {
     if (openCount++ > 0) return true;
     if (!openNames(moduleNames())) return false;
     rootPackage = zmake<ZPackage>();
-    ownModule = zmake<ZModule>(ZString("orvcore"), &::openPackage);
-    if (!rootPackage || !ownModule || !ownModule->appendModule()) return false;
+    if (!rootPackage || !enterModule(ZString("orvcore"), corePackages(), moduleNames())) return false;
     rootPackage->setSelector(ZSelector("root"));
     return true;
 }
@@ -118,8 +188,19 @@ void closeModule() {
     if (openCount == 0 || --openCount > 0) return;
     closePackages();
     ZModule::clearModules({});
-    if (ownModule) std::exchange(ownModule, nullptr)->release();
-    closeNames(moduleNames());
+    dropModules();
+}
+
+bool registerPackages(const ZString& name, glue::List<PackageRow> packages, const ModuleNames& names) {
+    if (!openCount || ZModule::findModule(name) || !enterModule(name, packages, names)) return false;
+    bool done = true;
+    for (const PackageRow& row : packages) {
+        ZPackage* package = loadPackage(ZSelector(row.name));
+        done &= package != nullptr;
+        if (package) package->release();
+    }
+    finishTypes();
+    return done;
 }
 
 /// A package can be found by its name before it is set up, so that packages may use each other in a circle.
@@ -144,11 +225,9 @@ bool openPackages() {
         done &= package != nullptr;
         if (package) package->release();
     }
-    // What was made before the types that it names.
-    opened.each([](ZPackage* package) { package->resetBases(); });
-    if (rootPackage) rootPackage->resetBases();
-    if (ZMetaType* type = ztype<ZModule>(); type && ownModule) ownModule->setType(type);
-    opened.each([](ZPackage* package) { package->setupImplicitMap(); });
+    if (ZMetaType* type = ztype<ZModule>())
+        for (DeclaredModule* known = newestModule; known; known = known->before) known->module->setType(type);
+    finishTypes();
     return done;
 }
 
@@ -170,7 +249,8 @@ void closePackages() {
     toolkit::epochDrain();
     opened.each([](ZPackage* package) { package->forgetMetaTypes(); });
     if (rootPackage) rootPackage->forgetMetaTypes();
-    if (ownModule) ownModule->setType(static_cast<ZMetaType*>(nullptr));
+    for (DeclaredModule* known = newestModule; known; known = known->before)
+        known->module->setType(static_cast<ZMetaType*>(nullptr));
     each([](ZPackage* package) { package->releasePackage(); });
     opened.releaseAll();
     if (rootPackage) std::exchange(rootPackage, nullptr)->release();

@@ -2,9 +2,11 @@
 
 #include "module/ZPackage.h"
 #include "object/glueRows.h"
+#include "object/names.h"
 
-/// The packages of this library and how they come and go. They are listed in packages.cpp: a type is declared by one
-/// line there, behind its bases.
+/// Packages whose types are declared by rows, and how they come and go. Those of this library are listed in
+/// packages.cpp: a type is declared by one line there, behind its bases. A program, or a library of its own, lists its
+/// own in the same form and hands them to `registerPackages`.
 namespace orv {
 
 /// A package of a module: its types in the order in which they are made, and the packages that it uses.
@@ -21,8 +23,24 @@ struct PackageRow {
 /// Of this library, in the order in which they are opened.
 ORV_API glue::List<PackageRow> corePackages();
 
+/// Makes the packages of a program or of another library known, and opens them: their types are then found by name as
+/// any other. Called once a start, behind the construction of `ZCoreLib`:
+///
+///     constexpr const orv::glue::ClassRow* types[] = {orv::glue::rowOf<Gauge>()};
+///     constexpr const char* uses[] = {"orv.core.object"};
+///     constexpr orv::PackageRow packages[] = {{"plant.gauges", ZPackage::Public, types, uses}};
+///     …
+///     if (!orv::registerPackages("plant", packages)) …
+///
+/// `module` becomes the name of the `ZModule` that the packages know; `names` are the constants of the caller's code,
+/// which are linked first: `zsel` and `ztype` work there from now on. Rows and names stay where they are until the
+/// library has stopped, which ends the packages and lets go of the names. False if there is a module of that name, the
+/// library isn't started, or there was no memory for all: packages that were opened stay. One thread at a time.
+ORV_API bool registerPackages(const ZString& module, glue::List<PackageRow> packages,
+                              const ModuleNames& names = moduleNames());
+
 /// Opens a package that isn't open and sets it up. The answer is a reference for the caller; null if there is none of
-/// that name. Until plugins know where packages are, those of this library can be had.
+/// that name. Until plugins know where packages are, those of registered modules can be had.
 ORV_API ZPackage* loadPackage(const ZSelector& name);
 
 /// Makes the metatype of a row and enters it in the package; null without memory. The package owns it.

@@ -218,4 +218,14 @@ struct ClassRow {
 /// The row of exactly this class. A class that declares nothing has none: asking for it doesn't link.
 template <class T> struct Row { static const ClassRow row; };
 
+#ifdef __clang__
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wundefined-var-template"
+#endif
+/// The row of a class that is declared in another file, for the list of a package.
+template <class T> constexpr const ClassRow* rowOf() { return &Row<T>::row; }
+#ifdef __clang__
+#pragma clang diagnostic pop
+#endif
+
 } // namespace orv::glue

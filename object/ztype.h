@@ -19,3 +19,13 @@ template <class T> [[gnu::always_inline]] inline ZMetaType* ztype() {
     ORV_NAME_ROW("orv_types", Place::record, Place::text);
     return Place::record.type(Place::text);
 }
+
+namespace orv {
+
+/// What a constructor of `T` hands to its base: the tag that it was given, so that the most derived class names the
+/// type, else that of `T`.
+template <class T> inline const __ZPassMetaType* tagFor(const __ZPassMetaType* given) {
+    return given ? given : reinterpret_cast<const __ZPassMetaType*>(ztype<T>());
+}
+
+} // namespace orv
