@@ -13,8 +13,6 @@
 
 namespace {
 
-ZPackage* rootPackage = nullptr;
-
 /// All packages there are, for `findPackage`.
 struct OpenPackages {
     ZSpinLock guard;
@@ -23,6 +21,8 @@ struct OpenPackages {
 constinit OpenPackages open;
 
 } // namespace
+
+constinit ZPackage* ZPackage::rootPackage = nullptr;
 
 // Lifetime
 
@@ -45,8 +45,6 @@ ZPackage::~ZPackage() {
     }
     releasePackage();
 }
-
-ZPackage* ZPackage::root() { return toolkit::loadAcquire(rootPackage); }
 
 ZPackage* ZPackage::findPackage(const ZSelector& name) {
     if (name.isEmpty()) return nullptr;
@@ -157,23 +155,26 @@ void ZPackage::releasePackage() {
 /// Who uses this package, and whom it uses, don't know it any more. A reference that a link holds goes with it; the
 /// last one to this package isn't among them, since its holder is here.
 void ZPackage::releaseLinks() {
-    for (ZPackageLink* link = usedByHead; link; link = usedByHead) {
-        ZPackage* user = link->user;
-        {
-            ZScopedLock held(*static_cast<const ZPackage*>(user));
-            user->usedIndex.clear();
-            user->usedTypesDirty = true;
-            link->unlink();
-        }
+    const auto take = [](ZPackageLink* const& first, auto&& whileLocked) {
+        ZScopedLock held(orv::packageUses);
+        ZPackageLink* link = first;
+        if (!link) return link;
+        whileLocked(*link->user);
+        link->unlink();
+        return link;
+    };
+    const auto forgetTypes = [this](ZPackage& user) {
+        typeIndex.each([&](const ZMetaType* type) { user.usedIndex.drop(type->getName(), type); });
+        toolkit::store(user.usedTypesDirty, true);
+    };
+    while (ZPackageLink* link = take(usedByHead, forgetTypes)) {
         const int count = link->count;
         zrelease(link);
         for (int i = 0; i < count; ++i) decmemref(this);
     }
-    usedIndex.clear();
-    for (ZPackageLink* link = usesHead; link; link = usesHead) {
+    while (ZPackageLink* link = take(usesHead, [](ZPackage& user) { user.usedIndex.clear(); })) {
         ZPackage* used = link->used;
         const int count = link->count;
-        link->unlink();
         zrelease(link);
         for (int i = 0; i < count; ++i) used->release();
     }
@@ -258,8 +259,9 @@ ZSelector ZPackage::getNamedSelector(const ZSelector& name, bool localOnly) cons
         return type ? type->getNamedSelector(name.baseName()) : ZSelector();
     }
     ZSelector found = localSelector(name);
-    for (const ZPackageLink* link = usesHead; link && found.isEmpty(); link = link->usesNext)
-        if (link->used != this) found = link->used->localSelector(name);
+    if (found.isEmpty())
+        for (const auto& used : usedPackages())
+            if (found = used->localSelector(name); !found.isEmpty()) break;
     if (found.isEmpty() && root() && root() != this) found = root()->getNamedSelector(name, false);
     return found;
 }

@@ -34,8 +34,8 @@ struct ZPackageLink {
 
 /// A counted set of types that a module hands out under one name. It owns its types; those of the packages that it uses
 /// it finds too, and, as every package does, those of the root package, the first one made, which uses every public
-/// one. Any thread may look types up, without a lock; packages are filled, used and closed by one thread at a time,
-/// each change under the package's own lock.
+/// one. Any thread may look types up, without a lock, also while others are made by name, entered and taken out, and
+/// while packages are used and given up; a package is set up and closed by one thread, which nobody else uses it on.
 class ORV_API ZPackage : public ZObject {
 public:
     enum Flags : uint { None = 0, Public = 1, Plugin = 2, Dynamic = 4 };
@@ -45,7 +45,7 @@ public:
     ~ZPackage() override;
 
     /// The first package made; null before it and after its end.
-    static ZPackage* root();
+    static ZPackage* root() { return toolkit::loadAcquire(rootPackage); }
     /// An open package by its name; null if it isn't open.
     static ZPackage* findPackage(const ZSelector& name);
     /// The same with a reference for the caller; null too for one that is on its way out.
@@ -184,11 +184,24 @@ private:
     friend struct ZPackageLink;
     friend struct LoadedPackages;
 
+    static ZPackage* rootPackage;
+
     ZPackageLink* findLink(const ZPackage* other) const;
     bool seesTypesOf(const ZPackage* other) const;
+    /// Here and in used packages.
+    ZMetaType* indexed(const ZSelector& name) const {
+        if (ZMetaType* own = typeIndex.find(name)) return own;
+        if (ORV_UNLIKELY(toolkit::loadAcquire(usedTypesDirty))) resetUsedTypes();
+        return usedIndex.find(name);
+    }
     ZMetaType* find(const ZSelector& name, bool make, int depth) const;
     ZMetaType* findNested(const ZSelector& name, bool make, int depth) const;
     ZMetaType* findInstance(const ZSelector& name, int depth);
+    ZMetaType* enterType(ZMetaType* type, bool replace);
+    void tellUsers(const ZSelector& name, const ZMetaType* gone);
+    using Packages = ZArrayT<ZRetainPtrT<ZPackage>>;
+    /// Those that it uses; empty without memory too.
+    Packages usedPackages() const;
     ZSelector localSelector(const ZSelector& name) const;
     void releaseLinks();
     void releaseTypes();
@@ -207,9 +220,9 @@ private:
     ZSelector packageName;          ///< its selector, read under the lock of the list of packages
     ZModule* module = nullptr;
     Types types;
-    orv::TypeIndex typeIndex;         ///< of `types`
-    mutable orv::TypeIndex usedIndex; ///< of the used packages, not retained
-    mutable bool usedTypesDirty = false;
+    orv::TypeIndex typeIndex;            ///< of `types`
+    mutable orv::TypeIndex usedIndex;    ///< of the used packages, not retained; changed under the lock of uses
+    mutable bool usedTypesDirty = false; ///< `usedIndex` may lack types, or have too many
     bool released = false;
     mutable bool selectorIndexDirty = true;
     ZHashMapT<ZSelector, ZKeyValueT<ZSelector, ZSelectorMap>> selectorGroups;

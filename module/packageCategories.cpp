@@ -31,11 +31,12 @@ ZTypeCategory* ZPackage::getCategory(const ZSelector& name) const {
 ZTypeCategory* ZPackage::findCategory(const ZSelector& name) const {
     if (name.isEmpty()) return nullptr;
     if (ZTypeCategory* own = getCategory(name)) return own;
-    const ZPackage* above = root();
-    for (const ZPackage* user : {this, above != this ? above : nullptr})
-        for (const ZPackageLink* link = user ? user->usesHead : nullptr; link; link = link->usesNext)
-            if (ZTypeCategory* found = link->used->getCategory(name)) return found;
-    return above && above != this ? above->getCategory(name) : nullptr;
+    const ZPackage* above = root() != this ? root() : nullptr;
+    for (const ZPackage* user : {this, above})
+        if (user)
+            for (const auto& used : user->usedPackages())
+                if (ZTypeCategory* found = used->getCategory(name)) return found;
+    return above ? above->getCategory(name) : nullptr;
 }
 ZArrayT<ZTypeCategory*> ZPackage::getCategories() const {
     ZScopedLock held(*this);

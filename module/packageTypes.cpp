@@ -29,23 +29,39 @@ bool ZPackage::setTypeCount(uint count) {
     return (count <= types.count() || types.expand(count - types.count())) && typeIndex.reserve(count);
 }
 
-bool ZPackage::linkType(ZMetaType* type) {
-    if (!type) return false;
+/// Enters a type unless one of that name is there and isn't to be replaced; answers the one that is there then, null
+/// without memory.
+ZMetaType* ZPackage::enterType(ZMetaType* type, bool replace) {
     const ZSelector name = type->getName();
+    ZRetainPtrT<ZMetaType> replaced;
     {
         ZScopedLock held(*static_cast<const ZPackage*>(this));
-        if (!typeIndex.reserve(1) || !types.set(ZRetainKeyT<ZSelector, ZMetaType>(name, type))) return false;
+        if (const auto* known = std::as_const(types).get(name)) {
+            if (!replace) return known->get();
+            replaced = *known;
+        }
+        if (!typeIndex.reserve(1) || !types.set(ZRetainKeyT<ZSelector, ZMetaType>(name, type))) return nullptr;
         typeIndex.put(name, type);
     }
-    for (ZPackageLink* link = usedByHead; link; link = link->usedByNext) {
+    tellUsers(name, nullptr);
+    orv::typesChanged();
+    return type;
+}
+
+/// Lets the users have what stands under the name by now; without one, `gone` isn't found there any more.
+void ZPackage::tellUsers(const ZSelector& name, const ZMetaType* gone) {
+    ZScopedLock held(orv::packageUses);
+    ZMetaType* type = typeIndex.find(name);
+    for (const ZPackageLink* link = usedByHead; link; link = link->usedByNext) {
         ZPackage* user = link->user;
-        ZScopedLock held(*static_cast<const ZPackage*>(user));
-        if (!user->usedTypesDirty && user->seesTypesOf(this) && !user->usedIndex.put(name, type))
+        if (!type)
+            user->usedIndex.drop(name, gone);
+        else if (!user->usedTypesDirty && user->seesTypesOf(this) && !user->usedIndex.put(name, type))
             toolkit::store(user->usedTypesDirty, true);
     }
-    orv::typesChanged();
-    return true;
 }
+
+bool ZPackage::linkType(ZMetaType* type) { return type && enterType(type, true); }
 
 void ZPackage::unlinkType(ZMetaType* type) {
     if (!type) return;
@@ -59,10 +75,7 @@ void ZPackage::unlinkType(ZMetaType* type) {
             types.remove(name);
         }
     }
-    for (ZPackageLink* link = usedByHead; link; link = link->usedByNext) {
-        ZScopedLock held(*static_cast<const ZPackage*>(link->user));
-        link->user->usedIndex.drop(name, type);
-    }
+    tellUsers(name, type);
     orv::typesRemoved();
     ZInlineType::forget(type);
 }
@@ -82,7 +95,7 @@ ZPackage::Types ZPackage::getTypes() const {
 
 ZArrayT<ZMetaType*> ZPackage::getUsedTypes() const {
     resetUsedTypes();
-    ZScopedLock held(*this);
+    ZScopedLock held(orv::packageUses);
     ZArrayT<ZMetaType*> found;
     bool whole = true;
     usedIndex.each([&](ZMetaType* type) { whole = found.append(type) && whole; });
@@ -93,15 +106,29 @@ ZArrayT<ZMetaType*> ZPackage::getUsedTypes() const {
 ZMetaType* ZPackage::findPackageType(const ZSelector& name) const { return typeIndex.find(name); }
 
 ZMetaType* ZPackage::findMetaType(const ZSelector& name) const {
-    if (ZMetaType* own = typeIndex.find(name)) return own;
-    if (ORV_UNLIKELY(toolkit::load(usedTypesDirty))) resetUsedTypes();
-    if (ZMetaType* used = usedIndex.find(name)) return used;
+    if (ZMetaType* known = indexed(name)) return known;
     const ZPackage* above = root();
     return above && above != this ? above->findMetaType(name) : nullptr;
 }
 
-ZMetaType* ZPackage::findType(const ZSelector& name) const { return find(name, true, 0); }
-ZMetaType* ZPackage::findExisting(const ZSelector& name) const { return find(name, false, 0); }
+ZMetaType* ZPackage::findType(const ZSelector& name) const {
+    ZMetaType* known = indexed(name);
+    return ORV_LIKELY(known != nullptr) ? known : find(name, true, 0);
+}
+ZMetaType* ZPackage::findExisting(const ZSelector& name) const {
+    ZMetaType* known = indexed(name);
+    return ORV_LIKELY(known != nullptr) ? known : find(name, false, 0);
+}
+
+// Here and not with the other lookups of a type: most end in the root's index, without a call.
+ZMetaType* ZMetaType::find(const ZSelector& name) {
+    const ZPackage* root = ZPackage::root();
+    return root ? root->ZPackage::findType(name) : nullptr;
+}
+ZMetaType* ZMetaType::findExisting(const ZSelector& name) {
+    const ZPackage* root = ZPackage::root();
+    return root ? root->findExisting(name) : nullptr;
+}
 
 ZMetaType* ZPackage::find(const ZSelector& name, bool make, int depth) const {
     if (name.isEmpty() || depth > deepestName) return nullptr;
@@ -140,23 +167,23 @@ ZMetaType* ZPackage::findNested(const ZSelector& name, bool make, int depth) con
     return type;
 }
 
-/// Makes an instance of a template whose name is a type and whose arguments are.
+/// Makes an instance of a template whose name is a type and whose arguments are. Nothing is locked meanwhile: of
+/// several threads that make the same one, all get that of the first.
 ZMetaType* ZPackage::findInstance(const ZSelector& name, int depth) {
     if (!find(name.methodName(), true, depth + 1)) return nullptr;
     for (int i = 0, count = name.parcount(); i < count; ++i)
         if (!find(name.param(i), true, depth + 1)) return nullptr;
     auto owner = const_cast<ZPackage*>(findTemplateOwner(name));
-    ZMetaType* made;
-    {
-        ZScopedLock held(*static_cast<const ZPackage*>(owner));
-        if (ZMetaType* known = owner->findMetaType(name)) return known;
-        made = zmake<ZMetaType>(owner, name, ZMetaType::Class, orv::passType(ztype<ZMetaType>()));
-    }
+    if (ZMetaType* known = owner->findMetaType(name)) return known;
+    auto made = zmake<ZMetaType>(nullptr, name, ZMetaType::Class, orv::passType(ztype<ZMetaType>()));
     if (!made) return nullptr;
+    made->setPackage(owner);
+    made->initTemplateType(name);
     made->resetType(true);
+    ZMetaType* entered = owner->enterType(made, false);
     // The package has its own reference.
     made->release();
-    return made;
+    return entered;
 }
 
 const ZPackage* ZPackage::findTemplateOwner(const ZSelector& name) const {

@@ -3,7 +3,12 @@
 #include "module/packages.h"
 #include "object/typeGeneration.h"
 
-// Which packages use which, and in what order they depend on each other.
+// Which packages use which, and in what order they depend on each other. Links are read and changed under the lock of
+// uses.
+
+namespace orv {
+constinit ZSpinLock packageUses;
+}
 
 bool ZPackageLink::activeLink() const { return user && used && user->visited && used->visited; }
 
@@ -47,23 +52,22 @@ ZPackageLink* ZPackage::findLink(const ZPackage* other) const {
 
 bool ZPackage::use(ZPackage* other) {
     if (!other || released) return false;
-    bool done = true;
+    other->retain();
+    bool done;
     {
-        ZScopedLock held(*static_cast<const ZPackage*>(this));
+        ZScopedLock held(orv::packageUses);
         ZPackageLink* link = findLink(other);
         if (!link && (link = zmake<ZPackageLink>())) {
             link->user = this;
             link->used = other;
             link->link();
         }
-        if (link) {
-            ++link->count;
-            other->retain();
-        }
+        if (link) ++link->count;
         done = link != nullptr;
     }
     addUsedPackageTypes(other);
     orv::typesChanged();
+    if (!done) other->release();
     return done;
 }
 
@@ -77,14 +81,13 @@ bool ZPackage::use(const ZSelector& name) {
 
 bool ZPackage::unuse(ZPackage* other) {
     {
-        ZScopedLock held(*static_cast<const ZPackage*>(this));
+        ZScopedLock held(orv::packageUses);
         ZPackageLink* link = findLink(other);
         if (!link) return false;
         if (--link->count < 1) {
             link->unlink();
             zrelease(link);
-            usedIndex.clear();
-            usedTypesDirty = true;
+            toolkit::store(usedTypesDirty, true);
         }
     }
     orv::typesChanged();
@@ -95,8 +98,16 @@ bool ZPackage::unuse(const ZSelector& name) { return unuse(findPackage(name)); }
 
 bool ZPackage::uses(const ZPackage* other) const {
     if (!other) return false;
-    ZScopedLock held(*this);
+    ZScopedLock held(orv::packageUses);
     return findLink(other) != nullptr;
+}
+
+ZPackage::Packages ZPackage::usedPackages() const {
+    Packages all;
+    ZScopedLock held(orv::packageUses);
+    for (const ZPackageLink* link = usesHead; link; link = link->usesNext)
+        if (!all.append(ZRetainPtrT<ZPackage>(link->used))) return {};
+    return all;
 }
 
 bool ZPackage::publish(ZPackage* target) {
@@ -113,28 +124,22 @@ bool ZPackage::seesTypesOf(const ZPackage* other) const {
 
 bool ZPackage::addUsedPackageTypes(ZPackage* other) {
     if (!other) return false;
-    const Types theirs = other->getTypes();
-    ZScopedLock held(*static_cast<const ZPackage*>(this));
+    ZScopedLock held(orv::packageUses);
     if (usedTypesDirty || !seesTypesOf(other)) return true;
-    bool done = usedIndex.reserve(theirs.count());
-    for (const auto& entry : theirs) done = done && usedIndex.put(entry.key(), entry.value());
+    const bool done = usedIndex.reserve(other->typeIndex.count()) && usedIndex.putAll(other->typeIndex);
     // What isn't in the table is looked for again when there is memory.
-    usedTypesDirty = !done;
+    toolkit::storeRelease(usedTypesDirty, !done);
     return done;
 }
 
 void ZPackage::resetUsedTypes() const {
-    ZScopedLock held(*this);
+    ZScopedLock held(orv::packageUses);
     if (!usedTypesDirty) return;
-    usedIndex.clear();
+    orv::TypeIndex all;
     bool done = true;
-    for (const ZPackageLink* link = usesHead; link && done; link = link->usesNext) {
-        if (!seesTypesOf(link->used)) continue;
-        const Types theirs = link->used->getTypes();
-        done = usedIndex.reserve(theirs.count());
-        for (const auto& entry : theirs) done = done && usedIndex.put(entry.key(), entry.value());
-    }
-    toolkit::store(usedTypesDirty, !done);
+    for (const ZPackageLink* link = usesHead; link && done; link = link->usesNext)
+        if (seesTypesOf(link->used)) done = all.putAll(link->used->typeIndex);
+    toolkit::storeRelease(usedTypesDirty, !(done && usedIndex.assign(all)));
 }
 
 // Order
@@ -156,6 +161,7 @@ bool ZPackage::topologicalOrdering(ZArrayT<ZPackage*>& packages) {
     // Both lists are filled without a further allocation: `work` holds each package once at most.
     if (all.isEmpty()) return true;
     if (!ordered.reserve(all.count()) || !work.reserve(all.count() * 2)) return false;
+    ZScopedLock held(orv::packageUses);
     for (ZPackage* package : all) {
         package->visited = 1;
         package->degree = 0;

@@ -49,6 +49,11 @@ ORV_API ZMetaType* makeType(ZPackage* package, const glue::ClassRow& row);
 /// The type that a metatype of a row is an instance of; null as long as that isn't there.
 ORV_API ZMetaType* typeOfType(const ZMetaType& type);
 
+/// Guards which package uses which, the counts of uses, and what each finds of those that it uses, of all packages. A
+/// package's own lock, which guards its types and categories, may be held when this one is taken, never the other way
+/// round; nobody takes two packages' own locks at once. Only memory is asked for under it.
+extern ZSpinLock packageUses;
+
 // Steps of start and stop
 
 /// Links the names that code uses and makes the root package; counts. False without memory.

@@ -1,15 +1,8 @@
 #include "module/typeIndex.h"
 
-#include "core/ZSelector.h"
 #include "core/memory.h"
-#include "toolkit/atomic.h"
 
 namespace orv {
-
-namespace {
-/// Ids are dealt in order, so neighbours are spread.
-uint spread(uint key) { return key * 0x9E3779B1u >> 7 ^ key; }
-} // namespace
 
 TypeIndex::~TypeIndex() {
     while (Table* last = table) {
@@ -31,21 +24,6 @@ TypeIndex::Place& TypeIndex::placeOf(Table& table, uint key) {
     return table.places[i];
 }
 
-ZMetaType* TypeIndex::find(const ZSelector& name) const {
-    Table* now = toolkit::loadAcquire(table);
-    const uint key = name.key();
-    if (!now || !key) return nullptr;
-    for (uint i = spread(key) & now->mask;; i = (i + 1) & now->mask) {
-        const Place& place = now->places[i];
-        const uint there = toolkit::loadAcquire(place.key);
-        if (!there) return nullptr;
-        if (there != key) continue;
-        ZMetaType* type = toolkit::loadAcquire(place.type);
-        // A table that was cleared meanwhile may have another name there by now.
-        return toolkit::load(place.key) == key ? type : nullptr;
-    }
-}
-
 bool TypeIndex::reserve(uint more) {
     const uint wanted = used + more;
     if (wanted < used || wanted > 1u << 26) return false;
@@ -64,13 +42,34 @@ bool TypeIndex::reserve(uint more) {
     return true;
 }
 
-bool TypeIndex::put(const ZSelector& name, ZMetaType* type) {
-    if (name.isEmpty() || !reserve(1)) return false;
-    Place& place = placeOf(*table, name.key());
+bool TypeIndex::put(uint key, ZMetaType* type) {
+    if (!key || !reserve(1)) return false;
+    Place& place = placeOf(*table, key);
     if (!place.key) ++table->filled;
     used += !place.type;
     toolkit::storeRelease(place.type, type);
-    toolkit::storeRelease(place.key, name.key());
+    toolkit::storeRelease(place.key, key);
+    return true;
+}
+
+bool TypeIndex::putAll(const TypeIndex& other) {
+    const Table* theirs = toolkit::loadAcquire(other.table);
+    for (uint i = 0; theirs && i <= theirs->mask; ++i) {
+        const uint key = toolkit::loadAcquire(theirs->places[i].key);
+        ZMetaType* type = toolkit::loadAcquire(theirs->places[i].type);
+        if (key && type && !put(key, type)) return false;
+    }
+    return true;
+}
+
+bool TypeIndex::assign(const TypeIndex& other) {
+    if (!putAll(other)) return false;
+    for (uint i = 0; table && i <= table->mask; ++i) {
+        Place& place = table->places[i];
+        if (!place.type || (other.table && placeOf(*other.table, place.key).type)) continue;
+        toolkit::storeRelease(place.type, static_cast<ZMetaType*>(nullptr));
+        --used;
+    }
     return true;
 }
 
@@ -83,12 +82,9 @@ void TypeIndex::drop(const ZSelector& name, const ZMetaType* type) {
 }
 
 void TypeIndex::clear() {
-    if (!table) return;
-    for (uint i = 0; i <= table->mask; ++i) {
+    for (uint i = 0; table && i <= table->mask; ++i)
         toolkit::storeRelease(table->places[i].type, static_cast<ZMetaType*>(nullptr));
-        toolkit::storeRelease(table->places[i].key, 0u);
-    }
-    used = table->filled = 0;
+    used = 0;
 }
 
 } // namespace orv

@@ -7,9 +7,6 @@
 
 // Types by name, and the types nested in one.
 
-ZMetaType* ZMetaType::find(const ZSelector& name) { return orv::findPackageType(nullptr, name, true); }
-ZMetaType* ZMetaType::findExisting(const ZSelector& name) { return orv::findPackageType(nullptr, name, false); }
-
 ZMetaType* ZMetaType::findType(const ZSelector& name) const {
     if (name.isEmpty()) return nullptr;
     const ZMetaType* type = described();

@@ -227,6 +227,69 @@ TEST_F(Package, LivesThroughFailedAllocations) {
     }
 }
 
+/// Instances of templates made, uses given up and taken up, orders worked out, all at once.
+TEST_F(Package, LookupsGoOnWhileUsesChangeAndInstancesAreMade) {
+    Made a("test.a"), b("test.b"), c("test.c");
+    ASSERT_TRUE(a->use(b.package) && a->use(c.package));
+    ZMetaType *fixed = b.type("Fixed"), *also = c.type("InC");
+    b.type("BoxT");
+    constexpr int count = 60, makers = 2;
+    std::vector<ZSelector> boxes;
+    for (int i = 0; i < count; ++i) {
+        const std::string argument = "Item" + std::to_string(i);
+        b.type(argument.c_str());
+        boxes.emplace_back(("BoxT<" + argument + ">").c_str());
+    }
+    const ZSelector name("Fixed"), other("InC");
+    std::vector<ZMetaType*> made[makers];
+    bool stop = false;
+    std::vector<std::thread> threads;
+    for (auto& mine : made)
+        threads.emplace_back([&] {
+            for (const ZSelector& box : boxes) mine.push_back(a->findType(box));
+        });
+    std::thread uses([&] {
+        while (!toolkit::load(stop)) {
+            EXPECT_TRUE(a->unuse(c.package) && a->use(c.package));
+            EXPECT_EQ(a->findType(other), also);
+        }
+    });
+    std::thread orders([&] {
+        while (!toolkit::load(stop)) {
+            ZArrayT<ZPackage*> all;
+            EXPECT_TRUE(all.append(b.package) && all.append(a.package) && ZPackage::topologicalOrdering(all));
+            EXPECT_EQ(std::as_const(all)[0], a.package);
+            EXPECT_EQ(a->findType(name), fixed);
+            EXPECT_EQ(a->findCategory(name), nullptr);
+        }
+    });
+    for (auto& thread : threads) thread.join();
+    toolkit::store(stop, true);
+    uses.join();
+    orders.join();
+    EXPECT_EQ(made[0], made[1]);
+    for (ZMetaType* box : made[0]) {
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(a->findType(box->getName()), box);
+        EXPECT_TRUE(box->package() == b.package && box->getTemplateType());
+    }
+}
+
+TEST_F(Package, OneOfTwoTypesOfANameTakesTheOthersPlace) {
+    Made a("test.a"), b("test.b"), c("test.c");
+    ASSERT_TRUE(a->use(b.package) && a->use(c.package));
+    b.type("Same");
+    ZMetaType* last = b.type("Same");
+    EXPECT_EQ(a->findType(ZSelector("Same")), last);
+    ZMetaType* inC = c.type("Same");
+    EXPECT_EQ(a->findType(ZSelector("Same")), inC);
+    // What stood under the name before shows again when the other one's package isn't used any more.
+    EXPECT_TRUE(a->unuse(c.package));
+    EXPECT_EQ(a->findType(ZSelector("Same")), last);
+    b->unlinkType(last);
+    EXPECT_EQ(a->findType(ZSelector("Same")), nullptr);
+}
+
 TEST_F(Package, TypesAreFoundWhileOthersComeAndGo) {
     Made a("test.a"), b("test.b");
     ASSERT_TRUE(a->use(b.package));
