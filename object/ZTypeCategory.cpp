@@ -4,6 +4,7 @@
 #include "module/ZPackage.h"
 #include "object/ZMetaTypeData.h"
 #include "object/ZMethod.h"
+#include "object/tableBuild.h"
 #include "object/ztype.h"
 
 namespace {
@@ -28,6 +29,31 @@ const ZMethodPtr* findMethod(const ZTypeCategory::MethodTable& table, const ZSel
     for (const ZMethodPtr* node = table.find(key); node; node = table.findNext(node))
         if (node->get()->getSelector() == selector && node->get()->getQualifier() == qualifier) return node;
     return nullptr;
+}
+
+bool joinTypes(ZMetaType::Types& to, const ZMetaType::Types& from) {
+    for (const auto& entry : from)
+        if (!to.set(entry)) return false;
+    return true;
+}
+bool joinProperties(ZTypeCategory::PropertyTable& to, const ZTypeCategory::PropertyTable& from) {
+    if (!to.detach()) return false;
+    for (const ZPropertyPtr& entry : from)
+        if (!to.contains(entry.key()) && !to.add(entry)) return false;
+    return true;
+}
+bool joinDispatch(ZObject::DispatchTable& to, const ZObject::DispatchTable& from) {
+    if (!to.detach()) return false;
+    for (const ZMethodDispatch& entry : from)
+        if (!to.add(entry)) return false;
+    return true;
+}
+
+/// Changes a table: that which the running thread builds, or else the category's own under its lock.
+template <class T, class F> bool changeTable(const ZTypeCategory* category, ZLock& change, T& table, F&& edit) {
+    if (T* building = orv::TableBuild<T>::find(category)) return edit(*building);
+    ZScopedLock held(change);
+    return edit(table);
 }
 
 } // namespace
@@ -127,17 +153,39 @@ bool ZTypeCategory::setupAutoExtend(ZPackage* target) {
 
 // Tables
 
-/// Runs a builder once. The tables are this thread's own meanwhile, and are read as far as they are by the builder.
-bool ZTypeCategory::build(CallBack index, byte& state) {
-    if (toolkit::loadAcquire(state) == orv::tableBuilt) return true;
-    ZScopedLock held(change);
-    if (state != orv::tableUnbuilt) return true;
-    auto run = reinterpret_cast<bool (*)(ZTypeCategory*)>(callbacks[index]);
-    state = orv::tableBuilding;
-    const bool done = !run || run(this);
-    toolkit::storeRelease(state, done ? orv::tableBuilt : orv::tableUnbuilt);
-    return done;
+/// Joins what a builder makes to the table.
+template <class T> bool ZTypeCategory::build(CallBack index, T& table, bool (*join)(T& to, const T& from)) {
+    for (;;) {
+        if (toolkit::loadAcquire(states[index]) == orv::tableBuilt) return true;
+        // Asked by its own builder, who gets what it has so far.
+        if (orv::TableBuild<T>::find(this)) return true;
+        orv::TableBuild<T> building(this);
+        const uint before = toolkit::loadAcquire(resets);
+        auto run = reinterpret_cast<bool (*)(ZTypeCategory*)>(getCallback(index));
+        if (run && !run(this)) return false;
+        ZScopedLock held(change);
+        if (states[index] == orv::tableBuilt || resets != before) continue;
+        T all = table;
+        if (!join(all, building.table)) return false;
+        std::swap(table, all);
+        toolkit::storeRelease(states[index], byte(orv::tableBuilt));
+        return true;
+    }
 }
+template <class T> T ZTypeCategory::tableOf(bool (ZTypeCategory::*create)(), const T& table) const {
+    if (const T* building = orv::TableBuild<T>::find(this)) return *building;
+    (const_cast<ZTypeCategory*>(this)->*create)();
+    ZScopedReadLock held(change);
+    return table;
+}
+template <class T> bool ZTypeCategory::setTable(bool (ZTypeCategory::*create)(), T& table, const T& to) {
+    (this->*create)();
+    return changeTable(this, change, table, [&](T& at) {
+        at = to;
+        return true;
+    });
+}
+
 bool ZTypeCategory::buildAll() const {
     const Nested nested(this);
     for (const auto& category : nested.all)
@@ -146,40 +194,40 @@ bool ZTypeCategory::buildAll() const {
             return false;
     return nested.whole;
 }
-bool ZTypeCategory::createTypes() { return build(CreateTypes, states[CreateTypes]); }
-bool ZTypeCategory::createMethods() { return build(CreateMethods, states[CreateMethods]); }
-bool ZTypeCategory::createProperties() { return build(CreateProperties, states[CreateProperties]); }
-bool ZTypeCategory::createDispatch() { return build(CreateDispatch, states[CreateDispatch]); }
+bool ZTypeCategory::createTypes() { return build(CreateTypes, types, joinTypes); }
+bool ZTypeCategory::createMethods() { return build(CreateMethods, methodTypes, joinMethods); }
+bool ZTypeCategory::createProperties() { return build(CreateProperties, propertyTypes, joinProperties); }
+bool ZTypeCategory::createDispatch() { return build(CreateDispatch, dispatchTypes, joinDispatch); }
 
 bool ZTypeCategory::appendMethod(ZMethod* method) {
     if (!method) return false;
-    ZScopedLock held(change);
-    if (!methodTypes.detach()) return false;
-    ZMethodPtr* node = ZMethodPtr::create(method);
-    if (node && methodTypes.add(node)) return true;
-    if (node) node->release();
-    return false;
+    return changeTable(this, change, methodTypes, [&](MethodTable& table) {
+        if (!table.detach()) return false;
+        ZMethodPtr* node = ZMethodPtr::create(method);
+        if (node && table.add(node)) return true;
+        if (node) node->release();
+        return false;
+    });
 }
 bool ZTypeCategory::addPropertyDef(const ZPropertyPtr& property) {
     if (!property.property() || property.key().isEmpty()) return false;
-    ZScopedLock held(change);
-    return !propertyTypes.contains(property.key()) && propertyTypes.detach() && propertyTypes.add(property) != nullptr;
+    return changeTable(this, change, propertyTypes, [&](PropertyTable& table) {
+        return !table.contains(property.key()) && table.detach() && table.add(property) != nullptr;
+    });
 }
 bool ZTypeCategory::addDispatch(const ZMethodDispatch& dispatch) {
     if (dispatch.dispatchName().isEmpty()) return false;
-    ZScopedLock held(change);
-    return dispatchTypes.detach() && dispatchTypes.add(dispatch) != nullptr;
+    return changeTable(this, change, dispatchTypes,
+                       [&](DispatchTable& table) { return table.detach() && table.add(dispatch) != nullptr; });
 }
 bool ZTypeCategory::addType(ZMetaType* type) {
     if (!type) return false;
-    ZScopedLock held(change);
-    return types.set(ZRetainKeyT<ZSelector, ZMetaType>(type->getName(), type));
+    const ZRetainKeyT<ZSelector, ZMetaType> entry(type->getName(), type);
+    return changeTable(this, change, types, [&](ZMetaType::Types& table) { return bool(table.set(entry)); });
 }
 
 ZTypeCategory::MethodTable ZTypeCategory::getMethodTypes() const {
-    const_cast<ZTypeCategory*>(this)->createMethods();
-    ZScopedReadLock held(change);
-    return methodTypes;
+    return tableOf(&ZTypeCategory::createMethods, methodTypes);
 }
 bool ZTypeCategory::getMethodTypes(ZArrayT<ZMethod*>& methods) const {
     const uint before = methods.count();
@@ -191,47 +239,25 @@ bool ZTypeCategory::getMethodTypes(ZArrayT<ZMethod*>& methods) const {
     return true;
 }
 ZTypeCategory::PropertyTable ZTypeCategory::getPropertyTypes() const {
-    const_cast<ZTypeCategory*>(this)->createProperties();
-    ZScopedReadLock held(change);
-    return propertyTypes;
+    return tableOf(&ZTypeCategory::createProperties, propertyTypes);
 }
 bool ZTypeCategory::getPropertyTypes(Names& names) const { return keyNames(getPropertyTypes(), names); }
 ZObject::DispatchTable ZTypeCategory::getDispatchTypes() const {
-    const_cast<ZTypeCategory*>(this)->createDispatch();
-    ZScopedReadLock held(change);
-    return dispatchTypes;
+    return tableOf(&ZTypeCategory::createDispatch, dispatchTypes);
 }
 bool ZTypeCategory::getDispatchTypes(Names& names) const { return keyNames(getDispatchTypes(), names); }
-ZMetaType::Types ZTypeCategory::getTypes() const {
-    const_cast<ZTypeCategory*>(this)->createTypes();
-    ZScopedReadLock held(change);
-    return types;
-}
+ZMetaType::Types ZTypeCategory::getTypes() const { return tableOf(&ZTypeCategory::createTypes, types); }
 
 bool ZTypeCategory::setMethodTypes(const MethodTable& methods) {
-    createMethods();
-    ZScopedLock held(change);
-    methodTypes = methods;
-    return true;
+    return setTable(&ZTypeCategory::createMethods, methodTypes, methods);
 }
 bool ZTypeCategory::setPropertyTypes(const PropertyTable& properties) {
-    createProperties();
-    ZScopedLock held(change);
-    propertyTypes = properties;
-    return true;
+    return setTable(&ZTypeCategory::createProperties, propertyTypes, properties);
 }
 bool ZTypeCategory::setDispatchTypes(const DispatchTable& dispatch) {
-    createDispatch();
-    ZScopedLock held(change);
-    dispatchTypes = dispatch;
-    return true;
+    return setTable(&ZTypeCategory::createDispatch, dispatchTypes, dispatch);
 }
-bool ZTypeCategory::setTypes(const ZMetaType::Types& all) {
-    createTypes();
-    ZScopedLock held(change);
-    types = all;
-    return true;
-}
+bool ZTypeCategory::setTypes(const ZMetaType::Types& all) { return setTable(&ZTypeCategory::createTypes, types, all); }
 
 // Finding
 
@@ -290,18 +316,14 @@ bool ZTypeCategory::collectMethods(MethodTable& methods) const {
 }
 bool ZTypeCategory::collectProperties(PropertyTable& properties) const {
     const Nested nested(this);
-    if (!properties.detach()) return false;
     for (const auto& category : nested.all)
-        for (const ZPropertyPtr& entry : category->getPropertyTypes())
-            if (!properties.contains(entry.key()) && !properties.add(entry)) return false;
+        if (!joinProperties(properties, category->getPropertyTypes())) return false;
     return nested.whole;
 }
 bool ZTypeCategory::collectDispatch(DispatchTable& dispatch) const {
     const Nested nested(this);
-    if (!dispatch.detach()) return false;
     for (const auto& category : nested.all)
-        for (const ZMethodDispatch& entry : category->getDispatchTypes())
-            if (!dispatch.add(entry)) return false;
+        if (!joinDispatch(dispatch, category->getDispatchTypes())) return false;
     return nested.whole;
 }
 bool ZTypeCategory::collectSelectorGroups(SelectorGroups& groups) const {
@@ -344,6 +366,7 @@ void ZTypeCategory::resetCategory() {
         if (callbacks[CreateMethods]) std::swap(goneMethods, methodTypes);
         if (callbacks[CreateProperties]) std::swap(goneProperties, propertyTypes);
         if (callbacks[CreateDispatch]) std::swap(goneDispatch, dispatchTypes);
+        toolkit::addFetch(resets, 1u);
         for (byte& state : states) toolkit::store(state, byte(orv::tableUnbuilt));
         users = extended;
     }

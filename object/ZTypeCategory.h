@@ -13,8 +13,9 @@
 /// itself, and what an earlier category brings, comes first. A category may name others, which come along with it, also
 /// ones of packages that its own uses. Its package holds it.
 ///
-/// Tables are built by the callbacks when they are first asked for, as those of a type are. Any thread may ask; set up,
-/// and changed, by one thread at a time. Operations that change it answer false, with nothing changed, without memory,
+/// Tables are built by the callbacks when they are first asked for, as those of a type are: with no lock held, and seen
+/// by others when they are whole. Of a builder that fails nothing is kept, and it runs again. Any thread may ask; set
+/// up, and changed, by one thread at a time. Operations that change it answer false, with nothing changed, without memory,
 /// and have no effect on types that have the category already until `resetCategory`.
 class ORV_API ZTypeCategory : public ZObject {
 public:
@@ -131,10 +132,11 @@ private:
     struct Nested;
 
     bool edit(Names& names, const ZSelector& name, bool add);
-    bool build(CallBack index, byte& state);
+    template <class T> bool build(CallBack index, T& table, bool (*join)(T& to, const T& from));
+    template <class T> T tableOf(bool (ZTypeCategory::*create)(), const T& table) const;
+    template <class T> bool setTable(bool (ZTypeCategory::*create)(), T& table, const T& to);
     /// All tables of this category and those that come along: builders run before a type's lock is taken.
     bool buildAll() const;
-    bool appendTo(MethodTable& table, ZMethod* method) const;
     static bool joinMethods(MethodTable& to, const MethodTable& from);
     /// Whether the type is one that has this category.
     bool linkType(ZMetaType* type);
@@ -150,5 +152,6 @@ private:
     SelectorGroups selectorGroups;
     ZTypeCallback callbacks[CallBackCount] = {};
     byte states[CallBackCount] = {}; ///< orv::TableState of each table
+    uint resets = 0;                 ///< a table whose building a reset has overtaken is built again
     ZArrayT<ZMetaType*> extended;    ///< types that have it, not retained: each leaves when it ends
 };

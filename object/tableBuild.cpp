@@ -6,16 +6,16 @@ namespace orv {
 
 static ORV_THREAD_LOCAL TableBuildBase* innermost = nullptr;
 
-TableBuildBase::TableBuildBase(const ZMetaType* type, const void* kind) : type(type), kind(kind), outer(innermost) {
+TableBuildBase::TableBuildBase(const void* owner, const void* kind) : owner(owner), kind(kind), outer(innermost) {
     innermost = this;
 }
 TableBuildBase::~TableBuildBase() { innermost = outer; }
 
 bool buildsTables() { return innermost != nullptr; }
 
-TableBuildBase* TableBuildBase::find(const ZMetaType* type, const void* kind) {
+TableBuildBase* TableBuildBase::find(const void* owner, const void* kind) {
     for (TableBuildBase* at = innermost; at; at = at->outer)
-        if (at->type == type && at->kind == kind) return at;
+        if (at->owner == owner && at->kind == kind) return at;
     return nullptr;
 }
 

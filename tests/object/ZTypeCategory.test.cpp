@@ -162,6 +162,30 @@ TEST_F(CategoryTest, TablesAreBuiltOnceAndAnewAfterAReset) {
     EXPECT_EQ(markOf(*test.type, "int lazy()"), nullptr);
 }
 
+/// Others may ask the category meanwhile, and see the table when it is whole.
+TEST_F(CategoryTest, BuildersRunWithoutALockAndLeaveNothingWhenTheyFail) {
+    static int runs;
+    static uint seenWithin, seenOutside;
+    runs = 0;
+    Fixture test;
+    auto category = test.category("Lazy");
+    ASSERT_TRUE(addMethod(*category, "int early()", &marks[0]));
+    category->setCallback(ZTypeCategory::CreateMethods, reinterpret_cast<ZTypeCallback>(+[](ZTypeCategory* to) {
+                              if (!addMethod(*to, "int lazy()", &marks[1])) return false;
+                              seenWithin = to->getMethodTypes().count();
+                              if (++runs == 1) return false;
+                              if (runs > 2) return true;
+                              std::thread([to] { seenOutside = to->getMethodTypes().count(); }).join();
+                              return true;
+                          }));
+    EXPECT_FALSE(category->createMethods());
+    EXPECT_TRUE(category->createMethods());
+    EXPECT_EQ(seenWithin, 1u);
+    EXPECT_EQ(seenOutside, 2u) << "the other thread has built it itself";
+    EXPECT_EQ(category->getMethodTypes().count(), 2u);
+    EXPECT_EQ(runs, 3);
+}
+
 TEST_F(CategoryTest, SignalsComeAndGoWithTheCategory) {
     Fixture test;
     auto category = test.category("Signals");
