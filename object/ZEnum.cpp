@@ -250,13 +250,18 @@ bool ZEnum::enumItems(ZArrayT<ZEnumItem>& items) const {
 
 void ZEnum::joinBits(uint bits) {
     const uint shared = bits & seenBits;
-    if (shared && shared != bits) bitFlags = 0;
+    if (exclusive || (shared && shared != bits)) bitFlags = 0;
     seenBits |= bits;
 }
 void ZEnum::resetBitFlags() {
     bitFlags = 1;
     seenBits = 0;
     for (uint i = 0; i < byValue.count() && bitFlags; ++i) joinBits(uint(byValue.value(i).value));
+}
+
+void ZEnum::setExclusive(bool on) {
+    exclusive = on;
+    resetBitFlags();
 }
 
 bool ZEnum::holds(int value) const {

@@ -63,6 +63,8 @@ template <> struct Table<ZEnum> : Declares<ZEnum> {
         ORV_METHOD(bool, enumItems, (ZArrayT<ZEnumItem>&), const),
         ORV_METHOD(bool, isBitFlags, (), const),
         ORV_METHOD(void, resetBitFlags, (), ),
+        ORV_METHOD(bool, isExclusive, (), const),
+        ORV_METHOD(void, setExclusive, (bool), ),
         ORV_METHOD(int, scan, (const ZSelector&, bool), const),
         ORV_METHOD(ZSelector, output, (int, bool), const),
         ORV_METHOD(int, resolve, (const ZString&), const),

@@ -61,7 +61,7 @@ public:
     bool remove(const ZSelector& name);
     /// All names of a value.
     bool remove(int value);
-    /// Names, values and what `nextValue` has come to; the enumeration's name and type stay.
+    /// Names, values and what `nextValue` has come to; what the enumeration itself is stays.
     void clear();
     /// Makes the table this one's own.
     bool detach();
@@ -115,6 +115,10 @@ public:
     bool isBitFlags() const { return bitFlags; }
     /// Works that out anew, as each change of the table does by itself.
     void resetBitFlags();
+    /// Whether the values exclude each other: they are no flags then, whatever bits they share. False at first; a
+    /// declared enumeration whose values count up has it set.
+    bool isExclusive() const { return exclusive; }
+    void setExclusive(bool on);
     /// Whether a variable of the enumeration may have the value: one that has a name, or of flags one whose bits all
     /// belong to values that have. Of negative values only those with names count. Anything may stand in an empty
     /// table.
@@ -171,4 +175,5 @@ private:
     Names byLowerName;
     uint seenBits = 0; ///< of all values, as long as they are flags
     byte bitFlags = 1;
+    bool exclusive = false;
 };

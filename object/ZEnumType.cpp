@@ -80,6 +80,7 @@ EnumTable* ZEnumType::buildTable() const {
     auto made = zmake<EnumTable>(ZEnum(own->name, row ? uint(row->count) : 0));
     if (!made) return nullptr;
     made->data.type = const_cast<ZEnumType*>(this);
+    made->data.setExclusive(row && row->exclusive);
     for (int i = 0; row && i < row->count; ++i) {
         if (made->data.add(ZSelector(row->items[i].name), row->items[i].value)) continue;
         zrelease(made);

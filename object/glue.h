@@ -10,6 +10,20 @@
 namespace orv::glue {
 
 template <class T, size_t N> constexpr int countOf(const T (&)[N]) { return int(N); }
+/// Whether items count from one value up to another without a gap, three at least.
+template <size_t N> constexpr bool countUp(const EnumItemRow (&items)[N]) {
+    const auto has = [&](large value) {
+        for (const EnumItemRow& item : items)
+            if (item.value == value) return true;
+        return false;
+    };
+    large first = items[0].value, last = first;
+    for (const EnumItemRow& item : items) first = item.value < first ? item.value : first;
+    for (last = first; has(last + 1);) ++last;
+    for (const EnumItemRow& item : items)
+        if (item.value > last) return false;
+    return last - first >= 2;
+}
 
 // What a wrong row calls; the compiler's message names it.
 
@@ -288,9 +302,15 @@ template <class T> constexpr ClassRow makeRow() {
 /// `ORV_ITEM(Mode, Idle)`: an item with the enumerator's value.
 #define ORV_ITEM(Enum, name)                                                                                           \
     ::orv::glue::EnumItemRow { #name, int(Self::Enum::name) }
-/// The enum whose items stand in `items`, an array of `ORV_ITEM`s.
+/// The enum whose items stand in `items`, an array of `ORV_ITEM`s. Three values or more that count up without a gap
+/// exclude each other, though their bits may look like flags; of others the bits decide.
 #define ORV_ENUM(Enum, items)                                                                                          \
-    ::orv::glue::EnumRow { #Enum, items, ::orv::glue::countOf(items), int(sizeof(Self::Enum)) }
+    ::orv::glue::EnumRow {                                                                                             \
+        #Enum, items, ::orv::glue::countOf(items), int(sizeof(Self::Enum)), ::orv::glue::countUp(items)                \
+    }
+/// One of bit flags whose values count up, as 0, 1, 2 do.
+#define ORV_FLAGS(Enum, items)                                                                                         \
+    ::orv::glue::EnumRow { #Enum, items, ::orv::glue::countOf(items), int(sizeof(Self::Enum)), false }
 /// A method that code calls by `index`, an enumerator of the class.
 #define ORV_FIXED(index, result, name, params, quals)                                                                  \
     ::orv::glue::FixedRow {                                                                                            \

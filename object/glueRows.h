@@ -91,7 +91,8 @@ struct EnumRow {
     const char* name;
     const EnumItemRow* items;
     int count;
-    int size; ///< bytes of the C++ type
+    int size;       ///< bytes of the C++ type
+    bool exclusive; ///< whether its values exclude each other, whatever their bits are
 };
 
 /// A method that code calls by index.

@@ -130,7 +130,7 @@ TEST_F(Audit, EnumsAgreeWithTheirFlags) {
         const ZEnum& names = static_cast<const ZEnumType*>(type)->data();
         EXPECT_GT(names.count(), 0u);
         uint seen = 0;
-        bool flags = true;
+        bool flags = true, series = true;
         for (uint i = 0; i < names.count(); ++i) {
             int value = names.valueAtIndex(int(i));
             ZSelector name = names.nameAtIndex(int(i));
@@ -139,8 +139,11 @@ TEST_F(Audit, EnumsAgreeWithTheirFlags) {
             EXPECT_EQ(names.name(value), name);
             if (uint overlap = seen & uint(value); overlap && overlap != uint(value)) flags = false;
             seen |= uint(value);
+            series &= i == 0 || value == names.valueAtIndex(int(i) - 1) + 1;
         }
-        EXPECT_EQ(names.isBitFlags(), flags);
+        EXPECT_EQ(names.isBitFlags(), flags && !names.isExclusive());
+        // The next one of a series is none of its values.
+        if (series && names.count() > 2) { EXPECT_FALSE(names.holds(names.valueAtIndex(int(names.count()) - 1) + 1)); }
     }
     EXPECT_GT(enums, 0);
     std::printf("[ AUDIT    ] %d enums with %d items\n", enums, items);
