@@ -41,6 +41,11 @@ TEST(Command, ExitStatusAndWhereThingsGo) {
         {"types ZObject --methods --properties", 0, "ZSelector selector  \"store value\"\n", ""},
         {"types ZMethod --methods", 0, "ZMethod* create()  \"static creator\"\n", ""},
         {"types ZObject", 0, "ZObject : ZType\n", ""},
+        {"types ZObject --methods", 0, "  fixed methods\n      0 ", ""},
+        {"types ZObject --methods", 0, "\n     15 void discarded()\n", ""},
+        {"types --methods --unsafe", 0, "void setPackage(ZPackage*)  \"unsafe\"\n", ""},
+        {"types ZRange --methods --unsafe", 0, "\n  0 methods\n", ""},
+        {"types --unsafe", 2, "", "--methods"},
         {"types ZSring", 1, "", "no type \"ZSring\"; did you mean ZString"},
         {"types ZRange --json", 0, "{\"name\": \"ZRange\", \"package\": \"orv.core.base\"", ""},
         {"words " + folder.path("texts"), 0, "         2  two\n         1  one\n", "1 texts"},
@@ -62,7 +67,8 @@ TEST(Command, TypesAsJsonAreJson) {
     folder.file("types.json", result.out);
     std::string check =
         "python3 -c 'import json, sys; rows = json.load(open(sys.argv[1])); "
-        "sys.exit(not any(m[\"signature\"] == \"uint hashKey()\" for r in rows for m in r[\"methods\"]))' ";
+        "sys.exit(not (any(m[\"signature\"] == \"uint hashKey()\" for r in rows for m in r[\"methods\"]) and "
+        "any(\"void discarded()\" in r[\"fixed\"] for r in rows) and all(type(r[\"groups\"]) is dict for r in rows)))' ";
     EXPECT_EQ(std::system((check + folder.path("types.json")).c_str()), 0);
 }
 

@@ -4,6 +4,7 @@
 #include "module/ZPackage.h"
 #include "object/ZEnum.h"
 #include "object/ZEnumType.h"
+#include "object/ZFixedMethod.h"
 #include "object/ZMetaType.h"
 #include "object/ZMethodPtr.h"
 #include "object/ZProperty.h"
@@ -65,6 +66,10 @@ struct MethodText {
     std::string signature, qualifier, words;
     int sandBox = -1;
 };
+struct GroupText {
+    std::string name;
+    std::vector<std::pair<std::string, std::string>> pairs;
+};
 /// A type as a person reads it.
 struct TypeText {
     std::string name, package, kind, options;
@@ -74,6 +79,8 @@ struct TypeText {
     std::vector<EnumText> enums;
     std::vector<PropertyText> properties;
     std::vector<MethodText> methods;
+    std::vector<std::string> fixed; ///< by index; empty where none has it
+    std::vector<GroupText> groups;
 };
 
 uint cleared(const PropertyWord&) { return 0; }
@@ -105,7 +112,31 @@ void addEnums(TypeText& made, const ZMetaType& type) {
     }
 }
 
-TypeText describe(ZMetaType& type, bool methods, bool properties) {
+void addMethods(TypeText& made, const ZMetaType& type, bool unsafe) {
+    for (const ZMethodPtr& entry : type.getMethodTypes())
+        if (!unsafe || entry->hasOption("unsafe"))
+            made.methods.push_back({text(entry->getSelector()), text(entry->getQualifier()),
+                                    words(methodWords, entry->getFlags(), entry->getOptions()),
+                                    entry->getSandBoxLevel()});
+    if (unsafe) return;
+    for (const ZFixedMethod& row : type.getFixedMethods()) {
+        std::string qualifier = text(row.getQualifier());
+        made.fixed.push_back(text(row.getSignature()) + (qualifier.empty() ? "" : " ") + qualifier);
+    }
+}
+
+void addGroups(TypeText& made, const ZMetaType& type) {
+    ZArrayT<ZSelector> names;
+    type.selectorGroupNames(names);
+    for (const ZSelector& name : std::as_const(names)) {
+        const ZSelectorMap group = type.selectorGroup(name);
+        GroupText row{text(name), {}};
+        for (int i = 0; i < int(group.count()); ++i) row.pairs.emplace_back(text(group.key(i)), text(group.get(i)));
+        made.groups.push_back(std::move(row));
+    }
+}
+
+TypeText describe(ZMetaType& type, const TypeOptions& options) {
     toolkit::EpochGuard guard;
     TypeText made;
     made.name = text(type.getName());
@@ -119,7 +150,8 @@ TypeText describe(ZMetaType& type, bool methods, bool properties) {
     for (const FlagName& flag : flagNames)
         if (type.getFlags() & flag.flag) made.flags.push_back(flag.name);
     addEnums(made, type);
-    if (properties)
+    addGroups(made, type);
+    if (options.properties)
         for (const ZPropertyPtr& entry : type.getPropertyTypes()) {
             const ZProperty& property = *entry.property();
             const ZMetaType *value = property.value().type(), *item = property.getItemType(),
@@ -130,11 +162,7 @@ TypeText describe(ZMetaType& type, bool methods, bool properties) {
                                        words(propertyWords, property.flags(), property.options()), property.version(),
                                        property.sandBoxLevel()});
         }
-    if (methods)
-        for (const ZMethodPtr& entry : type.getMethodTypes())
-            made.methods.push_back({text(entry->getSelector()), text(entry->getQualifier()),
-                                    words(methodWords, entry->getFlags(), entry->getOptions()),
-                                    entry->getSandBoxLevel()});
+    if (options.methods) addMethods(made, type, options.unsafe);
     return made;
 }
 
@@ -161,6 +189,11 @@ void printWhole(const TypeText& type, const TypeOptions& options, std::FILE* out
         std::fprintf(out, "\n  enum %s%s\n", row.name.c_str(), row.bitFlags ? " (bit flags)" : "");
         for (const auto& [name, value] : row.items) std::fprintf(out, "    %-24s %d\n", name.c_str(), value);
     }
+    for (const GroupText& row : type.groups) {
+        std::fprintf(out, "\n  selectors %s\n", row.name.c_str());
+        for (const auto& [name, value] : row.pairs)
+            std::fprintf(out, "    %-24s %s\n", name.c_str(), value.c_str());
+    }
     if (options.properties) {
         std::fprintf(out, "\n  %zu properties\n", type.properties.size());
         for (const PropertyText& row : type.properties) {
@@ -182,6 +215,9 @@ void printWhole(const TypeText& type, const TypeOptions& options, std::FILE* out
             if (row.sandBox >= 0) std::fprintf(out, "  sandbox %d", row.sandBox);
             std::fputc('\n', out);
         }
+        if (!type.fixed.empty()) std::fputs("\n  fixed methods\n", out);
+        for (size_t i = 0; i < type.fixed.size(); ++i)
+            if (!type.fixed[i].empty()) std::fprintf(out, "    %3zu %s\n", i, type.fixed[i].c_str());
     }
 }
 
@@ -210,7 +246,19 @@ void printJson(const TypeText& type, const TypeOptions& options, std::FILE* out)
         std::fputs("}}", out);
         between = ", ";
     }
-    std::fputc(']', out);
+    std::fputs("], \"groups\": {", out);
+    between = "";
+    for (const GroupText& row : type.groups) {
+        std::fprintf(out, "%s%s: {", between, jsonText(row.name).c_str());
+        const char* comma = "";
+        for (const auto& [name, value] : row.pairs) {
+            std::fprintf(out, "%s%s: %s", comma, jsonText(name).c_str(), jsonText(value).c_str());
+            comma = ", ";
+        }
+        std::fputc('}', out);
+        between = ", ";
+    }
+    std::fputc('}', out);
     if (options.properties) {
         std::fputs(", \"properties\": [", out);
         between = "";
@@ -233,7 +281,7 @@ void printJson(const TypeText& type, const TypeOptions& options, std::FILE* out)
                          row.sandBox);
             between = ", ";
         }
-        std::fputc(']', out);
+        std::fprintf(out, "], \"fixed\": %s", jsonList(type.fixed).c_str());
     }
     std::fputc('}', out);
 }
@@ -297,7 +345,7 @@ int printTypes(const TypeOptions& options, std::FILE* out, std::FILE* log) {
         ZSelector name = ZSelector::find(options.name.c_str(), int(std::min<size_t>(options.name.size(), INT32_MAX)));
         ZMetaType* type = name.isEmpty() ? nullptr : ZMetaType::findExisting(name);
         if (!type) return unknownType(options.name, types, log);
-        TypeText row = describe(*type, options.methods, options.properties);
+        TypeText row = describe(*type, options);
         if (options.json) {
             printJson(row, options, out);
             std::fputc('\n', out);
@@ -308,7 +356,8 @@ int printTypes(const TypeOptions& options, std::FILE* out, std::FILE* log) {
     }
     const char* between = "[";
     for (ZMetaType* type : types) {
-        TypeText row = describe(*type, options.methods, options.properties);
+        TypeText row = describe(*type, options);
+        if (options.unsafe && row.methods.empty()) continue;
         if (options.json) {
             std::fputs(between, out);
             printJson(row, options, out);
@@ -320,7 +369,7 @@ int printTypes(const TypeOptions& options, std::FILE* out, std::FILE* log) {
             printRow(row, out);
         }
     }
-    if (options.json) std::fputs("]\n", out);
+    if (options.json) std::fputs(*between == '[' ? "[]\n" : "]\n", out);
     return Done;
 }
 
@@ -329,7 +378,9 @@ void addTypes(CLI::App& app, int& exit) {
     CLI::App* command = app.add_subcommand(
         "types", "Lists the registered types (name, kind, bytes, package, bases), or tells all about one");
     command->add_option("NAME", options->name, "the type to tell about; all types without it");
-    command->add_flag("--methods", options->methods, "also the signature of each method");
+    CLI::Option* methods =
+        command->add_flag("--methods", options->methods, "also the signature of each method, and methods by index");
+    command->add_flag("--unsafe", options->unsafe, "of the methods only those that no sandbox calls")->needs(methods);
     command->add_flag("--properties", options->properties, "also each property with its words");
     command->add_flag("--json", options->json, "print JSON");
     command->callback([options, &exit] { exit = printTypes(*options, stdout, stderr); });

@@ -8,6 +8,7 @@ namespace orv::tool {
 struct TypeOptions {
     std::string name; ///< one type in full; empty for a list of all
     bool methods = false;
+    bool unsafe = false; ///< of the methods only those that no sandbox calls, and of the types those that have any
     bool properties = false;
     bool json = false;
 };
