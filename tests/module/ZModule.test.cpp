@@ -48,6 +48,7 @@ TEST_F(Module, TheLibraryIsOne) {
 }
 
 TEST_F(Module, WhatAnApplicationLinksIsOpenedByUse) {
+    opened = 0;
     auto module = zmake<ZModule>(ZString("linked"), openLinked);
     ASSERT_NE(module, nullptr);
     auto user = zmake<ZPackage>();

@@ -1,11 +1,12 @@
-#include "module/ZPackage.h"
 #include "object/ZEnum.h"
 #include "object/ZEnumType.h"
 #include "object/ZMetaType.h"
 #include "object/ZMethodPtr.h"
+#include "object/ZMethodRef.h"
 #include "object/ZProperty.h"
 #include "object/ZPropertyPtr.h"
 #include "object/names.h"
+#include "tests/module/declaredTypes.h"
 #include "tests/support/CoreScope.h"
 #include "toolkit/epoch.h"
 #include "value/ZTypedPtr.h"
@@ -22,15 +23,6 @@ std::string text(const ZSelector& name) { return name.isEmpty() ? "(empty)" : na
 
 class Audit : public CoreTest {
 protected:
-    /// All declared types, those that are nested in others too.
-    static std::vector<ZMetaType*> types() {
-        std::vector<ZMetaType*> all;
-        if (!ZPackage::root()) return all;
-        for (ZMetaType* type : ZPackage::root()->getUsedTypes()) all.push_back(type);
-        for (size_t i = 0; i < all.size(); ++i)
-            for (const auto& nested : all[i]->getTypes()) all.push_back(nested.value());
-        return all;
-    }
     /// The signature with its type and qualifier, for messages.
     static std::string place(const ZMetaType& type, const ZMethod& method) {
         return text(type.getName()) + ": " + text(method.getSelector()) + " " + text(method.getQualifier());
@@ -50,8 +42,8 @@ protected:
 };
 
 TEST_F(Audit, TypesAreFoundAndTheirBasesAreThere) {
-    ASSERT_GT(types().size(), 50u);
-    for (const ZMetaType* type : types()) {
+    ASSERT_GT(declaredTypes().size(), 50u);
+    for (const ZMetaType* type : declaredTypes()) {
         SCOPED_TRACE(text(type->fullName()));
         EXPECT_FALSE(type->getName().isEmpty());
         EXPECT_NE(type->package(), nullptr);
@@ -72,7 +64,7 @@ TEST_F(Audit, TypesAreFoundAndTheirBasesAreThere) {
 TEST_F(Audit, MethodsHaveEntriesAndKnownParameters) {
     toolkit::EpochGuard guard;
     int methods = 0, refused = 0;
-    for (ZMetaType* type : types())
+    for (ZMetaType* type : declaredTypes())
         for (const ZMethodPtr& entry : type->getMethodTypes()) {
             const ZMethod& method = *entry.get();
             SCOPED_TRACE(place(*type, method));
@@ -92,13 +84,13 @@ TEST_F(Audit, MethodsHaveEntriesAndKnownParameters) {
             refused += marked;
             EXPECT_TRUE(marked || !takesRawPointer(method.getSelector()));
         }
-    std::printf("[ AUDIT    ] %zu types, %d methods, %d refused by a sandbox\n", types().size(), methods, refused);
+    std::printf("[ AUDIT    ] %zu types, %d methods, %d refused by a sandbox\n", declaredTypes().size(), methods, refused);
 }
 
 TEST_F(Audit, PropertiesHaveTypesAndAccessors) {
     toolkit::EpochGuard guard;
     int properties = 0;
-    for (ZMetaType* type : types())
+    for (ZMetaType* type : declaredTypes())
         for (const ZPropertyPtr& entry : type->getPropertyTypes()) {
             ASSERT_NE(entry.property(), nullptr);
             const ZProperty& property = *entry.property();
@@ -123,7 +115,7 @@ TEST_F(Audit, PropertiesHaveTypesAndAccessors) {
 
 TEST_F(Audit, EnumsAgreeWithTheirFlags) {
     int enums = 0, items = 0;
-    for (ZMetaType* type : types()) {
+    for (ZMetaType* type : declaredTypes()) {
         if (type->kind() != ZMetaType::Enum) continue;
         SCOPED_TRACE(text(type->fullName()));
         ++enums;
@@ -166,8 +158,8 @@ TEST_F(Audit, InstancesComeAndGo) {
         return true;
     };
     int made = 0;
-    for (ZMetaType* type : types()) {
-        if (type->kind() <= ZMetaType::Void || type->isZObject()) continue;
+    for (ZMetaType* type : declaredTypes()) {
+        if (type->kind() <= ZMetaType::Void) continue;
         SCOPED_TRACE(text(type->fullName()));
         made += cycle(type);
         cycle(type);
@@ -182,42 +174,92 @@ TEST_F(Audit, InstancesComeAndGo) {
     std::printf("[ AUDIT    ] %d types with instances\n", made);
 }
 
-/// A caller sees null or a whole instance, whatever is missing meanwhile, and nothing is left behind.
-TEST_F(Audit, AnyAllocationOfAnInstanceMayFail) {
-    auto cycle = [](ZMetaType* type) {
-        void* instance = type->createInstance();
-        if (instance) {
-            type->releaseInstance(type->copyInstance(static_cast<const void*>(instance)));
-            type->releaseInstance(instance);
-        }
-        EXPECT_EQ(zfailcount(), 0);
-        zrecover();
-        return instance != nullptr;
-    };
-    // Types that end make others anew what they keep about types: so what is there is counted, not what was made.
-    auto count = [](const ZMetaType* type) {
+/// Runs `cycle` with each of its allocations failing in turn: no failure is left raised, and no block behind. Types that
+/// end make others anew what they keep about types, so what is there is counted, not what was made.
+template <class F> void failEach(const ZMetaType* type, F&& cycle) {
+    auto count = [type] {
         type->calcInternalSize(true);
         toolkit::epochDrain();
         long live = 0;
         for (const auto& [label, blocks] : CoreScope::liveBlocks()) live += blocks;
         return live;
     };
+    const long before = count();
+    AllocProbe probe;
+    for (long n = 1, failed = 1; failed; ++n) {
+        probe.failAt(n);
+        cycle();
+        failed = probe.failed();
+        probe.failAt(0);
+        EXPECT_EQ(zfailcount(), 0) << "after allocation " << n;
+        zrecover();
+        ASSERT_LE(count(), before) << "left after allocation " << n << " failed: " << probe.leaks();
+    }
+}
+
+/// A caller sees null or a whole instance, whatever is missing meanwhile.
+TEST_F(Audit, AnyAllocationOfAnInstanceMayFail) {
     int made = 0;
-    for (ZMetaType* type : types()) {
+    for (ZMetaType* type : declaredTypes()) {
         if (type->kind() <= ZMetaType::Void) continue;
         SCOPED_TRACE(text(type->fullName()));
-        made += cycle(type);
-        const long before = count(type);
-        AllocProbe probe;
-        for (long n = 1, failed = 1; failed; ++n) {
-            probe.failAt(n);
-            cycle(type);
-            failed = probe.failed();
-            probe.failAt(0);
-            ASSERT_LE(count(type), before) << "left after allocation " << n << " failed: " << probe.leaks();
-        }
+        auto cycle = [type] {
+            void* instance = type->createInstance();
+            if (!instance) return false;
+            type->releaseInstance(type->copyInstance(static_cast<const void*>(instance)));
+            type->releaseInstance(instance);
+            return true;
+        };
+        made += cycle();
+        failEach(type, cycle);
     }
     EXPECT_GT(made, 50);
+}
+
+/// What a script would give: an instance of its own for a pointer, else a value.
+ZVariant argument(ZMetaType* type, const ZSelector& parameter) {
+    if (parameter.ptrCount()) {
+        auto instance = type->isZType() ? static_cast<ZType*>(type->createInstance()) : nullptr;
+        ZVariant held(static_cast<const ZType*>(instance));
+        if (instance) instance->release();
+        return held;
+    }
+    const bool plain = type->kind() <= ZMetaType::String && type->kind() != ZMetaType::Enum;
+    return plain ? ZVariant(type, ZVariant("7")) : ZVariant(type);
+}
+
+/// The same for constructors with arguments. Without memory for these nobody calls them.
+TEST_F(Audit, AnyAllocationOfAConstructorMayFail) {
+    int built = 0, constructors = 0;
+    for (ZMetaType* type : declaredTypes()) {
+        std::vector<ZMethodRef> refs;
+        {
+            toolkit::EpochGuard guard;
+            for (const ZMethodPtr& entry : type->getMethodTypes())
+                if (entry->isConstructor(type) && entry->paramCount() && !takesRawPointer(entry->getSelector()))
+                    refs.emplace_back(entry.get(), nullptr, type);
+        }
+        for (ZMethodRef& ref : refs) {
+            SCOPED_TRACE(text(type->fullName()) + ": " + text(ref.selector()));
+            const ZArrayT<ZMetaType*> parameters = ref.getMethod()->paramTypes(type);
+            auto cycle = [&] {
+                ZArrayT<ZVariant> arguments;
+                bool whole = true;
+                for (uint i = 1; i < parameters.count() && whole; ++i) {
+                    const ZSelector parameter = ref.selector().param(int(i) - 1);
+                    const ZVariant given = argument(parameters[i]->mainOrSelf(), parameter);
+                    whole = arguments.append(given) && !(parameter.ptrCount() && given.isNull()) && !zfailed();
+                }
+                if (!whole) zrecover();
+                return whole && !ref.invoke(arguments).isNull();
+            };
+            ++constructors;
+            built += cycle();
+            failEach(type, cycle);
+        }
+    }
+    EXPECT_GT(built, constructors / 2);
+    std::printf("[ AUDIT    ] %d constructors with arguments, %d built\n", constructors, built);
 }
 
 } // namespace

@@ -18,6 +18,8 @@ class BootPlain {
 public:
     ORV_REFLECT(BootPlain);
     enum Mode { Idle, Busy = 4 };
+    enum Level { Low, Middle, High };
+    enum Sides { NoSide, Left, Right };
     class Inner {
     public:
         int depth = 1;
@@ -65,7 +67,9 @@ template <> struct Table<BootPlain> : Declares<BootPlain> {
         ORV_DYNAMIC_PROPERTY(ZString, note, ""),
     };
     static constexpr EnumItemRow modes[] = {ORV_ITEM(Mode, Idle), ORV_ITEM(Mode, Busy)};
-    static constexpr EnumRow enums[] = {ORV_ENUM(Mode, modes)};
+    static constexpr EnumItemRow levels[] = {ORV_ITEM(Level, High), ORV_ITEM(Level, Low), ORV_ITEM(Level, Middle)};
+    static constexpr EnumItemRow sides[] = {ORV_ITEM(Sides, NoSide), ORV_ITEM(Sides, Left), ORV_ITEM(Sides, Right)};
+    static constexpr EnumRow enums[] = {ORV_ENUM(Mode, modes), ORV_ENUM(Level, levels), ORV_FLAGS(Sides, sides)};
     static constexpr const ClassRow* types[] = {&Row<BootPlain::Inner>::row};
     static constexpr SelectorPairRow pairs[] = {{"w", "width"}};
     static constexpr GroupRow groups[] = {ORV_GROUP("short", pairs)};
@@ -132,6 +136,15 @@ TEST_F(Boot, RowsBecomeTypesAndTables) {
     ASSERT_NE(mode, nullptr);
     EXPECT_EQ(mode->value(ZSelector("Busy")), 4);
     EXPECT_EQ(mode->getSize(), sizeof(BootPlain::Mode));
+    const ZEnumType* level = package->findEnum(ZSelector("BootPlain::Level"));
+    const ZEnumType* sides = package->findEnum(ZSelector("BootPlain::Sides"));
+    ASSERT_TRUE(level && sides);
+    EXPECT_TRUE(level->holds(2) && sides->holds(3) && sides->isBitFlags());
+    EXPECT_FALSE(level->holds(3) || level->isBitFlags()) << "values that count up are no flags";
+    ZEnum edited = level->data();
+    EXPECT_TRUE(edited.remove(1) && edited.isExclusive() && !edited.isBitFlags());
+    edited.setExclusive(false);
+    EXPECT_TRUE(edited.isBitFlags());
     ZMetaType* inner = package->findType(ZSelector("BootPlain::Inner"));
     ASSERT_NE(inner, nullptr);
     EXPECT_EQ(inner->getSize(), sizeof(BootPlain::Inner));
