@@ -302,6 +302,48 @@ TEST_F(MethodCalls, Places) {
     EXPECT_EQ(more.calli(), 139);
 }
 
+struct SeenWords {
+    const void *first = nullptr, *second = nullptr;
+    bool set = false;
+
+    static SeenWords now() {
+        SeenWords seen;
+        seen.set = ZMethodCall::stackWords(seen.first, seen.second);
+        return seen;
+    }
+    bool operator==(const SeenWords&) const = default;
+};
+SeenWords seenFirst, seenInner, seenAfter;
+
+/// An entry sees the words of its own call, also behind another call that it makes.
+TEST_F(MethodCalls, StackCallsPassTwoWords) {
+    static int depth;
+    depth = 0;
+    seenFirst = seenInner = seenAfter = {};
+    static ZMethod* method;
+    method = ZMethod::create("void nested()", {}, 0, nullptr, [](const void* instance, ZMethod*, void*) {
+        if (depth++) {
+            (depth == 2 ? seenInner : seenFirst) = SeenWords::now();
+            return;
+        }
+        seenFirst = SeenWords::now();
+        ZMethodCall inner(instance, method, MethodTest::shape());
+        inner.setStackCall(&depth, nullptr);
+        inner.invoke();
+        seenAfter = SeenWords::now();
+    });
+    ZMethodCall outer(&shape, method, MethodTest::shape());
+    outer.setStackCall(&shape, &outer);
+    EXPECT_TRUE(outer.invoke());
+    const SeenWords ofOuter{&shape, &outer, true}, ofInner{&depth, nullptr, true};
+    EXPECT_TRUE(seenFirst == ofOuter && seenInner == ofInner && seenAfter == ofOuter);
+    EXPECT_FALSE(SeenWords::now().set);
+    ZMethodCall plain(&shape, method, MethodTest::shape());
+    EXPECT_TRUE(plain.invoke());
+    EXPECT_FALSE(seenFirst.set) << "a call without words";
+    ZMethod::release(method);
+}
+
 TEST_F(MethodCalls, ArgumentLists) {
     struct Lists {
         static int call(CallShape* shape, ZMetaType* type, int count, ...) {

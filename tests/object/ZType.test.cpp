@@ -49,6 +49,7 @@ struct Watched : ZType {
 } // namespace
 
 TEST_F(TypeKernel, LivesByItsCount) {
+    Watched::ended = Watched::destroyed = 0;
     auto made = zmake<Watched>();
     EXPECT_EQ(made->refcount(), 1);
     EXPECT_EQ(made->retain(), made);

@@ -230,6 +230,64 @@ TEST_F(TypeProperties, SavedValuesComeBackWholeOrNotAtAll) {
     failEachAllocation([&](AllocProbe&) { run(); });
 }
 
+TEST_F(TypeProperties, NewInstancesGetTheDynamicOnesOfTheirTypeAndItsBases) {
+    ZMetaType* type = ztype<TestTagged>();
+    ASSERT_TRUE(type->hasDynamicProperties());
+    auto given = [](ZMetaType* of) {
+        auto made = static_cast<ZType*>(of->createInstance());
+        EXPECT_TRUE(made);
+        if (!made) return std::string();
+        std::string names;
+        for (const ZPropertyPtr& entry : std::as_const(*made).getDynamicProperties()) names += textOf(entry.key()) + " ";
+        EXPECT_EQ(made->getDynamicProperty(name("given")).toInt(), 11);
+        EXPECT_TRUE(made->setProperty(name("given"), ZVariant(5)));
+        EXPECT_EQ(made->getDynamicProperty(name("given")).toInt(), 5) << "its own, not the declaration's";
+        // A class that says nothing of copies isn't copied as its base.
+        ZType* copy = made->copy();
+        EXPECT_EQ(copy != nullptr, of == ztype<TestShape>());
+        if (copy) {
+            EXPECT_EQ(copy->getDynamicProperties().count(), made->getDynamicProperties().count());
+            EXPECT_EQ(copy->getProperty(name("given")).toInt(), 5);
+            copy->release();
+        }
+        made->release();
+        return names;
+    };
+    EXPECT_EQ(given(ztype<TestShape>()), "given ") << "optional ones aren't";
+    EXPECT_EQ(given(type), "given ");
+    failEachAllocation([&](AllocProbe&) {
+        if (auto made = static_cast<ZType*>(type->createInstance())) {
+            EXPECT_TRUE(made->hasDynamicProperty(name("given")));
+            made->release();
+        }
+        zrecover();
+    });
+}
+
+/// A class that has renamed a property.
+struct RenamedShape : TestShape {
+    ZSelector replacePropertyName(const ZSelector& old) const override {
+        return old == ZSelector("breadth") ? ZSelector("width") : old == ZSelector("hint") ? ZSelector("note") : old;
+    }
+};
+
+TEST_F(TypeProperties, RenamedOnesAreKnownByTheirOldNames) {
+    auto shape = zmake<RenamedShape>();
+    EXPECT_TRUE(shape->hasProperty(name("breadth")));
+    EXPECT_TRUE(shape->setProperty(name("breadth"), ZVariant(20)));
+    EXPECT_EQ(shape->w, 21) << "with its update method";
+    EXPECT_EQ(shape->getProperty(name("breadth")).toInt(), 21);
+    EXPECT_EQ(shape->getPropertyType(name("breadth")), ztype<int>());
+    EXPECT_TRUE(shape->addProperty(name("note"), ZVariant(3)));
+    EXPECT_TRUE(shape->setProperty(name("hint"), ZVariant(4)) && shape->setPropertyOptions(name("hint"), name("loud")));
+    EXPECT_EQ(shape->getDynamicProperty(name("note")).toInt(), 4);
+    EXPECT_TRUE(shape->hasPropertyOption(name("note"), name("loud")));
+    // What edits the instance's list takes names as they stand there.
+    EXPECT_FALSE(shape->removeProperty(name("hint")));
+    EXPECT_TRUE(shape->removeProperty(name("note")));
+    shape->release();
+}
+
 TEST_F(TypeProperties, ACopySharesDynamicOnesUntilAWrite) {
     Held shape;
     ASSERT_TRUE(shape->addProperty(name("note"), ZVariant(1)));

@@ -1,3 +1,4 @@
+#include "object/ztype.h"
 #include "tests/value/madeTypes.h"
 #include "value/ZVariant.h"
 
@@ -183,6 +184,17 @@ TEST_F(VariantConvert, ConvertChangesTheTypeOrNothing) {
     EXPECT_EQ(kept.toReal(), 2.5);
     EXPECT_FALSE(kept.setValue((*types)[M::Int], ZString("x")));
     EXPECT_EQ(kept.toReal(), 2.5);
+}
+
+TEST_F(VariantConvert, ToATypeByItsName) {
+    V value = text("12");
+    EXPECT_FALSE(value.convertType(ZSelector("NoSuchType")) || value.convertType(ZSelector()));
+    EXPECT_EQ(value.toString(), "12");
+    EXPECT_TRUE(value.convertType(ZSelector("real")));
+    EXPECT_EQ(value.type(), ztype<real>());
+    EXPECT_EQ(value.toReal(), 12);
+    EXPECT_FALSE(value.convertType(ZSelector("ZObject")));
+    EXPECT_EQ(value.toReal(), 12);
 }
 
 TEST_F(VariantConvert, ConversionSurvivesLackOfMemory) {
