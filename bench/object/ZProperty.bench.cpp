@@ -1,12 +1,12 @@
 #include "object/ZProperty.h"
 
+#include "bench/object/boxFields.h"
 #include "bench/object/peers.h"
 #include "core/ZCoreLib.h"
 #include "core/construct.h"
 #include "module/ZPackage.h"
 #include "module/packages.h"
 #include "object/ZObject.h"
-#include "object/glue.h"
 #include "object/names.h"
 #include "object/ztype.h"
 #include "text/ZString.h"
@@ -15,32 +15,18 @@
 #include <string>
 
 /// What the peer's `PeerShape` is.
-class BenchLayer : public ZObject {
+class BenchLayer : public ZObject, public BoxFields {
 public:
     ORV_REFLECT(BenchLayer);
     explicit BenchLayer(const __ZPassMetaType* tag = nullptr)
         : ZObject(tag ? tag : orv::passType(ztype<BenchLayer>())) {}
 
-    int x() const { return box[0]; }
-    int y() const { return box[1]; }
-    int width() const { return box[2]; }
-    int height() const { return box[3]; }
-    real opacity() const { return shade; }
-    real angle() const { return turn; }
     const ZString& title() const { return text; }
     bool visible() const { return shown; }
-    bool setX(const int& value) { return box[0] = value, true; }
-    bool setY(const int& value) { return box[1] = value, true; }
-    bool setWidth(const int& value) { return box[2] = value, true; }
-    bool setHeight(const int& value) { return box[3] = value, true; }
-    bool setOpacity(const real& value) { return shade = value, true; }
-    bool setAngle(const real& value) { return turn = value, true; }
     bool setTitle(const ZString& value) { return text = value, true; }
     bool setVisible(const bool& value) { return shown = value, true; }
 
 private:
-    int box[4] = {};
-    real shade = 1, turn = 0;
     ZString text;
     bool shown = true;
 };
@@ -72,19 +58,14 @@ namespace orv::glue {
 template <> struct Table<BenchLayer> : Declares<BenchLayer> {
     using BaseTypes = Bases<ZObject>;
     static constexpr MethodRow methods[] = {
-        ORV_VALUE_ACCESSORS(int, x, X),
-        ORV_VALUE_ACCESSORS(int, y, Y),
-        ORV_VALUE_ACCESSORS(int, width, Width),
-        ORV_VALUE_ACCESSORS(int, height, Height),
-        ORV_VALUE_ACCESSORS(real, opacity, Opacity),
-        ORV_VALUE_ACCESSORS(real, angle, Angle),
+        ORV_BOX_METHODS,
         ORV_ACCESSORS(ZString, title, Title),
         ORV_VALUE_ACCESSORS(bool, visible, Visible),
     };
     static constexpr PropertyRow properties[] = {
-        ORV_PROPERTY(int, x, "store"),         ORV_PROPERTY(int, y, "store"),        ORV_PROPERTY(int, width, "store"),
-        ORV_PROPERTY(int, height, "store"),    ORV_PROPERTY(real, opacity, "store"), ORV_PROPERTY(real, angle, "store"),
-        ORV_PROPERTY(ZString, title, "store"), ORV_PROPERTY(bool, visible, "store"),
+        ORV_BOX_PROPERTIES("store"),
+        ORV_PROPERTY(ZString, title, "store"),
+        ORV_PROPERTY(bool, visible, "store"),
     };
     static constexpr ClassInfo info = {.kind = Kind::Object, .flags = typePublic | typePolymorphic};
 };

@@ -1,46 +1,24 @@
 #include "value/ZTypedPtr.h"
 
+#include "bench/object/boxFields.h"
 #include "bench/object/peers.h"
 #include "core/ZCoreLib.h"
 #include "module/ZPackage.h"
 #include "module/packages.h"
-#include "object/glue.h"
 #include "value/ZVariant.h"
 
-/// The peer's struct with our accessors.
-struct BenchBox {
+/// The peer's struct.
+struct BenchBox : BoxFields {
     ORV_REFLECT(BenchBox);
-#define ORV_FIELD(type, name, Name)                                                                                    \
-    type name() const { return name##Value; }                                                                          \
-    bool set##Name(const type& value) {                                                                                \
-        name##Value = value;                                                                                           \
-        return true;                                                                                                   \
-    }                                                                                                                  \
-    type name##Value = {}
-    ORV_FIELD(int, x, X);
-    ORV_FIELD(int, y, Y);
-    ORV_FIELD(int, width, Width);
-    ORV_FIELD(int, height, Height);
-    ORV_FIELD(real, opacity, Opacity);
-    ORV_FIELD(real, angle, Angle);
-#undef ORV_FIELD
 };
 
 namespace orv::glue {
 template <> struct Table<BenchBox> : Declares<BenchBox> {
     static constexpr MethodRow methods[] = {
         ORV_CONSTRUCTOR(()),
-        ORV_VALUE_ACCESSORS(int, x, X),
-        ORV_VALUE_ACCESSORS(int, y, Y),
-        ORV_VALUE_ACCESSORS(int, width, Width),
-        ORV_VALUE_ACCESSORS(int, height, Height),
-        ORV_VALUE_ACCESSORS(real, opacity, Opacity),
-        ORV_VALUE_ACCESSORS(real, angle, Angle),
+        ORV_BOX_METHODS,
     };
-    static constexpr PropertyRow properties[] = {
-        ORV_PROPERTY(int, x, ""),      ORV_PROPERTY(int, y, ""),        ORV_PROPERTY(int, width, ""),
-        ORV_PROPERTY(int, height, ""), ORV_PROPERTY(real, opacity, ""), ORV_PROPERTY(real, angle, ""),
-    };
+    static constexpr PropertyRow properties[] = {ORV_BOX_PROPERTIES("")};
     static constexpr ClassInfo info = {.kind = Kind::Structure, .flags = typePublic};
 };
 } // namespace orv::glue
