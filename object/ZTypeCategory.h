@@ -15,8 +15,8 @@
 ///
 /// Tables are built by the callbacks when they are first asked for, as those of a type are: with no lock held, and seen
 /// by others when they are whole. Of a builder that fails nothing is kept, and it runs again. Any thread may ask; set
-/// up, and changed, by one thread at a time. Operations that change it answer false, with nothing changed, without memory,
-/// and have no effect on types that have the category already until `resetCategory`.
+/// up, and changed, by one thread at a time. Operations that change it answer false, with nothing changed, without
+/// memory, and have no effect on types that have the category already until `resetCategory`.
 class ORV_API ZTypeCategory : public ZObject {
 public:
     /// Places in the callback table: each is a `bool (*)(ZTypeCategory*)` that adds to the category.

@@ -304,13 +304,11 @@ template <class T> constexpr ClassRow makeRow() {
     ::orv::glue::EnumItemRow { #name, int(Self::Enum::name) }
 /// The enum whose items stand in `items`, an array of `ORV_ITEM`s. Three values or more that count up without a gap
 /// exclude each other, though their bits may look like flags; of others the bits decide.
-#define ORV_ENUM(Enum, items)                                                                                          \
-    ::orv::glue::EnumRow {                                                                                             \
-        #Enum, items, ::orv::glue::countOf(items), int(sizeof(Self::Enum)), ::orv::glue::countUp(items)                \
-    }
+#define ORV_ENUM(Enum, items) ORV_ENUM_ROW(Enum, items, ::orv::glue::countUp(items))
 /// One of bit flags whose values count up, as 0, 1, 2 do.
-#define ORV_FLAGS(Enum, items)                                                                                         \
-    ::orv::glue::EnumRow { #Enum, items, ::orv::glue::countOf(items), int(sizeof(Self::Enum)), false }
+#define ORV_FLAGS(Enum, items) ORV_ENUM_ROW(Enum, items, false)
+#define ORV_ENUM_ROW(Enum, items, exclusive)                                                                           \
+    ::orv::glue::EnumRow { #Enum, items, ::orv::glue::countOf(items), int(sizeof(Self::Enum)), exclusive }
 /// A method that code calls by `index`, an enumerator of the class.
 #define ORV_FIXED(index, result, name, params, quals)                                                                  \
     ::orv::glue::FixedRow {                                                                                            \

@@ -84,7 +84,8 @@ TEST_F(Audit, MethodsHaveEntriesAndKnownParameters) {
             refused += marked;
             EXPECT_TRUE(marked || !takesRawPointer(method.getSelector()));
         }
-    std::printf("[ AUDIT    ] %zu types, %d methods, %d refused by a sandbox\n", declaredTypes().size(), methods, refused);
+    std::printf("[ AUDIT    ] %zu types, %d methods, %d refused by a sandbox\n", declaredTypes().size(), methods,
+                refused);
 }
 
 TEST_F(Audit, PropertiesHaveTypesAndAccessors) {
@@ -174,8 +175,8 @@ TEST_F(Audit, InstancesComeAndGo) {
     std::printf("[ AUDIT    ] %d types with instances\n", made);
 }
 
-/// Runs `cycle` with each of its allocations failing in turn: no failure is left raised, and no block behind. Types that
-/// end make others anew what they keep about types, so what is there is counted, not what was made.
+/// Runs `cycle` with each of its allocations failing in turn: no failure is left raised, and no block behind. Types
+/// that end make others anew what they keep about types, so what is there is counted, not what was made.
 template <class F> void failEach(const ZMetaType* type, F&& cycle) {
     auto count = [type] {
         type->calcInternalSize(true);

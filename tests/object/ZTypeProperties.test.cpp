@@ -238,7 +238,8 @@ TEST_F(TypeProperties, NewInstancesGetTheDynamicOnesOfTheirTypeAndItsBases) {
         EXPECT_TRUE(made);
         if (!made) return std::string();
         std::string names;
-        for (const ZPropertyPtr& entry : std::as_const(*made).getDynamicProperties()) names += textOf(entry.key()) + " ";
+        for (const ZPropertyPtr& entry : std::as_const(*made).getDynamicProperties())
+            names += textOf(entry.key()) + " ";
         EXPECT_EQ(made->getDynamicProperty(name("given")).toInt(), 11);
         EXPECT_TRUE(made->setProperty(name("given"), ZVariant(5)));
         EXPECT_EQ(made->getDynamicProperty(name("given")).toInt(), 5) << "its own, not the declaration's";

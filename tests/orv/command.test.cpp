@@ -68,7 +68,8 @@ TEST(Command, TypesAsJsonAreJson) {
     std::string check =
         "python3 -c 'import json, sys; rows = json.load(open(sys.argv[1])); "
         "sys.exit(not (any(m[\"signature\"] == \"uint hashKey()\" for r in rows for m in r[\"methods\"]) and "
-        "any(\"void discarded()\" in r[\"fixed\"] for r in rows) and all(type(r[\"groups\"]) is dict for r in rows)))' ";
+        "any(\"void discarded()\" in r[\"fixed\"] for r in rows) and all(type(r[\"groups\"]) is dict for r in "
+        "rows)))' ";
     EXPECT_EQ(std::system((check + folder.path("types.json")).c_str()), 0);
 }
 

@@ -191,8 +191,7 @@ void printWhole(const TypeText& type, const TypeOptions& options, std::FILE* out
     }
     for (const GroupText& row : type.groups) {
         std::fprintf(out, "\n  selectors %s\n", row.name.c_str());
-        for (const auto& [name, value] : row.pairs)
-            std::fprintf(out, "    %-24s %s\n", name.c_str(), value.c_str());
+        for (const auto& [name, value] : row.pairs) std::fprintf(out, "    %-24s %s\n", name.c_str(), value.c_str());
     }
     if (options.properties) {
         std::fprintf(out, "\n  %zu properties\n", type.properties.size());
