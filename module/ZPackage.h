@@ -35,7 +35,7 @@ struct ZPackageLink {
 /// A counted set of types that a module hands out under one name. It owns its types; those of the packages that it uses
 /// it finds too, and, as every package does, those of the root package, the first one made, which uses every public
 /// one. Any thread may look types up, without a lock, also while others are made by name, entered and taken out, and
-/// while packages are used and given up; a package is set up and closed by one thread, which nobody else uses it on.
+/// while packages are used and given up. A package is set up and closed by one thread, with nobody else in it.
 class ORV_API ZPackage : public ZObject {
 public:
     enum Flags : uint { None = 0, Public = 1, Plugin = 2, Dynamic = 4 };
