@@ -126,7 +126,7 @@ bool ZPackage::addUsedPackageTypes(ZPackage* other) {
     if (!other) return false;
     ZScopedLock held(orv::packageUses);
     if (usedTypesDirty || !seesTypesOf(other)) return true;
-    const bool done = usedIndex.reserve(other->typeIndex.count()) && usedIndex.putAll(other->typeIndex);
+    const bool done = usedIndex.putAll(other->typeIndex);
     // What isn't in the table is looked for again when there is memory.
     toolkit::storeRelease(usedTypesDirty, !done);
     return done;

@@ -54,6 +54,9 @@ bool TypeIndex::put(uint key, ZMetaType* type) {
 
 bool TypeIndex::putAll(const TypeIndex& other) {
     const Table* theirs = toolkit::loadAcquire(other.table);
+    uint types = 0;
+    other.each([&](const ZMetaType*) { ++types; });
+    if (!reserve(types)) return false;
     for (uint i = 0; theirs && i <= theirs->mask; ++i) {
         const uint key = toolkit::loadAcquire(theirs->places[i].key);
         ZMetaType* type = toolkit::loadAcquire(theirs->places[i].type);

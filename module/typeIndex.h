@@ -42,7 +42,6 @@ public:
     /// Room for so many more; false without memory.
     bool reserve(uint more);
     void clear();
-    uint count() const { return used; }
     /// Calls `visit(type)` for each.
     template <class F> void each(F&& visit) const;
 
