@@ -24,13 +24,11 @@ namespace {
 
 constinit ModuleList list;
 
-const __ZPassMetaType* tagOf(const __ZPassMetaType* tag) { return tag ? tag : orv::passType(ztype<ZModule>()); }
-
 } // namespace
 
 // Lifetime
 
-ZModule::ZModule(const __ZPassMetaType* type, ZInternal* internal) : ZObject(tagOf(type), internal) {
+ZModule::ZModule(const __ZPassMetaType* type, ZInternal* internal) : ZObject(orv::tagFor<ZModule>(type), internal) {
     if (!makelock(this, true, true)) ZError::fail();
     setmemlocklabel(this, "ZModule", 0);
 }

@@ -28,8 +28,6 @@ using orv::EnumTable;
 
 void freeTable(toolkit::EpochLink* link) { zrelease(static_cast<EnumTable*>(link)); }
 
-const __ZPassMetaType* tagOf(const __ZPassMetaType* tag) { return tag ? tag : orv::passType(ztype<ZEnumType>()); }
-
 /// Values of fewer bytes than an int may stand for negative ones.
 int signExtended(int value, uint size) { return size == 1 ? int8(value) : size == 2 ? int16(value) : value; }
 
@@ -38,14 +36,14 @@ int signExtended(int value, uint size) { return size == 1 ? int8(value) : size =
 // Lifetime
 
 ZEnumType::ZEnumType(ZPackage* package, const ZSelector& name, const __ZPassMetaType* type, ZInternal* internal)
-    : SyntheticType(package, name, Enum, tagOf(type), internal) {}
+    : SyntheticType(package, name, Enum, orv::tagFor<ZEnumType>(type), internal) {}
 ZEnumType::ZEnumType(ZPackage* package, const ZSelector& name, const ZArrayT<ZEnumItem>& items,
                      const __ZPassMetaType* type, ZInternal* internal)
     : ZEnumType(package, name, type, internal) {
     if (!add(items)) ZError::fail();
 }
 ZEnumType::ZEnumType(const ZEnumType* source, const __ZPassMetaType* type, ZInternal* internal)
-    : SyntheticType(source, tagOf(type), internal), row(source->row) {
+    : SyntheticType(source, orv::tagFor<ZEnumType>(type), internal), row(source->row) {
     toolkit::EpochGuard guard;
     if (source->published.load() && !setData(source->data())) ZError::fail();
 }

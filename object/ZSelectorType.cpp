@@ -6,8 +6,6 @@
 
 namespace {
 
-const __ZPassMetaType* tagOf(const __ZPassMetaType* tag) { return tag ? tag : orv::passType(ztype<ZSelectorType>()); }
-
 const ZSelector& wordsAt(const void* instance) { return *static_cast<const ZSelector*>(instance); }
 bool isList(const ZSelector& words) { return words.type() == ZSelector::Names; }
 bool hasWord(const void* instance, const ZSelector& word) {
@@ -20,11 +18,11 @@ bool hasWord(const void* instance, const ZSelector& word) {
 
 ZSelectorType::ZSelectorType(ZPackage* package, const ZSelector& name, Type kind, const ZArrayT<ZSelector>& bases,
                              const __ZPassMetaType* type, ZInternal* internal)
-    : SyntheticType(package, name, kind, bases, tagOf(type), internal) {}
+    : SyntheticType(package, name, kind, bases, orv::tagFor<ZSelectorType>(type), internal) {}
 ZSelectorType::ZSelectorType(const ZSelectorType* source, const __ZPassMetaType* type, ZInternal* internal)
-    : SyntheticType(source, tagOf(type), internal) {}
+    : SyntheticType(source, orv::tagFor<ZSelectorType>(type), internal) {}
 ZSelectorType::ZSelectorType(const __ZPassMetaType* type, ZInternal* internal)
-    : SyntheticType(nullptr, ZSelector(), Selector, tagOf(type), internal) {}
+    : SyntheticType(nullptr, ZSelector(), Selector, orv::tagFor<ZSelectorType>(type), internal) {}
 
 ZType* ZSelectorType::copy() const { return zmake<ZSelectorType>(this, orv::passType(type())); }
 ZMetaType* ZSelectorType::makeVariant(const ZSelector& name) {

@@ -9,8 +9,6 @@
 
 namespace {
 
-const __ZPassMetaType* tagOf(const __ZPassMetaType* tag) { return tag ? tag : orv::passType(ztype<ZTypeCategory>()); }
-
 template <class Tree> bool keyNames(const Tree& tree, ZArrayT<ZSelector>& names) {
     const uint before = names.count();
     for (const auto& entry : tree) {
@@ -82,7 +80,7 @@ ZTypeCategory::ZTypeCategory(ZPackage* package, const ZSelector& name, const __Z
     : ZTypeCategory(package, name, nullptr, type, internal) {}
 ZTypeCategory::ZTypeCategory(ZPackage* package, const ZSelector& name, ZTypeCallback initialize,
                              const __ZPassMetaType* type, ZInternal* internal)
-    : ZObject(tagOf(type), internal), ownerPackage(package) {
+    : ZObject(orv::tagFor<ZTypeCategory>(type), internal), ownerPackage(package) {
     change.setLabel("ZTypeCategory", 0);
     setSelector(name);
     callbacks[Initialize] = initialize;
