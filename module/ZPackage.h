@@ -129,7 +129,8 @@ public:
     ZEnumType* findEnum(const ZSelector& name) const override;
     /// Of its own.
     ZMetaType* findPackageType(const ZSelector& name) const;
-    /// Where an instance of a template belongs: the most dependent of the packages of template and parameters.
+    /// Where an instance of a template belongs: the most dependent of the packages of template and parameters;
+    /// null without memory to find it.
     const ZPackage* findTemplateOwner(const ZSelector& name) const;
     /// A type by its plugin identifier; for the empty one, the first that is a plugin type and a `ZType`.
     ZMetaType* pluginType(const ZSelector& id) const;

@@ -174,6 +174,7 @@ ZMetaType* ZPackage::findInstance(const ZSelector& name, int depth) {
     for (int i = 0, count = name.parcount(); i < count; ++i)
         if (!find(name.param(i), true, depth + 1)) return nullptr;
     auto owner = const_cast<ZPackage*>(findTemplateOwner(name));
+    if (!owner) return nullptr;
     if (ZMetaType* known = owner->findMetaType(name)) return known;
     auto made = zmake<ZMetaType>(nullptr, name, ZMetaType::Class, orv::passType(ztype<ZMetaType>()));
     if (!made) return nullptr;
@@ -200,15 +201,11 @@ const ZPackage* ZPackage::findTemplateOwner(const ZSelector& name) const {
         return argument ? argument : this;
     }
     ZArrayT<ZPackage*> all;
-    const auto add = [&all](ZPackage* package) {
-        if (!package) return;
-        for (ZPackage* known : std::as_const(all))
-            if (known == package) return;
-        all.append(package);
-    };
-    for (int i = 0; i < count; ++i) add(packageOf(name.param(i)));
-    add(base);
-    topologicalOrdering(all);
+    // Those that are left out for lack of memory might be the owner.
+    const auto add = [&all](ZPackage* package) { return !package || all.contains(package) || all.append(package); };
+    bool whole = true;
+    for (int i = 0; i < count; ++i) whole = whole && add(packageOf(name.param(i)));
+    if (!whole || !add(base) || !topologicalOrdering(all)) return nullptr;
     return all.isEmpty() ? this : std::as_const(all)[0];
 }
 

@@ -116,6 +116,18 @@ TEST_F(Package, VariantsAndInstancesAreMadeOnce) {
     EXPECT_EQ(b->findType(ZSelector(deep.c_str())), nullptr);
 }
 
+TEST_F(Package, WithoutMemoryAnInstanceHasTheRightOwnerOrNone) {
+    Made a("test.a"), b("test.b");
+    ASSERT_TRUE(b->use(a.package) && a.type("BoxT") && a.type("InA") && b.type("InB"));
+    const ZSelector name("BoxT<InA, InB>");
+    ASSERT_EQ(b->findTemplateOwner(name), b.package);
+    failEachAllocation([&](AllocProbe& probe) {
+        const ZPackage* owner = b->findTemplateOwner(name);
+        EXPECT_EQ(owner, probe.failed() ? nullptr : b.package);
+        zresetfail();
+    });
+}
+
 TEST_F(Package, UsersStandInFrontOfWhatTheyUse) {
     Made a("test.a"), b("test.b"), c("test.c"), d("test.d");
     auto order = [&](std::vector<ZPackage*> from) {
