@@ -394,10 +394,10 @@ bool ZType::addProperty(const ZSelector& name, const ZVariant& value, const ZSel
 }
 
 bool ZType::removeProperty(const ZSelector& name) {
+    WriteLock lock(this);
     const ZPropertyPtr* known = dynamicProperties.find(name);
     if (!known) return false;
     ZProperty* record = known->property() ? known->property()->retain() : nullptr;
-    WriteLock lock(this);
     bool removed = dynamicProperties.remove(name);
     lock.open();
     if (record) {
@@ -419,17 +419,19 @@ bool ZType::renameProperty(const ZSelector& name, const ZSelector& to) {
 ZSelector ZType::propertyStackName(const ZSelector& name) const { return ZSelector("__stack_").join(name); }
 
 bool ZType::pushProperty(const ZSelector& name) {
+    // What the change replaces goes when the lock is free.
+    DynamicProperties tree;
+    WriteLock lock(this);
     if (!hasDynamicProperty(name)) return false;
+    tree = dynamicProperties;
     // Each saved value stands one name further than the one saved after it.
-    DynamicProperties tree = dynamicProperties;
     for (ZSelector at = name; const ZProperty* known = dynamicProperty(at); at = propertyStackName(at))
         if (!putAs(tree, *known, propertyStackName(at))) return false;
-    {
-        WriteLock lock(this);
-        std::swap(dynamicProperties, tree);
-    }
+    std::swap(dynamicProperties, tree);
     const ZProperty* known = dynamicProperty(name);
-    if (ZProperty* record = known && known->hasFlags(ZProperty::Delegate) ? known->retain() : nullptr) {
+    ZProperty* record = known && known->hasFlags(ZProperty::Delegate) ? known->retain() : nullptr;
+    lock.open();
+    if (record) {
         propertyDelegationChanged(*record);
         record->release();
     }
@@ -437,18 +439,19 @@ bool ZType::pushProperty(const ZSelector& name) {
 }
 
 bool ZType::popProperty(const ZSelector& name) {
+    DynamicProperties tree;
+    WriteLock lock(this);
     ZSelector at = name, saved = propertyStackName(name);
     if (!hasDynamicProperty(saved)) return false;
-    DynamicProperties tree = dynamicProperties;
+    tree = dynamicProperties;
     for (; const ZProperty* known = dynamicProperty(saved); at = saved, saved = propertyStackName(saved))
         if (!putAs(tree, *known, at)) return false;
     if (!tree.remove(at)) return false;
-    {
-        WriteLock lock(this);
-        std::swap(dynamicProperties, tree);
-    }
+    std::swap(dynamicProperties, tree);
     const ZProperty* known = dynamicProperty(name);
-    if (ZProperty* record = known ? known->retain() : nullptr) {
+    ZProperty* record = known ? known->retain() : nullptr;
+    lock.open();
+    if (record) {
         propertyDelegationChanged(*record);
         tell(this, record, true);
     }

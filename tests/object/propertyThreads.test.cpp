@@ -2,8 +2,10 @@
 #include "object/ZPropertyPtr.h"
 #include "object/ZPropertyRef.h"
 #include "tests/object/propertyTypes.h"
+#include "toolkit/lock.h"
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <string>
 #include <thread>
@@ -139,4 +141,32 @@ TEST_F(PropertyThreads, WalksOverCopiesThatShareRecords) {
     EXPECT_EQ(wrong, 0);
     EXPECT_EQ(shape->getProperty(name("note")).toInt(), 1);
     shape->release();
+}
+
+/// A value is saved on another thread, while this one waits to save, or to bring one back: neither gets lost.
+TEST_F(PropertyThreads, PushesOfSeveralThreadsAllCount) {
+    for (const bool pop : {false, true}) {
+        auto shape = zmake<TestShape>();
+        ASSERT_TRUE(shape->makeLock(true, true) && shape->addProperty(name("note"), ZVariant(1)));
+        for (int i = 0; i < 4; ++i) ASSERT_TRUE(shape->pushProperty(name("note")));
+        std::atomic<bool> held{false};
+        bool done = false;
+        std::thread other([&] {
+            shape->writeLock();
+            held = true;
+            for (int i = 0; i < 500 && !toolkit::waiterCount(toolkit::blockLock(shape)); ++i)
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            done = shape->pushProperty(ZSelector("note"));
+            shape->unlock();
+        });
+        while (!held) std::this_thread::yield();
+        EXPECT_TRUE(pop ? shape->popProperty(name("note")) : shape->pushProperty(name("note")));
+        other.join();
+        EXPECT_TRUE(done);
+        int saved = 0;
+        while (shape->popProperty(name("note"))) ++saved;
+        EXPECT_EQ(saved, pop ? 4 : 6);
+        EXPECT_EQ(shape->getProperty(name("note")).toInt(), 1);
+        shape->release();
+    }
 }
