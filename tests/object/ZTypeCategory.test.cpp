@@ -106,6 +106,30 @@ TEST_F(CategoryTest, ATypeHasWhatItsCategoriesBringAsLongAsTheyAreThere) {
     EXPECT_FALSE(type.addCategory("Gone"));
 }
 
+TEST_F(CategoryTest, OneInstanceIsExtended) {
+    Fixture test;
+    auto first = test.category("First"), second = test.category("Second");
+    ASSERT_TRUE(addMethod(*first, "int area()", &marks[0]) && addMethod(*second, "int edge()", &marks[1]));
+    Holder<ZMetaType> type(zmake<ZMetaType>(nullptr, ZSelector("Extended"), ZMetaType::Object));
+    type->setPackage(test.package.get());
+    Holder<ZObject> one(zmake<ZObject>(orv::passType(type.get()))), other(zmake<ZObject>(orv::passType(type.get())));
+    const auto has = [](const Holder<ZObject>& object, const char* signature) {
+        return object->hasMethod(ZSelector(signature), {});
+    };
+    EXPECT_FALSE(one->removeExtension() || one->removeExtension("First")) << "there is none";
+    EXPECT_TRUE(one->extend("First") && one->extend(second.get()));
+    EXPECT_TRUE(has(one, "int area()") && has(one, "int edge()"));
+    EXPECT_FALSE(has(other, "int area()") || has(other, "int edge()"));
+    EXPECT_TRUE(one->removeExtension("First"));
+    EXPECT_FALSE(has(one, "int area()"));
+    EXPECT_FALSE(one->removeExtension("First") || one->removeExtension(first.get()) || other->removeExtension());
+    EXPECT_TRUE(one->extend(first.get()) && one->removeExtension(second.get()));
+    EXPECT_TRUE(has(one, "int area()") && !has(one, "int edge()"));
+    EXPECT_TRUE(one->removeExtension());
+    EXPECT_FALSE(has(one, "int area()"));
+    type->setPackage(nullptr);
+}
+
 TEST_F(CategoryTest, CategoriesNestAlsoAcrossPackagesAndInCircles) {
     Fixture test;
     Holder<ZPackage> other(zmake<ZPackage>());
