@@ -71,14 +71,15 @@ ZObject* DelegateWalk::step(Frame& frame, uint wanted) {
     if (!wanted || !data.has(ObjectData::Delegates)) return nullptr;
     ObjectRead held(data);
     const ZArrayT<ZObject*>& delegates = data.delegates;
-    if (frame.last && frame.changed != data.delegatesChanged) {
+    const uint changed = toolkit::load(data.delegatesChanged);
+    if (frame.last && frame.changed != changed) {
         const int at = delegates.indexOf(const_cast<ZObject*>(frame.last));
         if (at >= 0)
             frame.index = uint(at) + 1;
         else if (frame.index)
             --frame.index;
     }
-    frame.changed = data.delegatesChanged;
+    frame.changed = changed;
     for (; frame.index < delegates.count(); ++frame.index) {
         ZObject* delegate = delegates.data()[frame.index];
         if (!(toolkit::load(ObjectData::at(delegate).delegateType) & wanted)) continue;

@@ -1,11 +1,11 @@
 #include "object/ZInlineMethod.h"
 
+#include "object/HeldTarget.h"
 #include "object/ZMetaTypeData.h"
 #include "object/ZObject.h"
 #include "object/inlineLinks.h"
 #include "object/methodArguments.h"
 #include "object/methodLookup.h"
-#include "value/ZTypedPtr.h"
 #include "value/ZVariant.h"
 
 namespace {
@@ -190,7 +190,8 @@ ZArrayT<ZMetaType*> ZInlineMethod::shareTypes() const {
     ZScopedLock held(guard);
     return paramTypes;
 }
-MethodHit ZInlineMethod::find() const {
+/// `target` keeps whose method it is, if the record's object has it from a delegate: the method is called there.
+MethodHit ZInlineMethod::find(orv::HeldTarget& target) const {
     ZMetaType* type = toolkit::loadAcquire(ownerType);
     MethodHit hit;
     if (isMulti && signature.type() != ZSelector::Method) {
@@ -203,9 +204,12 @@ MethodHit ZInlineMethod::find() const {
         hit = orv::lookUpMethod(type, signature, qualifier, isBase);
     }
     if (ownerObject) {
-        ZTypedPtr typed(type, ownerObject);
-        if (ZMethod* own = ownerObject->method(&typed, signature, qualifier))
-            hit = {own, int(static_cast<char*>(typed.instance) - reinterpret_cast<const char*>(ownerObject)), 0, type};
+        target.typed = ZTypedPtr(type, ownerObject);
+        if (ZMethod* own = target.method(ownerObject, signature, qualifier)) {
+            const auto part = static_cast<const char*>(target.typed.instance);
+            const int offset = target.kept.get() ? 0 : int(part - reinterpret_cast<const char*>(ownerObject));
+            hit = {own, offset, 0, type};
+        }
     }
     if (!hit.method) return {};
     const uint flags = hit.method->getFlags();
@@ -224,6 +228,10 @@ void ZInlineMethod::publish(const MethodHit& hit, ularge generation) const {
     if (keep && generation == orv::typeGeneration()) toolkit::storeRelease(stamp, generation);
 }
 MethodHit ZInlineMethod::resolve() const {
+    orv::HeldTarget target;
+    return resolve(target);
+}
+MethodHit ZInlineMethod::resolve(orv::HeldTarget& target) const {
     const ularge generation = orv::typeGeneration();
     if (!toolkit::loadAcquire(ownerType)) {
         ZMetaType* found = findOwner();
@@ -234,24 +242,31 @@ MethodHit ZInlineMethod::resolve() const {
         }
         link();
     }
-    const MethodHit hit = find();
+    const MethodHit hit = find(target);
     publish(hit, generation);
     return hit;
 }
 void* ZInlineMethod::callSlow(const void* instance, const void* const* words, int count) const {
+    orv::HeldTarget target;
     toolkit::EpochGuard guard;
-    const MethodHit hit = resolve();
+    const MethodHit hit = resolve(target);
     if (!hit.method) return nullptr;
-    const char* part = static_cast<const char*>(instance) + hit.offset;
+    const void* part = static_cast<const char*>(instance) + hit.offset;
+    const ZMetaType* type = toolkit::loadAcquire(ownerType);
+    if (target.kept.get()) {
+        part = target.typed.instance;
+        type = target.typed.type;
+    }
     if (hit.method->hasFunc() && hit.method->fastWords() == count) return orv::callWords(hit.method, part, words);
     if (count > 0) return nullptr;
-    const ZVariant result = hit.method->invoke(part, toolkit::loadAcquire(ownerType), nullptr, 0);
+    const ZVariant result = hit.method->invoke(part, type, nullptr, 0);
     void* word = nullptr;
     if (result.type() && result.type()->byteSize() <= sizeof word && result.getPtr())
         __builtin_memcpy(&word, result.getPtr(), result.type()->byteSize());
     return word;
 }
 ZVariant ZInlineMethod::invoke(const void* instance, const ZVariant* args, int count) const {
+    orv::HeldTarget target;
     toolkit::EpochGuard guard;
     MethodHit hit;
     ZMetaType* type = toolkit::loadAcquire(ownerType);
@@ -261,9 +276,10 @@ ZVariant ZInlineMethod::invoke(const void* instance, const ZVariant* args, int c
         hit = orv::lookUpOverload(type, signature.isEmpty() ? name : signature, types, count + 1,
                                   orv::LookSkipResult | orv::LookImplicit, qualifier, isBase);
     } else {
-        hit = resolve();
+        hit = resolve(target);
     }
     if (!hit.method) return {};
+    if (target.kept.get()) return hit.method->invoke(target.typed.instance, target.typed.type, args, count);
     const char* part = instance ? static_cast<const char*>(instance) + hit.offset : nullptr;
     return hit.method->invoke(part, toolkit::loadAcquire(ownerType), args, count);
 }

@@ -10,6 +10,7 @@
 #include <type_traits>
 
 namespace orv {
+class HeldTarget;
 struct InlineLinks;
 struct MethodHit;
 } // namespace orv
@@ -162,7 +163,8 @@ private:
 
     ZArrayT<ZMetaType*> shareTypes() const;
     void dropTypes();
-    orv::MethodHit find() const;
+    orv::MethodHit find(orv::HeldTarget& target) const;
+    orv::MethodHit resolve(orv::HeldTarget& target) const;
     orv::MethodHit resolve() const;
     void publish(const orv::MethodHit& hit, ularge generation) const;
     ZMetaType* findOwner() const;

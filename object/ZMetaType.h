@@ -450,6 +450,12 @@ public:
     /// The types nested in this one, by name.
     virtual Types getTypes() const;
     virtual bool getTypes(ZArrayT<ZMetaType*>& types) const;
+
+    // Tables, as they are now. One that is answered by reference is borrowed, with its entries, under an epoch guard
+    // that the caller has opened before: without one it may be freed while it is read, as soon as somebody changes the
+    // type. Copies and lists are the caller's, but methods and properties in lists are borrowed as well. Short walks
+    // only: an open guard holds up what all threads retire.
+
     virtual const MethodTable& getMethodTypes() const;
     virtual bool getMethodTypes(ZArrayT<ZMethod*>& methods) const;
     virtual bool getMethodTypes(const ZSelector& name, ZArrayT<ZMethod*>& methods) const;
@@ -617,6 +623,7 @@ public:
     virtual bool collectRetainedObjectNames(ZArrayT<ZSelector>& names) const;
     virtual bool collectPropertyDefNames(ZHashSetT<ZSelector>& names) const;
     virtual bool hasStoredVariableName(const void* instance, const ZSelector& name) const;
+    /// See `ZType::enumerateProperties`: visits run within an epoch guard, and shouldn't wait.
     virtual bool enumeratePropertyDefs(const void* instance, orv::PropertyVisit visit, void* context) const;
     virtual bool updatePropertyDefs(ZTypedPtr* typed, orv::PropertyVisit filter, orv::PropertyVisit update,
                                     void* context, bool recursive, bool detached) const;

@@ -1,11 +1,21 @@
 #include "object/ZMethodDispatch.h"
 
 #include "core/SlotPool.h"
+#include "object/HeldTarget.h"
 #include "object/ZObject.h"
+#include "object/ZObjectData.h"
 #include "object/methodLookup.h"
-#include "value/ZTypedPtr.h"
+
+using orv::HeldTarget;
 
 namespace {
+/// Changes when what was found on an object, or without one on a type, may be wrong: a sum of numbers that only rise.
+/// Taken before the lookup.
+ularge generationFor(const ZObject* object) {
+    orv::ObjectData* data = object ? orv::ObjectData::of(object) : nullptr;
+    return orv::typeGeneration() + (data ? toolkit::loadAcquire(data->methodChanges) : 0);
+}
+
 constinit orv::SlotPool<ZMethodDispatch> pool("ZMethodDispatch", 1024);
 } // namespace
 
@@ -45,10 +55,10 @@ void ZMethodDispatch::keep(ZMethodRef found, ZArrayT<ZMetaType*> types, ularge g
 }
 /// Whether the answer of the last lookup holds: for the same instance and type, and the same argument types.
 bool ZMethodDispatch::known(const void* instance, const ZMetaType* type, const ZArrayT<ZMetaType*>& types,
-                            ZMethodRef& found) const {
+                            ularge generation, ZMethodRef& found) const {
     ZScopedLock held(guard);
-    if (!bound && (cacheGeneration != orv::typeGeneration() || cache.getInstance() != instance ||
-                   cache.getType() != type || !(cacheTypes == types)))
+    if (!bound && (cacheGeneration != generation || cache.getInstance() != instance || cache.getType() != type ||
+                   !(cacheTypes == types)))
         return false;
     found = cache;
     return true;
@@ -62,39 +72,41 @@ bool keeps(const ZObject* object) { return !object->hasDelegate(); }
 
 ZMethodRef ZMethodDispatch::getMethod(const ZMetaType* type) const {
     ZMethodRef found;
-    if (!type || known(nullptr, type, {}, found)) return found;
-    const ularge generation = orv::typeGeneration();
+    const ularge generation = generationFor(nullptr);
+    if (!type || known(nullptr, type, {}, generation, found)) return found;
     found = ZMethodRef(type, name, words);
     keep(found, {}, generation);
     return found;
 }
 ZMethodRef ZMethodDispatch::getMethod(const ZMetaType* type, const ZArrayT<ZMetaType*>& types) const {
     ZMethodRef found;
-    if (!type || known(nullptr, type, types, found)) return found;
+    const ularge generation = generationFor(nullptr);
+    if (!type || known(nullptr, type, types, generation, found)) return found;
     toolkit::EpochGuard guard;
-    const ularge generation = orv::typeGeneration();
     found.set(type->multimethodType(nullptr, nullptr, name, types, true, true, false, words), nullptr, type);
     keep(found, types, generation);
     return found;
 }
 ZMethodRef ZMethodDispatch::getMethod(const ZObject* object) const {
+    ZRetainPtrT<ZType> kept;
+    return getMethod(object, kept);
+}
+ZMethodRef ZMethodDispatch::getMethod(const ZObject* object, ZRetainPtrT<ZType>& kept) const {
     ZMethodRef found;
-    if (!object || known(object, object->type(), {}, found)) return found;
+    const ularge generation = generationFor(object);
+    if (!object || known(object, object->type(), {}, generation, found)) return found;
     toolkit::EpochGuard guard;
-    const ularge generation = orv::typeGeneration();
-    ZTypedPtr typed(object);
-    found.set(object->method(&typed, name, words), object, object->type());
-    if (typed.instance != object)
-        found.set(found.getMethod(), typed.instance, typed.type);
-    else if (keeps(object))
-        keep(found, {}, generation);
+    HeldTarget target{ZTypedPtr(object)};
+    found.set(target.method(object, name, words), target.typed.instance, target.typed.type);
+    if (target.typed.instance == object && keeps(object)) keep(found, {}, generation);
+    kept = std::move(target.kept);
     return found;
 }
 ZMethodRef ZMethodDispatch::getMethod(const ZObject* object, const ZArrayT<ZMetaType*>& types) const {
     ZMethodRef found;
-    if (!object || known(object, object->type(), types, found)) return found;
+    const ularge generation = generationFor(object);
+    if (!object || known(object, object->type(), types, generation, found)) return found;
     toolkit::EpochGuard guard;
-    const ularge generation = orv::typeGeneration();
     ZTypedPtr typed(object);
     found.set(object->multimethod(nullptr, &typed, name, types, true, true, false, words), object, object->type());
     if (typed.instance != object)

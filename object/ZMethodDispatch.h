@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/ZArrayT.h"
+#include "core/ZRetainPtrT.h"
 #include "core/ZSpinLock.h"
 #include "core/ZTreeItemT.h"
 #include "object/ZMethodRef.h"
@@ -37,6 +38,8 @@ public:
     /// The method for a type or object, invalid if there is none; with types, the overload that fits them best.
     ZMethodRef getMethod(const ZMetaType* type) const;
     ZMethodRef getMethod(const ZObject* object) const;
+    /// The same for who calls it: where the method is a delegate's, `kept` holds that one until the method has ended.
+    ZMethodRef getMethod(const ZObject* object, ZRetainPtrT<ZType>& kept) const;
     ZMethodRef getMethod(const ZMetaType* type, const ZArrayT<ZMetaType*>& types) const;
     ZMethodRef getMethod(const ZObject* object, const ZArrayT<ZMetaType*>& types) const;
 
@@ -64,12 +67,13 @@ public:
 
 private:
     void keep(ZMethodRef found, ZArrayT<ZMetaType*> types, ularge generation) const;
-    bool known(const void* instance, const ZMetaType* type, const ZArrayT<ZMetaType*>& types, ZMethodRef& found) const;
+    bool known(const void* instance, const ZMetaType* type, const ZArrayT<ZMetaType*>& types, ularge generation,
+               ZMethodRef& found) const;
 
     ZSelector signal, name, words;
     mutable ZSpinLock guard; ///< of what follows
     mutable ZMethodRef cache;
     mutable ZArrayT<ZMetaType*> cacheTypes;
-    mutable ularge cacheGeneration = 0;
-    bool bound = false; ///< to `cache`, for good
+    mutable ularge cacheGeneration = 0; ///< of the types and of the object
+    bool bound = false;                 ///< to `cache`, for good
 };

@@ -7,9 +7,9 @@
 #include <initializer_list>
 #include <utility>
 
-/// A method together with what it is to be called on: three words. The method is retained, the instance isn't: who
-/// keeps a reference sees to it that the instance lives; an object that dies drops the registered ones that point to
-/// it. A plain value of one thread.
+/// A method together with what it is to be called on: three words. The method is retained, the instance isn't, also
+/// where the method was found at a delegate: who keeps a reference sees to it that the instance lives; an object that
+/// dies drops the registered ones that point to it. A plain value of one thread.
 class ORV_API ZMethodRef {
 public:
     using ZRelocatable = void;

@@ -114,7 +114,12 @@ ZObject::ZObject(const ZObject* source, const __ZPassMetaType* type, ZInternal* 
     enlist();
     ObjectData* from = source ? ObjectData::of(source) : nullptr;
     if (!from) return;
-    priv->selector = from->selector;
+    if (orv::SharedName::Former none; !priv->selector.set(from->selector.get(), none)) ZError::fail();
+    // The copy has no delegates from which methods of extensions could be worked out later.
+    if (from->has(ObjectData::ExtStale) && !orv::freshExtension(source)) {
+        ZError::fail();
+        return;
+    }
     priv->delegateType = toolkit::load(from->delegateType);
     priv->parentDelegate = from->parentDelegate;
     priv->set(toolkit::load(from->bits) & ObjectData::Copied, true);
@@ -133,8 +138,7 @@ ZObject::ZObject(const ZObject* source, const __ZPassMetaType* type, ZInternal* 
             ZError::fail();
             return;
         }
-        priv->set(toolkit::load(from->bits) &
-                      (ObjectData::Methods | ObjectData::ExtMethods | ObjectData::Dispatch | ObjectData::ExtStale),
+        priv->set(toolkit::load(from->bits) & (ObjectData::Methods | ObjectData::ExtMethods | ObjectData::Dispatch),
                   true);
     }
     if (!from->has(ObjectData::CopyMembers) || !source->firstChild) return;
@@ -277,11 +281,14 @@ void ZObject::setIsMetaType(bool on) {
 
 // Declared properties
 
-ZSelector ZObject::selector() const { return priv ? priv->selector : ZSelector(); }
+ZSelector ZObject::selector() const { return priv ? priv->selector.get() : ZSelector(); }
 void ZObject::setSelector(const ZSelector& name) {
-    if (!priv || priv->selector == name) return;
-    if (priv->has(ObjectData::Published | ObjectData::PropertyDelegate)) orv::renamePublished(this, name);
-    orv::rename(this, name);
+    if (!priv || priv->selector.is(name)) return;
+    if (!orv::rename(this, name)) {
+        ZError::fail();
+        return;
+    }
+    orv::nameChanged(this);
     if (globalNamed()) publishNamed();
 }
 

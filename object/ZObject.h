@@ -295,6 +295,8 @@ public:
 
     // Dispatch: signals, each answered by any number of methods. Answers true if anybody did. A name of several parts
     // goes along properties that hold objects; one of more than `depthLimit` parts concerns only whom it leads to.
+    // Whoever is asked stays alive until it has answered. Handlers run within an epoch guard, see `ZType::invoke`: one
+    // that waits holds up what all threads retire.
 
     /// What calls have found isn't used again.
     virtual void useDispatch();
@@ -350,7 +352,7 @@ public:
     /// Makes an object of the type `kind`, names it `name` and adds it; binds it if it is a `Binder`. True, with
     /// nothing done, for an empty kind.
     virtual bool loadDelegate(const ZSelector& name, const ZSelector& kind);
-    /// Null for an empty name.
+    /// Null for an empty name. Borrowed: who shares the object with other threads asks only while nobody removes.
     virtual ZObject* findDelegate(const ZSelector& name) const;
     /// Puts a copy in the place of each delegate that others hold too; false without memory.
     virtual bool detachDelegates();
@@ -485,7 +487,8 @@ public:
     virtual bool setNamedMethodPostId(const ZSelector& name, const ZUnique& id);
     virtual ZEvent* currentEvent() const;
     virtual void setCurrentEvent(ZEvent* event);
-    /// The object's own name.
+    /// The object's own name. Any thread may ask, while another renames; a failure is raised where there is no memory
+    /// for that, and the old name stays.
     virtual ZSelector selector() const;
     virtual void setSelector(const ZSelector& name);
     /// What it does as a delegate; nothing at first.

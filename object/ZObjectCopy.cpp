@@ -46,9 +46,9 @@ ZObject* ZObject::deepCopy() const {
         for (const Holder& holder : std::as_const(holders))
             if (holder.object == child && !made->setProperty(holder.name, copied.get())) return nullptr;
     }
-    ZArrayT<ZObject*> delegates;
-    if (!getDelegates(delegates)) return nullptr;
-    for (ZObject* delegate : std::as_const(delegates)) {
+    ZArrayT<Owned> delegates;
+    if (!orv::holdDelegates(this, delegates)) return nullptr;
+    for (const ZObject* delegate : std::as_const(delegates)) {
         if (delegate->parent == this) continue;
         ZObject* held = nullptr;
         for (const Holder& holder : std::as_const(holders))

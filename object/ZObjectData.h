@@ -1,7 +1,9 @@
 #pragma once
 
 #include "core/ZHashTreeT.h"
+#include "core/ZRetainPtrT.h"
 #include "core/ZSpinLock.h"
+#include "object/SharedName.h"
 #include "object/ZMethodDispatch.h"
 #include "object/ZMethodPtr.h"
 #include "object/ZNamedMethod.h"
@@ -11,7 +13,7 @@ namespace orv {
 
 /// Objects by name, in front of a long list of them: a block of its own. A name that several have leads to the first
 /// one added. No lock: published whole, and dropped when it doesn't fit its list any more.
-struct NameIndex {
+struct alignas(void*) NameIndex {
     struct Entry {
         uint name; ///< 0 for a free place
         ZObject* object;
@@ -20,12 +22,13 @@ struct NameIndex {
     /// With room for so many names and half as many again; null without memory.
     static NameIndex* make(uint count);
     static void drop(NameIndex*& index);
-    ZObject* find(const ZSelector& name) const { return entry(name.key())->object; }
+    ZObject* find(uint key) const { return entry(key)->object; }
     /// False when it is full.
     bool add(ZObject* object);
 
     uint mask;
     uint free;
+    uint changes; ///< of delegates: `ObjectData::delegatesChanged` as the names were read; it holds as long as that
 
 private:
     Entry* entries() const { return reinterpret_cast<Entry*>(const_cast<NameIndex*>(this) + 1); }
@@ -87,7 +90,7 @@ struct ObjectData {
     ZObject* object;
     uint bits = MultiStale;
     uint childCount = 0;
-    ZSelector selector;
+    SharedName selector;
     ZSelector typeName; ///< used while the object has no metatype
     uint delegateType = ZObject::None;
     uint parentDelegate = ZObject::None;
@@ -105,14 +108,17 @@ struct ObjectData {
     ZArrayT<ZMetaType*> extendTypes;
     ZArrayT<ZInlineMethod*> inlineRecords;
 
+    NameIndex* delegateNames = nullptr; ///< good while its `changes` are `delegatesChanged`
+
     // Delegates are changed under the lock of the graph and this one, and read under either.
 
-    ZArrayT<ZObject*> delegates;        ///< each retained
-    NameIndex* delegateNames = nullptr; ///< of the graph
-    ZArrayT<ZObject*> delegatedBy;      ///< of the graph
-    uint delegatesChanged = 0;          ///< rises with each change
-    int delegateCount = 0;              ///< those whose type has more than binding, events and resources
-    uint visited = 0;                   ///< of the graph: the walk that came here last
+    ZArrayT<ZObject*> delegates;    ///< each retained
+    uint delegatesChanged = 0;      ///< rises with each change, also of a name; atomic
+    int delegateCount = 0;          ///< those whose type has more than binding, events and resources
+    uint methodChanges = 0;         ///< rises when what entries have found may be wrong; atomic
+    uint visited = 0;               ///< of the graph: the walk that came here last
+    ZObject* nextVisited = nullptr; ///< of the graph: whom that walk looks at behind this one
+    ZArrayT<ZObject*> delegatedBy;  ///< of the graph
 };
 
 /// Holds the lock of an object alone. Without memory for one it is false, and holds nothing.
@@ -147,8 +153,8 @@ constexpr int internalRoom(size_t bytes) { return int((bytes + 15) & ~size_t(15)
 /// Takes an object that goes, or that isn't wanted there any more, out of the tables of names.
 void forgetPublished(ZObject* object);
 void forgetPropertyDelegate(ZObject* object);
-/// Both tables follow a new name.
-void renamePublished(ZObject* object, const ZSelector& name);
+/// Gives an object another name, which the tables follow; false, with nothing changed, without memory.
+bool rename(ZObject* object, const ZSelector& name);
 
 /// The object that a property holds, if others hold it too: one that comes with the answer goes with it. Borrowed.
 ZObject* heldObject(const ZType* owner, const ZSelector& name);
@@ -157,8 +163,12 @@ ZObject* heldObject(const ZType* owner, const ZSelector& name);
 void ownMethodsChanged(ZObject* object);
 /// An object changes its delegate type: those that it is a delegate of count anew.
 void delegateTypeChanged(ZObject* object, uint type);
-/// Gives an object a name; indexes of names that it stands in go.
-void rename(ZObject* object, const ZSelector& name);
+/// An object has another name: indexes of names that it stands in go.
+void nameChanged(ZObject* object);
+/// The delegates with a reference to each, taken while they were in the list; false without memory.
+bool holdDelegates(const ZObject* object, ZArrayT<ZRetainPtrT<ZObject>>& delegates);
+/// Brings the table of methods that extensions bring up to date; false without memory.
+bool freshExtension(const ZObject* object);
 /// An object goes: it lets its delegates go, and is none any more.
 void dropDelegates(ZObject* object);
 

@@ -7,9 +7,9 @@
 #include "value/ZVariant.h"
 #include "value/ZVariantDelegate.h"
 
-// Delegates. Who delegates to whom is a graph of the process without cycles; it changes under one lock, of which each
-// change is short. The list of one object changes under the lock of that object too, so that who reads it needs only
-// that one.
+// Delegates. Who delegates to whom is a graph of the process without cycles; it changes under one lock, under which
+// nothing is allocated, freed or called. The list of one object changes under the lock of that object too, so that who
+// reads it needs only that one.
 
 using orv::ObjectData;
 
@@ -28,62 +28,46 @@ bool counts(uint type) { return (type & ~sparseTypes) != 0; }
 
 // Under the lock of the graph.
 
-/// Objects still to be looked at in one direction of the graph.
+/// Objects still to be looked at in one direction of the graph, linked through them: the two directions never have one
+/// in common.
 struct Frontier {
-    ZArrayT<ZObject*> waiting;
+    ZObject* waiting = nullptr;
     uint mark;
 
-    bool add(ZObject* object) {
-        uint& visited = ObjectData::at(object).visited;
-        if (visited == mark) return true;
-        visited = mark;
-        return waiting.append(object);
+    void add(ZObject* object) {
+        ObjectData& data = ObjectData::at(object);
+        if (data.visited == mark) return;
+        data.visited = mark;
+        data.nextVisited = std::exchange(waiting, object);
     }
-    ZObject* take() {
-        ZObject* object = waiting.data()[waiting.count() - 1];
-        waiting.remove(waiting.count() - 1);
-        return object;
-    }
+    ZObject* take() { return std::exchange(waiting, ObjectData::at(waiting).nextVisited); }
 };
-
-enum class Reach { No, Yes, NoMemory };
 
 /// Whether one object is among another's delegates or theirs. Both ends are looked from in turn, so that the smaller
 /// side decides how long it takes.
-Reach reaches(ZObject* from, ZObject* to) {
-    if (from == to) return Reach::Yes;
-    if (ObjectData::at(from).delegates.isEmpty() || ObjectData::at(to).delegatedBy.isEmpty()) return Reach::No;
+bool reaches(ZObject* from, ZObject* to) {
+    if (from == to) return true;
+    if (ObjectData::at(from).delegates.isEmpty() || ObjectData::at(to).delegatedBy.isEmpty()) return false;
     graphWalks += 2;
-    Frontier down{{}, graphWalks - 1}, up{{}, graphWalks};
-    if (!down.add(from) || !up.add(to)) return Reach::NoMemory;
-    while (!down.waiting.isEmpty() && !up.waiting.isEmpty()) {
+    Frontier down{.mark = graphWalks - 1}, up{.mark = graphWalks};
+    down.add(from);
+    up.add(to);
+    while (down.waiting && up.waiting) {
         for (ZObject* below : std::as_const(ObjectData::at(down.take()).delegates)) {
-            if (below == to || ObjectData::at(below).visited == up.mark) return Reach::Yes;
-            if (!down.add(below)) return Reach::NoMemory;
+            if (ObjectData::at(below).visited == up.mark) return true;
+            down.add(below);
         }
         for (ZObject* above : std::as_const(ObjectData::at(up.take()).delegatedBy)) {
-            if (above == from || ObjectData::at(above).visited == down.mark) return Reach::Yes;
-            if (!up.add(above)) return Reach::NoMemory;
+            if (ObjectData::at(above).visited == down.mark) return true;
+            up.add(above);
         }
     }
-    return Reach::No;
+    return false;
 }
 
 bool isDelegate(const ObjectData& owner, const ObjectData& delegate) {
     return delegate.delegatedBy.count() < owner.delegates.count() ? delegate.delegatedBy.contains(owner.object)
                                                                   : owner.delegates.contains(delegate.object);
-}
-
-ZObject* findNamed(ObjectData& owner, const ZSelector& name) {
-    if (name.isEmpty()) return nullptr;
-    const ZArrayT<ZObject*>& delegates = owner.delegates;
-    if (delegates.count() >= indexFrom && !owner.delegateNames)
-        if ((owner.delegateNames = orv::NameIndex::make(delegates.count() * 2)))
-            for (ZObject* delegate : delegates) owner.delegateNames->add(delegate);
-    if (owner.delegateNames) return owner.delegateNames->find(name);
-    for (ZObject* delegate : delegates)
-        if (ObjectData::at(delegate).selector == name) return delegate;
-    return nullptr;
 }
 
 /// Takes an object out of a list whose order doesn't matter; from the front or the back, whichever is nearer.
@@ -103,14 +87,103 @@ void removeAnyOrder(ZArrayT<ZObject*>& list, const ZObject* object) {
 bool disconnect(ObjectData& owner, ZObject* delegate) {
     ObjectData& part = ObjectData::at(delegate);
     if (!isDelegate(owner, part)) return false;
-    orv::NameIndex::drop(owner.delegateNames);
     orv::ObjectWrite held(owner.object);
     owner.delegates.remove(uint(owner.delegates.indexOf(delegate)));
-    ++owner.delegatesChanged;
+    toolkit::addFetch(owner.delegatesChanged, 1u);
     if (owner.delegates.isEmpty()) owner.set(ObjectData::Delegates, false);
     if (counts(part.delegateType)) toolkit::store(owner.delegateCount, owner.delegateCount - 1);
     removeAnyOrder(part.delegatedBy, owner.object);
     return true;
+}
+
+/// Whether the index tells of the delegates as they are. Under the owner's lock.
+bool indexHolds(const ObjectData& owner) {
+    return owner.delegateNames && owner.delegateNames->changes == toolkit::loadAcquire(owner.delegatesChanged);
+}
+/// Puts in a retained delegate, under the owner's lock as well. Both lists have room.
+void connect(ObjectData& owner, ObjectData& part) {
+    const bool indexed = indexHolds(owner);
+    owner.delegates.append(part.object);
+    part.delegatedBy.append(owner.object);
+    const uint changes = toolkit::addFetch(owner.delegatesChanged, 1u);
+    if (indexed && owner.delegateNames->add(part.object)) owner.delegateNames->changes = changes;
+    if (counts(part.delegateType)) toolkit::store(owner.delegateCount, owner.delegateCount + 1);
+    owner.set(ObjectData::Delegates, true);
+    part.set(ObjectData::Delegated, true);
+}
+
+/// Puts a retained delegate in the place of another, whose reference is the caller's then.
+void replace(ObjectData& owner, uint at, ObjectData& part) {
+    ObjectData& before = ObjectData::at(owner.delegates.data()[at]);
+    const int more = int(counts(part.delegateType)) - int(counts(before.delegateType));
+    if (more) toolkit::store(owner.delegateCount, owner.delegateCount + more);
+    owner.delegates.set(at, part.object);
+    toolkit::addFetch(owner.delegatesChanged, 1u);
+    part.delegatedBy.append(owner.object);
+    part.set(ObjectData::Delegated, true);
+    removeAnyOrder(before.delegatedBy, owner.object);
+}
+
+/// Room for one more in a list, got with no lock held.
+
+class Room {
+public:
+    /// Gives the list room; false if there isn't enough here. The list that it had goes with this.
+    bool lend(ZArrayT<ZObject*>& list) {
+        wanted = list.count() + 1;
+        if (wanted <= list.capacity()) return true;
+        if (wanted > spare.capacity()) return false;
+        spare.append(list.data(), list.count());
+        std::swap(spare, list);
+        return true;
+    }
+    /// For the list that there wasn't enough for; false without memory.
+    bool make() {
+        spare.clear();
+        return spare.reserve(wanted + wanted / 2 + 4);
+    }
+
+private:
+    ZArrayT<ZObject*> spare;
+    uint wanted = 1;
+};
+
+// Names of delegates, under the owner's lock.
+
+ZObject* findNamed(const ObjectData& owner, uint key) {
+    if (!key) return nullptr;
+    if (indexHolds(owner)) return owner.delegateNames->find(key);
+    for (ZObject* delegate : owner.delegates)
+        if (ObjectData::at(delegate).selector.key() == key) return delegate;
+    return nullptr;
+}
+/// Makes the index anew, where names are looked up by one and it doesn't hold. With no lock held. Without memory, and
+/// where delegates change meanwhile, the list will do.
+void freshIndex(const ZObject* object) {
+    ObjectData& owner = ObjectData::at(object);
+    uint count;
+    {
+        orv::ObjectRead held(owner);
+        count = owner.delegates.count();
+        if (count < indexFrom || indexHolds(owner)) return;
+    }
+    orv::NameIndex* fresh = orv::NameIndex::make(count * 2);
+    if (!fresh) return;
+    if (orv::ObjectWrite held(object); held) {
+        fresh->changes = toolkit::loadAcquire(owner.delegatesChanged);
+        bool whole = true;
+        for (ZObject* delegate : std::as_const(owner.delegates)) whole = whole && fresh->add(delegate);
+        if (whole) std::swap(owner.delegateNames, fresh);
+    }
+    orv::NameIndex::drop(fresh);
+}
+/// Retained while it is in the list.
+ZRetainPtrT<ZObject> namedDelegate(const ZObject* object, const ZSelector& name) {
+    if (!object->hasDelegate()) return {};
+    freshIndex(object);
+    ObjectData& owner = ObjectData::at(object);
+    orv::ObjectRead held(owner);
+    return ZRetainPtrT<ZObject>::adopt(::retain(findNamed(owner, name.key())));
 }
 
 } // namespace
@@ -141,13 +214,29 @@ void delegateTypeChanged(ZObject* object, uint type) {
     }
 }
 
-void rename(ZObject* object, const ZSelector& name) {
+void nameChanged(ZObject* object) {
     if (ZObject* parent = object->getParent()) NameIndex::drop(ObjectData::at(parent).childNames);
-    // Owners look for names on any thread.
     ZScopedLock graph(graphLock);
-    ObjectData::at(object).selector = name;
     for (ZObject* owner : std::as_const(ObjectData::at(object).delegatedBy))
-        NameIndex::drop(ObjectData::at(owner).delegateNames);
+        toolkit::addFetch(ObjectData::at(owner).delegatesChanged, 1u);
+}
+
+bool holdDelegates(const ZObject* object, ZArrayT<ZRetainPtrT<ZObject>>& delegates) {
+    ObjectData* data = ObjectData::of(object);
+    if (!data || !data->has(ObjectData::Delegates)) return true;
+    for (;;) {
+        uint wanted;
+        {
+            ObjectRead held(*data);
+            wanted = data->delegates.count();
+            if (wanted <= delegates.capacity()) {
+                for (ZObject* delegate : std::as_const(data->delegates))
+                    if (::retain(delegate)) delegates.append(ZRetainPtrT<ZObject>::adopt(delegate));
+                return true;
+            }
+        }
+        if (!delegates.reserve(wanted)) return false;
+    }
 }
 
 void dropDelegates(ZObject* object) {
@@ -184,10 +273,11 @@ ZListT<ZObject*> ZObject::getDelegates() const {
     return list;
 }
 bool ZObject::getExtend(ZArrayT<ZObject*>& delegates) const {
-    ZArrayT<ZObject*> all, found;
-    if (!getDelegates(all)) return false;
-    for (ZObject* delegate : std::as_const(all))
-        if ((delegate->delegateType() & Extension) && !found.append(delegate)) return false;
+    ZArrayT<ZRetainPtrT<ZObject>> all;
+    ZArrayT<ZObject*> found;
+    if (!orv::holdDelegates(this, all)) return false;
+    for (const auto& delegate : std::as_const(all))
+        if ((delegate->delegateType() & Extension) && !found.append(delegate.get())) return false;
     std::swap(delegates, found);
     return true;
 }
@@ -205,40 +295,38 @@ bool ZObject::hasDelegate(const ZObject* object) const {
     return isDelegate(*priv, *object->priv);
 }
 bool ZObject::hasDelegate(const ZSelector& name) const { return findDelegate(name) != nullptr; }
-ZObject* ZObject::findDelegate(const ZSelector& name) const {
-    if (!hasDelegate()) return nullptr;
-    ZScopedLock graph(graphLock);
-    return findNamed(*priv, name);
-}
+ZObject* ZObject::findDelegate(const ZSelector& name) const { return namedDelegate(this, name).get(); }
 
 // Adding and removing
 
 bool ZObject::addDelegate(ZObject* object, bool bind) {
     if (!object || !priv || !object->priv) return false;
     ObjectData& part = *object->priv;
+    Room room, ownerRoom;
     bool known = false;
     uint type = None;
-    {
-        ZScopedLock graph(graphLock);
-        type = part.delegateType;
-        known = isDelegate(*priv, part);
-        if (!known) {
-            if (findNamed(*priv, part.selector) || reaches(object, this) != Reach::No) return false;
-            orv::ObjectWrite held(this);
-            if (!held || !part.delegatedBy.append(this)) return false;
-            const bool listed = priv->delegates.append(object);
-            // One that is on its way out can't be held.
-            if (!listed || !::retain(object)) {
-                if (listed) priv->delegates.remove(priv->delegates.count() - 1);
-                part.delegatedBy.remove(part.delegatedBy.count() - 1);
-                return false;
+    // The lock is made here, if it isn't there yet.
+    if (orv::ObjectWrite ready(this); !ready) return false;
+    for (bool added = false; !added && !known;) {
+        freshIndex(this);
+        bool roomy = true;
+        {
+            ZScopedLock graph(graphLock);
+            type = part.delegateType;
+            known = isDelegate(*priv, part);
+            roomy = known || ownerRoom.lend(part.delegatedBy);
+            if (!known && roomy) {
+                if (reaches(object, this)) return false;
+                orv::ObjectWrite held(this);
+                if (findNamed(*priv, part.selector.key())) return false;
+                roomy = room.lend(priv->delegates);
+                // One that is on its way out can't be held.
+                if (roomy && !::retain(object)) return false;
+                if (roomy) connect(*priv, part);
+                added = roomy;
             }
-            ++priv->delegatesChanged;
-            if (counts(type)) toolkit::store(priv->delegateCount, priv->delegateCount + 1);
-            if (priv->delegateNames && !priv->delegateNames->add(object)) orv::NameIndex::drop(priv->delegateNames);
-            priv->set(ObjectData::Delegates, true);
-            part.set(ObjectData::Delegated, true);
         }
+        if (!roomy && !(room.make() && ownerRoom.make())) return false;
     }
     if (!known) {
         resetMethods();
@@ -268,52 +356,41 @@ bool ZObject::removeDelegate(ZObject* object) {
 }
 bool ZObject::removeDelegate(const ZSelector& name) {
     if (!hasDelegate()) return false;
-    ZObject* object = nullptr;
-    {
-        ZScopedLock graph(graphLock);
-        object = findNamed(*priv, name);
-        if (!object || !disconnect(*priv, object)) return false;
-    }
-    letGo(this, object);
-    return true;
+    const ZRetainPtrT<ZObject> found = namedDelegate(this, name);
+    return found.get() && removeDelegate(found.get());
 }
 
 bool ZObject::detachDelegates() {
-    ZArrayT<ZObject*> all;
-    if (!getDelegates(all)) return false;
+    ZArrayT<ZRetainPtrT<ZObject>> all;
+    if (!orv::holdDelegates(this, all)) return false;
     uint done = 0;
-    for (ZObject* delegate : std::as_const(all)) {
-        // One that is a child here is held twice.
-        if (delegate->refcount() <= 1 + int(delegate->parent == this)) {
+    for (const auto& held : std::as_const(all)) {
+        ZObject* delegate = held.get();
+        // The list has a reference, this has one, and one that is a child here is held once more.
+        if (delegate->refcount() <= 2 + int(delegate->parent == this)) {
             ++done;
             continue;
         }
-        auto copied = static_cast<ZObject*>(delegate->copy());
-        if (!copied) break;
-        bool enough = true, replaced = false;
+        Room room;
+        const auto copied = ZRetainPtrT<ZObject>::adopt(static_cast<ZObject*>(delegate->copy()));
+        if (!copied.get() || !room.make()) break;
+        bool replaced = false, gone = false;
         {
             ZScopedLock graph(graphLock);
-            orv::ObjectWrite held(this);
+            orv::ObjectWrite write(this);
             const int at = priv->delegates.indexOf(delegate);
-            // It may have gone meanwhile.
-            if (at >= 0) enough = replaced = held && copied->priv->delegatedBy.append(this);
-            if (replaced) {
-                const int more = int(counts(copied->priv->delegateType)) - int(counts(delegate->priv->delegateType));
-                if (more) toolkit::store(priv->delegateCount, priv->delegateCount + more);
-                priv->delegates.set(uint(at), copied);
-                ++priv->delegatesChanged;
-                orv::NameIndex::drop(priv->delegateNames);
-                copied->priv->set(ObjectData::Delegated, true);
-                removeAnyOrder(delegate->priv->delegatedBy, this);
-            }
+            gone = at < 0;
+            replaced = !gone && write && room.lend(copied->priv->delegatedBy) && ::retain(copied.get());
+            if (replaced) replace(*priv, uint(at), *copied->priv);
         }
-        if (replaced && (copied->delegateType() & Child) && delegate->parent == this) {
+        if (!replaced && !gone) break;
+        ++done;
+        if (!replaced) continue;
+        if ((copied->delegateType() & Child) && delegate->parent == this) {
             copied->setParent(this);
             delegate->setParent(nullptr);
         }
-        (replaced ? delegate : copied)->release();
-        if (!enough) break;
-        ++done;
+        delegate->release();
     }
     resetMethods();
     return done == all.count();
@@ -380,21 +457,24 @@ bool ZObject::removeExtendType(ZMetaType* type) {
 
 namespace {
 /// Only a bag of values: a name like any other may stand for something else.
-ZVariantDelegate* propertyBag(const ZObject* object) {
-    return dynamic_cast<ZVariantDelegate*>(object->findDelegate(zsel<"property">()));
+ZRetainPtrT<ZVariantDelegate> propertyBag(const ZObject* object) {
+    ZRetainPtrT<ZObject> found = namedDelegate(object, zsel<"property">());
+    auto bag = dynamic_cast<ZVariantDelegate*>(found.get());
+    if (bag) (void)found.give();
+    return ZRetainPtrT<ZVariantDelegate>::adopt(bag);
 }
 } // namespace
 
 bool ZObject::hasPropDelegate(const ZSelector& name) const {
-    const ZVariantDelegate* bag = propertyBag(this);
-    return bag && bag->hasPropDelegate(name);
+    const auto bag = propertyBag(this);
+    return bag.get() && bag->hasPropDelegate(name);
 }
 ZVariant ZObject::getPropDelegate(const ZSelector& name) const {
-    const ZVariantDelegate* bag = propertyBag(this);
-    return bag ? bag->getPropDelegate(name) : ZVariant();
+    const auto bag = propertyBag(this);
+    return bag.get() ? bag->getPropDelegate(name) : ZVariant();
 }
 bool ZObject::setPropDelegate(const ZSelector& name, const ZVariant& value) {
-    if (ZVariantDelegate* bag = propertyBag(this)) return bag->setPropDelegate(name, value);
+    if (const auto bag = propertyBag(this); bag.get()) return bag->setPropDelegate(name, value);
     auto bag = zmake<ZVariantDelegate>();
     if (!bag) return false;
     bag->setSelector(zsel<"property">());
@@ -404,6 +484,6 @@ bool ZObject::setPropDelegate(const ZSelector& name, const ZVariant& value) {
     return done;
 }
 bool ZObject::removePropDelegate(const ZSelector& name) {
-    ZVariantDelegate* bag = propertyBag(this);
-    return bag && bag->removePropDelegate(name);
+    const auto bag = propertyBag(this);
+    return bag.get() && bag->removePropDelegate(name);
 }

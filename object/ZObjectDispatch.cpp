@@ -1,6 +1,7 @@
 #include "core/ZRetainPtrT.h"
 #include "core/construct.h"
 #include "object/DelegateWalk.h"
+#include "object/HeldTarget.h"
 #include "object/ZMetaType.h"
 #include "object/ZMethodCall.h"
 #include "object/ZObject.h"
@@ -8,11 +9,11 @@
 #include "object/dispatchEntries.h"
 #include "object/methodLookup.h"
 #include "object/names.h"
-#include "value/ZTypedPtr.h"
 #include "value/ZVariant.h"
 
 // Signals: entries that tie a name to methods, and the walk that a signal takes.
 
+using orv::HeldTarget;
 using orv::ObjectData;
 using DispatchTable = ZObject::DispatchTable;
 using Arguments = ZArrayT<ZVariant>;
@@ -39,14 +40,15 @@ bool answersAsItsType(const ZObject* object) {
 }
 
 bool callEntry(const ZMethodDispatch& entry, ZObject* object, const Arguments& arguments, bool asArray, bool ownEntry) {
+    // A delegate may leave in its own handler.
+    HeldTarget held{ZTypedPtr(object)};
     toolkit::EpochGuard guard;
     ZMethodRef target;
     if (ownEntry || entry.isBound() || answersAsItsType(object)) {
-        target = entry.getMethod(object);
+        target = entry.getMethod(object, held.kept);
     } else {
-        ZTypedPtr typed(object);
-        ZMethod* found = object->method(&typed, entry.methodName(), entry.qualifier());
-        target.set(found, typed.instance, typed.type);
+        ZMethod* found = held.method(object, entry.methodName(), entry.qualifier());
+        target.set(found, held.typed.instance, held.typed.type);
     }
     ZMethod* method = target.getMethod();
     if (!method || (asArray && !takesArray(*method))) return false;
@@ -169,15 +171,23 @@ bool ZObject::dispatchArgs(const ZSelector& name, const ZArrayT<ZVariant>& argum
 // The table
 
 void ZObject::useDispatch() {
-    if (priv) priv->set(ObjectData::DispatchUsed, true);
+    if (!priv) return;
+    toolkit::addFetch(priv->methodChanges, 1u);
+    priv->set(ObjectData::DispatchUsed, true);
 }
+/// Entries know by themselves what doesn't hold any more; here they let it go, with no lock held.
 void ZObject::cleanDispatch() {
     if (!priv || !priv->has(ObjectData::DispatchUsed)) return;
-    if (!priv->has(ObjectData::Dispatch)) return priv->set(ObjectData::DispatchUsed, false);
-    orv::ObjectWrite held(this);
-    if (!priv->has(ObjectData::DispatchUsed)) return;
-    priv->set(ObjectData::DispatchUsed, false);
-    for (const ZMethodDispatch& entry : priv->dispatch) entry.reset();
+    DispatchTable used;
+    if (priv->has(ObjectData::Dispatch)) {
+        orv::ObjectWrite held(this);
+        if (!held || !priv->has(ObjectData::DispatchUsed)) return;
+        used = priv->dispatch;
+        priv->set(ObjectData::DispatchUsed, false);
+    } else {
+        priv->set(ObjectData::DispatchUsed, false);
+    }
+    for (const ZMethodDispatch& entry : used) entry.reset();
 }
 
 bool ZObject::hasDispatch() const { return priv && priv->has(ObjectData::Dispatch); }
@@ -206,8 +216,10 @@ bool ZObject::addDispatch(const ZMethodDispatch& dispatch) {
     }
     ZMethodDispatch* entry = ZMethodDispatch::create(dispatch);
     if (!entry) return false;
+    DispatchTable before; // ends when the lock is free
     {
         orv::ObjectWrite held(this);
+        if (held && !priv->dispatch.isDetached()) before = priv->dispatch;
         if (held && priv->dispatch.add(entry)) {
             priv->set(ObjectData::Dispatch, true);
             entry = nullptr;
@@ -294,8 +306,8 @@ ZVariant ZObject::invokeName(const ZSelector& name) {
     const ZRetainPtrT<ZObject> target(resolveFieldName(name, field));
     if (!target.get() || field.isEmpty()) return {};
     if (field.type() != ZSelector::Method && target->callDispatch(field)) return ZVariant(true);
+    HeldTarget held{ZTypedPtr(target.get())};
     toolkit::EpochGuard guard;
-    ZTypedPtr typed(target.get());
-    ZMethod* found = target->method(&typed, field, {});
-    return found ? orv::callFound(found, typed.instance, typed.type, nullptr, 0) : ZVariant();
+    ZMethod* found = held.method(target.get(), field, {});
+    return found ? orv::callFound(found, held.typed.instance, held.typed.type, nullptr, 0) : ZVariant();
 }

@@ -1,11 +1,11 @@
 #include "core/ZHashSetT.h"
 #include "object/DelegateWalk.h"
+#include "object/HeldTarget.h"
 #include "object/ZInlineMethod.h"
 #include "object/ZMetaType.h"
 #include "object/ZObject.h"
 #include "object/ZObjectData.h"
 #include "object/methodLookup.h"
-#include "value/ZTypedPtr.h"
 #include "value/ZVariant.h"
 
 // The methods of an object: its own table, what extensions bring, and lookups through type and delegates.
@@ -52,35 +52,24 @@ bool addAll(MethodTable& to, const MethodTable& from) {
     return true;
 }
 
-/// The methods of all delegates with `Extension` that were written for instances such as this one. Under its lock.
-bool buildExtension(ObjectData& data, MethodTable& fresh) {
+/// The methods of all delegates with `Extension` that were written for instances such as this one. Under its lock;
+/// `shares` keeps what they have now until the lock is free.
+bool buildExtension(ObjectData& data, MethodTable& fresh, ZArrayT<MethodTable>& shares) {
     const ZMetaType* type = data.object->type();
     for (ZObject* delegate : std::as_const(data.delegates)) {
         if (!(toolkit::load(ObjectData::at(delegate).delegateType) & ZObject::Extension)) continue;
         const ZMetaType* other = delegate->type();
         if (other && !(type && type->typeOf(other))) continue;
         // Delegates have no cycles, so neither have their locks.
-        if (!addAll(fresh, ownMethods(delegate))) return false;
+        if (!shares.append(ownMethods(delegate)) || !addAll(fresh, *(shares.end() - 1))) return false;
     }
     std::swap(data.extMethods, fresh);
     data.set(ObjectData::ExtMethods, !data.extMethods.isEmpty());
     return true;
 }
-bool freshExtension(const ZObject* object) {
-    ObjectData& data = ObjectData::at(object);
-    if (!data.has(ObjectData::ExtStale)) return true;
-    MethodTable fresh; // the old one goes when the lock is free
-    orv::ObjectWrite held(object);
-    if (!held) return false;
-    if (!data.has(ObjectData::ExtStale)) return true;
-    data.set(ObjectData::ExtStale, false);
-    if (buildExtension(data, fresh)) return true;
-    data.set(ObjectData::ExtStale, true);
-    return false;
-}
 MethodTable extension(const ZObject* object) {
     ObjectData* data = ObjectData::of(object);
-    if (!data || !data->has(ObjectData::ExtStale | ObjectData::ExtMethods) || !freshExtension(object)) return {};
+    if (!data || !data->has(ObjectData::ExtStale | ObjectData::ExtMethods) || !orv::freshExtension(object)) return {};
     return data->has(ObjectData::ExtMethods) ? share(*data, &ObjectData::extMethods) : MethodTable();
 }
 
@@ -100,11 +89,14 @@ ZVariant followPath(const ZObject* object, const ZSelector& selector, ZSelector&
     return object->getProperty(path.extract(0, parts - 1));
 }
 
-/// Where a method that was found by a path is called: on an instance that others hold too, since the value goes.
-bool aimAt(const ZVariant& value, ZTypedPtr found, ZTypedPtr* typed) {
+/// Where a method that was found by a path is called: on an instance that others hold too, since the value goes. Who is
+/// looking keeps it, if only that of a delegate of the value isn't kept already.
+bool aimAt(const ZVariant& value, const orv::HeldTarget& found, ZTypedPtr* typed) {
     if (!typed) return true;
     if (!value.isZType() || value.referenceCount() < 2) return false;
-    *typed = found.instance ? found : ZTypedPtr(value);
+    *typed = found.typed.instance ? found.typed : ZTypedPtr(value);
+    if (orv::HeldTarget* target = orv::HeldTarget::lookingFor(typed))
+        target->keep(found.kept.get() ? found.kept.get() : value.toType());
     return true;
 }
 
@@ -112,6 +104,25 @@ constexpr orv::DelegateWalk::Plan methodPlan = {
     ZObject::Extension | ZObject::Priority, {ZObject::Binder | ZObject::Dispatch, 0}, false};
 
 } // namespace
+
+namespace orv {
+
+bool freshExtension(const ZObject* object) {
+    ObjectData& data = ObjectData::at(object);
+    if (!data.has(ObjectData::ExtStale)) return true;
+    // What goes does so when the lock is free.
+    ZObject::MethodTable fresh;
+    ZArrayT<ZObject::MethodTable> shares;
+    ObjectWrite held(object);
+    if (!held) return false;
+    if (!data.has(ObjectData::ExtStale)) return true;
+    data.set(ObjectData::ExtStale, false);
+    if (buildExtension(data, fresh, shares)) return true;
+    data.set(ObjectData::ExtStale, true);
+    return false;
+}
+
+} // namespace orv
 
 // What the object has itself
 
@@ -184,7 +195,7 @@ bool ZObject::hasLocalMethod(const ZSelector& selector, const ZSelector& qualifi
 bool ZObject::calcMultiMethods() const {
     if (!priv) return false;
     if (!priv->has(ObjectData::MultiStale)) return true;
-    if (!freshExtension(this)) return false;
+    if (!orv::freshExtension(this)) return false;
     MultiMethodTable fresh; // the old one goes when the lock is free
     orv::ObjectWrite held(this);
     if (!held) return false;
@@ -251,8 +262,9 @@ ZMethod* ZObject::method(ZTypedPtr* typed, const ZSelector& selector, const ZSel
         ZSelector last;
         const ZVariant value = followPath(this, selector, last);
         if (!value.isNull()) {
-            ZTypedPtr at;
-            ZMethod* found = value.method(&at, last, qualifier);
+            orv::HeldTarget at;
+            orv::HeldTarget::Lookup looking(at);
+            ZMethod* found = value.method(&at.typed, last, qualifier);
             return found && aimAt(value, at, typed) ? found : nullptr;
         }
     }
@@ -272,7 +284,10 @@ ZMethod* ZObject::method(ZTypedPtr* typed, const ZSelector& selector, const ZSel
             continue;
         }
         orv::WalkTurn turn(object, orv::WalkTurn::Method, selector);
-        if (ZMethod* found = object->method(typed, selector, qualifier)) return found;
+        if (ZMethod* found = object->method(typed, selector, qualifier)) {
+            if (orv::HeldTarget* target = orv::HeldTarget::lookingFor(typed)) target->keep(object);
+            return found;
+        }
         if (!turn.taken()) walk.skipRest();
     }
     return nullptr;
@@ -296,18 +311,23 @@ ZMethod* ZObject::multimethod(int* distance, ZTypedPtr* typed, const ZSelector& 
         ZSelector last;
         const ZVariant value = followPath(this, name, last);
         if (!value.isNull()) {
-            ZTypedPtr at;
-            best = value.multimethod(&bestDistance, &at, last, types, implicit, skipResult, exactCount, qualifier);
+            orv::HeldTarget at;
+            orv::HeldTarget::Lookup looking(at);
+            best =
+                value.multimethod(&bestDistance, &at.typed, last, types, implicit, skipResult, exactCount, qualifier);
             if (best && !aimAt(value, at, typed)) best = nullptr;
             if (distance) *distance = best ? bestDistance : -1;
             return best;
         }
     }
+    ZRetainPtrT<ZType> elsewhere; // whose method the best one is, if it isn't this object's
     auto keep = [&](ZMethod* found, int far, const ZTypedPtr& at) {
-        if (!found || (best && far >= bestDistance)) return;
+        if (!found || (best && far >= bestDistance)) return false;
         best = found;
         bestDistance = far;
         if (typed) *typed = at;
+        elsewhere = {};
+        return true;
     };
     auto ask = [&](const ZObject* object) {
         int far = -1;
@@ -329,11 +349,17 @@ ZMethod* ZObject::multimethod(int* distance, ZTypedPtr* typed, const ZSelector& 
             }
             orv::WalkTurn turn(object, orv::WalkTurn::Multimethod, name);
             int far = -1;
-            ZTypedPtr at(object->metaType, object);
-            keep(object->multimethod(&far, &at, name, types, implicit, skipResult, exactCount, qualifier), far, at);
+            orv::HeldTarget at(ZTypedPtr(object->metaType, object));
+            if (keep(at.multimethod(&far, object, name, types, implicit, skipResult, exactCount, qualifier), far,
+                     at.typed)) {
+                at.keep(object);
+                elsewhere = std::move(at.kept);
+            }
             if (!turn.taken()) walk.skipRest();
         }
     }
+    if (elsewhere.get())
+        if (orv::HeldTarget* target = orv::HeldTarget::lookingFor(typed)) target->keep(elsewhere.get());
     if (distance) *distance = bestDistance;
     return best;
 }
@@ -368,10 +394,14 @@ bool ZObject::implements(const ZMethod* method) const {
 bool ZObject::setMethod(const ZMethodPtr& method) { return setMethod(method.get(), true); }
 bool ZObject::setMethod(ZMethod* method, bool replace) {
     if (!method || !method->isValid() || !priv) return false;
-    ZMethodRef gone; // when the lock is free
+    // What goes does so when the lock is free.
+    ZMethodRef gone;
+    MethodTable before;
     {
         orv::ObjectWrite held(this);
-        if (!held || !priv->methods.detach()) return false;
+        if (!held) return false;
+        if (!priv->methods.isDetached()) before = priv->methods;
+        if (!priv->methods.detach()) return false;
         const ZMethodPtr* old = exact(priv->methods, method);
         if (old && old->get() == method) return true;
         if (old && !replace) return false;

@@ -32,17 +32,20 @@ void leaveTable(NameTable& table, const ZSelector& name, const ZObject* object) 
 }
 bool enter(ZObject* object, ObjectData::Bits bit) {
     ObjectData& data = ObjectData::at(object);
-    if (data.selector.isEmpty()) return false;
+    ZSelector name;
     ZScopedLock held(tablesLock);
-    if (!tables && !(tables = zmake<NameTables>())) return false;
-    if (!tableOf(bit).set(data.selector, object)) return false;
+    name = data.selector.get();
+    if (name.isEmpty() || (!tables && !(tables = zmake<NameTables>()))) return false;
+    if (!tableOf(bit).set(name, object)) return false;
     data.set(bit, true);
     return true;
 }
 void leave(ZObject* object, ObjectData::Bits bit) {
     ObjectData& data = ObjectData::at(object);
+    ZSelector name;
     ZScopedLock held(tablesLock);
-    if (tables) leaveTable(tableOf(bit), data.selector, object);
+    name = data.selector.get();
+    if (tables) leaveTable(tableOf(bit), name, object);
     data.set(bit, false);
 }
 ZObject* entered(const ZSelector& name, ObjectData::Bits bit) {
@@ -50,13 +53,12 @@ ZObject* entered(const ZSelector& name, ObjectData::Bits bit) {
     ZObject* const* found = tables ? std::as_const(tableOf(bit)).get(name) : nullptr;
     return found ? *found : nullptr;
 }
-void move(ZObject* object, const ZSelector& name, ObjectData::Bits bit) {
+/// Under the lock.
+void move(ZObject* object, const ZSelector& from, const ZSelector& name, ObjectData::Bits bit) {
     ObjectData& data = ObjectData::at(object);
-    if (!data.has(bit)) return;
-    ZScopedLock held(tablesLock);
-    if (!tables) return;
+    if (!tables || !data.has(bit)) return;
     NameTable& table = tableOf(bit);
-    leaveTable(table, data.selector, object);
+    leaveTable(table, from, object);
     if (name.isEmpty() || !table.set(name, object)) data.set(bit, false);
 }
 
@@ -131,9 +133,15 @@ ZObject* heldObject(const ZType* owner, const ZSelector& name) {
 
 void forgetPublished(ZObject* object) { leave(object, ObjectData::Published); }
 void forgetPropertyDelegate(ZObject* object) { leave(object, ObjectData::PropertyDelegate); }
-void renamePublished(ZObject* object, const ZSelector& name) {
-    move(object, name, ObjectData::Published);
-    move(object, name, ObjectData::PropertyDelegate);
+bool rename(ZObject* object, const ZSelector& name) {
+    ZSelector from;
+    SharedName::Former former;
+    // Names change under the lock of the tables, which would else keep one that nobody finds again.
+    ZScopedLock held(tablesLock);
+    from = ObjectData::at(object).selector.get();
+    if (!ObjectData::at(object).selector.set(name, former)) return false;
+    for (const auto bit : {ObjectData::Published, ObjectData::PropertyDelegate}) move(object, from, name, bit);
+    return true;
 }
 
 } // namespace orv

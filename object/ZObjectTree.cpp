@@ -13,7 +13,7 @@ namespace {
 constexpr uint indexFrom = 16;
 
 bool matches(const ZObject* object, const ZMetaType* type, const ZSelector& name) {
-    if (!name.isEmpty() && ObjectData::at(object).selector != name) return false;
+    if (!name.isEmpty() && !ObjectData::at(object).selector.is(name)) return false;
     if (!type) return true;
     const ZMetaType* own = object->type();
     return own && (own == type || own->isSameType(type) || own->isBase(type));
@@ -54,7 +54,7 @@ int depthOf(const ZObject* object) {
 ZObject* ZObject::getFirst(const ZMetaType* type, const ZSelector& name) const {
     if (name.isEmpty() || !priv || priv->childCount < indexFrom) return firstMatch(firstChild, type, name);
     orv::NameIndex* index = childIndex(this);
-    return firstMatch(index ? index->find(name) : firstChild, type, name);
+    return firstMatch(index ? index->find(name.key()) : firstChild, type, name);
 }
 ZObject* ZObject::getFirst(const ZMetaType* type) const { return getFirst(type, {}); }
 ZObject* ZObject::getFirst(const ZSelector& name) const { return getFirst(nullptr, name); }
@@ -135,7 +135,7 @@ void ZObject::link(ZObject* to, ZObject* before) {
 void ZObject::unlink() {
     if (!parent) return;
     ObjectData& above = *parent->priv;
-    if (above.childNames && !priv->selector.isEmpty() && above.childNames->find(priv->selector) == this)
+    if (above.childNames && above.childNames->find(priv->selector.key()) == this)
         orv::NameIndex::drop(above.childNames);
     (prevSibling ? prevSibling->nextSibling : parent->firstChild) = nextSibling;
     (nextSibling ? nextSibling->prevSibling : parent->lastChild) = prevSibling;

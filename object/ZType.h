@@ -227,7 +227,13 @@ public:
     virtual void resetCategories();
     virtual ZTypeCategory* getCategory(const ZSelector& name) const;
     /// Calls the overload of `name`, or the method of that signature, that fits the arguments best. The null variant if
-    /// there is none, or if an argument can't be converted.
+    /// there is none, or if an argument can't be converted. No lock is held meanwhile. A delegate whose method it is
+    /// stays alive until the method has ended, though it be let go; the instance itself is the caller's to keep.
+    ///
+    /// Here and in all calls by selector, the method runs within an epoch guard of this thread, as it may be replaced
+    /// meanwhile: what any thread retires (old tables, methods, names) isn't freed until the call ends. So a method
+    /// that waits, for another thread, for input, or in a loop of its own, lets that pile up, and should be started
+    /// otherwise.
     virtual ZVariant invoke(const ZSelector& name, const ZArrayT<ZVariant>& arguments) const;
     virtual ZVariant invoke(const ZSelector& name, const ZVArray& arguments) const;
     /// `gauge->invoke("add", {1, 2})`, `gauge->invoke("reset", {})`.
@@ -251,7 +257,8 @@ public:
     virtual const DynamicProperties& getDynamicProperties() const { return dynamicProperties; }
     virtual DynamicProperties& getDynamicProperties() { return dynamicProperties; }
     virtual bool dynamicPropertyNames(ZArrayT<ZSelector>& names) const;
-    /// Calls `visit` for each property, dynamic ones first; ends at the first false.
+    /// Calls `visit` for each property, dynamic ones first; ends at the first false. Visits of declared ones run within
+    /// an epoch guard, as called methods do, and shouldn't wait; those of `updateProperties` may.
     virtual bool enumerateProperties(orv::PropertyVisit visit, void* context) const;
     /// Calls `update` for the value of each property that passes `filter` (null: all), with `recursive` also inside of
     /// values, with `detached` on private copies that replace the old values when `update` answers true. True if

@@ -1,9 +1,9 @@
+#include "object/HeldTarget.h"
 #include "object/ZMetaType.h"
 #include "object/ZMethodRef.h"
 #include "object/ZObjectData.h"
 #include "object/methodArguments.h"
 #include "object/methodLookup.h"
-#include "value/ZTypedPtr.h"
 #include "value/ZVArray.h"
 #include "value/ZVariant.h"
 
@@ -99,18 +99,20 @@ ZVariant callHit(const MethodHit& hit, const void* instance, const ZVariant* arg
 
 ZVariant ZType::invoke(const ZSelector& name, const ZArrayT<ZVariant>& arguments) const {
     const int count = int(arguments.count());
-    toolkit::EpochGuard guard;
-    if (hasTypeMethodsOnly(this))
+    if (hasTypeMethodsOnly(this)) {
+        toolkit::EpochGuard guard;
         if (const MethodHit hit = findForCall(metaType, name, arguments.data(), count);
             ORV_LIKELY(hit.method != nullptr))
             return callHit(hit, this, arguments.data(), count);
+    }
     ZArrayT<ZMetaType*> types;
     if (!types.setCount(uint(count) + 1)) return {};
     for (int i = 0; i < count; ++i) types.set(uint(i) + 1, arguments.data()[i].type());
     // An object looks among its own methods and those of its delegates, and follows paths.
-    ZTypedPtr typed(metaType, this);
-    const ZMethod* found = multimethod(nullptr, &typed, name, types, true, true, false, {});
-    if (found) return callFound(found, typed.instance, typed.type, arguments.data(), count);
+    HeldTarget target(ZTypedPtr(metaType, this));
+    toolkit::EpochGuard guard;
+    if (const ZMethod* found = target.multimethod(nullptr, this, name, types, true, true, false, {}))
+        return callFound(found, target.typed.instance, target.typed.type, arguments.data(), count);
     logFailedCall(metaType, name, arguments.data(), count);
     return {};
 }
@@ -124,25 +126,27 @@ ZVariant ZType::invoke(const ZSelector& name, std::initializer_list<ZVariant> ar
 }
 bool ZType::callV(const ZSelector& name) const { return callV(name, {}); }
 bool ZType::callV(const ZSelector& name, const ZSelector& qualifier) const {
-    toolkit::EpochGuard guard;
-    ZTypedPtr typed(metaType, this);
-    const ZMetaType* types[] = {nullptr};
-    MethodHit hit;
+    if (hasTypeMethodsOnly(this)) {
+        toolkit::EpochGuard guard;
+        const ZMetaType* types[] = {nullptr};
+        const MethodHit hit = lookUpOverload(metaType, name, types, 1, LookImplicit | LookSkipResult, qualifier, false);
+        if (ORV_LIKELY(hit.method != nullptr)) {
+            callHit(hit, this, nullptr, 0);
+            return true;
+        }
+    }
     if (isObject()) {
         ZArrayT<ZMetaType*> none;
         if (!none.append(nullptr)) return false;
-        hit.method = multimethod(nullptr, &typed, name, none, true, true, false, qualifier);
-    } else {
-        hit = lookUpOverload(metaType, name, types, 1, LookImplicit | LookSkipResult, qualifier, false);
-        typed.instance = static_cast<char*>(typed.instance) + hit.offset;
-        typed.type = hit.type;
+        HeldTarget target(ZTypedPtr(metaType, this));
+        toolkit::EpochGuard guard;
+        if (const ZMethod* found = target.multimethod(nullptr, this, name, none, true, true, false, qualifier)) {
+            callFound(found, target.typed.instance, target.typed.type, nullptr, 0);
+            return true;
+        }
     }
-    if (!hit.method) {
-        logFailedCall(metaType, name, nullptr, 0);
-        return false;
-    }
-    callFound(hit.method, typed.instance, typed.type, nullptr, 0);
-    return true;
+    logFailedCall(metaType, name, nullptr, 0);
+    return false;
 }
 
 namespace orv {

@@ -1,6 +1,7 @@
 #include "value/ZTypedPtr.h"
 
 #include "core/ZArrayT.h"
+#include "object/HeldTarget.h"
 #include "object/ZMetaType.h"
 #include "object/ZMethod.h"
 #include "object/ZMethodRef.h"
@@ -60,7 +61,10 @@ template <class F> auto onPath(const ZTypedPtr& at, const ZSelector& selector, F
 template <class F> ZMethod* methodOnPath(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& selector, F&& find) {
     if (typed && typed->instance) return nullptr;
     return onPath(at, selector, [&](const plain::PathEnd& end, const ZSelector& rest) -> ZMethod* {
-        return typed && !end.holder.isZType() ? nullptr : find(end.at, rest);
+        if (typed && !end.holder.isZType()) return nullptr;
+        ZMethod* found = find(end.at, rest);
+        if (HeldTarget* target = found ? HeldTarget::lookingFor(typed) : nullptr) target->keep(end.holder.toType());
+        return found;
     });
 }
 
@@ -160,10 +164,12 @@ ZVariant ZTypedPtr::invoke(const ZSelector& name, std::initializer_list<ZVariant
 bool ZTypedPtr::callV(const ZSelector& name) const { return callV(name, {}); }
 bool ZTypedPtr::callV(const ZSelector& name, const ZSelector& qualifier) const {
     if (!type) return false;
-    ZTypedPtr place;
+    HeldTarget target;
+    ZTypedPtr& place = target.typed;
     ZMethodRef ref;
     {
         toolkit::EpochGuard guard;
+        HeldTarget::Lookup looking(target);
         ZMethod* found = nullptr;
         if (name.type() == ZSelector::Method)
             found = method(&place, name.method(), qualifier.isEmpty() ? name.methodQualifier() : qualifier);

@@ -1,5 +1,6 @@
 #include "core/ZArrayT.h"
 #include "core/ZError.h"
+#include "object/HeldTarget.h"
 #include "object/ZMetaType.h"
 #include "object/ZMethod.h"
 #include "object/kindValues.h"
@@ -127,12 +128,16 @@ bool ZVariant::matchValue(const ZVariant& other, real tolerance) const {
 
 /// Calls the type's own match method; false if it has none.
 bool ZVariant::callMatch(const ZVariant& other, real tolerance, bool& answer) const {
-    ZTypedPtr typed;
+    orv::HeldTarget target;
     toolkit::EpochGuard guard;
-    ZMethod* method = ZTypedPtr(*this).method(&typed, zsel<"matchValue">(), zsel<"const">());
+    const ZMethod* method;
+    {
+        orv::HeldTarget::Lookup looking(target);
+        method = ZTypedPtr(*this).method(&target.typed, zsel<"matchValue">(), zsel<"const">());
+    }
     if (!method) return false;
     const ZVariant arguments[] = {other, ZVariant(tolerance)};
-    answer = method->invoke(typed.instance, typed.type, arguments, 2).toBool();
+    answer = method->invoke(target.typed.instance, target.typed.type, arguments, 2).toBool();
     return true;
 }
 

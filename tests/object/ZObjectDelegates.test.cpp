@@ -1,6 +1,7 @@
 #include "object/ZMetaType.h"
 #include "object/ZMethodDispatch.h"
 #include "object/ZMethodPtr.h"
+#include "object/ZMethodRef.h"
 #include "object/ZObject.h"
 #include "tests/support/CoreScope.h"
 #include "toolkit/epoch.h"
@@ -68,6 +69,28 @@ TEST_F(ZObjectDelegates, OwnMethods) {
     EXPECT_TRUE(object->removeMethods("run"));
     EXPECT_FALSE(object->hasMethods() || object->removeMethods());
     for (ZObject* end : {object, copied}) end->release();
+}
+
+TEST_F(ZObjectDelegates, MethodsGoFromObjectToObject) {
+    ZMetaType* apart = zmake<ZMetaType>(nullptr, "ApartObject", ZMetaType::Object);
+    ZObject *a = make("a"), *b = make("b"), *stranger = zmake<ZObject>(orv::passType(apart));
+    give(a, "void run()", "a");
+    ZMethodRef ref(a, "void run()");
+    EXPECT_TRUE(ref.add(b, false));
+    EXPECT_EQ(found(b, "void run()"), "a");
+    EXPECT_TRUE(ref == ZMethodRef(a, "void run()")) << "it points where it did";
+    give(b, "void run()", "b");
+    EXPECT_FALSE(ref.add(b, false) || ref.move(b, false) || ref.add(nullptr, true)) << "there is one";
+    EXPECT_FALSE(ref.add(stranger, true) || ref.move(stranger, true)) << "the types have nothing in common";
+    EXPECT_EQ(found(b, "void run()"), "b");
+    EXPECT_TRUE(ref == ZMethodRef(a, "void run()"));
+    EXPECT_TRUE(ref.move(b, true));
+    EXPECT_EQ(found(b, "void run()"), "a");
+    EXPECT_TRUE(ref == ZMethodRef(b, "void run()"));
+    EXPECT_TRUE(ref.remove());
+    EXPECT_FALSE(ref.remove());
+    EXPECT_EQ(found(a, "void run()") + found(b, "void run()"), "a");
+    for (ZObject* end : {a, b, stranger, static_cast<ZObject*>(apart)}) end->release();
 }
 
 struct OrderRow {
@@ -380,30 +403,56 @@ TEST_F(ZObjectDelegates, ReleasedInItsOwnHandler) {
     EXPECT_TRUE(victim->callDispatch("end"));
     EXPECT_EQ(calls, "hh");
     EXPECT_EQ(victim, nullptr);
-    // In a method that is called by its name, and as a delegate that is let go meanwhile.
-    static ZObject* owner;
-    for (const int way : {0, 1, 2}) {
-        owner = make("owner");
-        victim = make("victim", ZObject::Binder);
-        ZMethod* method =
-            ZMethod::create("int leave()", {}, 0, ZMethod::emptyFunc, [](const void*, ZMethod*, void* args) {
-                if (victim->refcount() > 1 || !owner->removeDelegate(victim)) victim->release();
-                int* result;
-                std::memcpy(&result, args, sizeof result);
-                *result = 7;
-            });
-        victim->setMethod(method, true);
-        ZMethod::release(method);
-        ZObject* called = victim;
-        if (way > 0) {
-            called = owner;
-            owner->addDelegate(victim, false);
-            victim->release();
+    victim = make("victim");
+    ZMethod* method = ZMethod::create("int leave()", {}, 0, ZMethod::emptyFunc, [](const void*, ZMethod*, void* args) {
+        std::exchange(victim, nullptr)->release();
+        int* result;
+        std::memcpy(&result, args, sizeof result);
+        *result = 7;
+    });
+    victim->setMethod(method, true);
+    ZMethod::release(method);
+    EXPECT_EQ(victim->invokeName("leave").toInt(), 7);
+}
+
+struct ArgumentRow {
+    const char* signature;
+    std::vector<ZVariant> given;
+    const char* seen; ///< "-" where nobody answers
+};
+TEST_F(ZObjectDelegates, SignalsWithArguments) {
+    static std::string seen;
+    const ZMethod::Stacked two = [](const void*, ZMethod* method, void* args) {
+        int* result;
+        int values[2] = {};
+        std::memcpy(&result, args, sizeof result);
+        std::memcpy(values, static_cast<char*>(args) + 8, sizeof(int) * size_t(method->paramCount()));
+        for (int i = 0; i < method->paramCount(); ++i) seen += std::to_string(values[i]) + ";";
+        *result = values[0] != 0;
+    };
+    const ArgumentRow rows[] = {
+        {"int heard(int, int)", {ZVariant(4), ZVariant(5)}, "4;5;"},
+        {"int heard(int, int)", {ZVariant(4.0), ZVariant(true)}, "4;1;"},
+        {"int heard(int, int)", {ZVariant(4), ZVariant(5), ZVariant(6)}, "4;5;"},
+        {"int heard(int, int)", {ZVariant(4)}, "4;0;"},
+        {"int heard(int)", {ZVariant(0)}, "0;-"},
+        {"int heard(ZObject*)", {ZVariant(3)}, "-"},
+        {"int heard()", {}, "-"},
+    };
+    for (const ArgumentRow& row : rows)
+        for (const bool delegated : {false, true}) {
+            ZObject *owner = make("owner"), *delegate = make("delegate", ZObject::Binder | ZObject::Dispatch);
+            owner->addDelegate(delegate, false);
+            ZObject* has = delegated ? delegate : owner;
+            ZMethod* method = ZMethod::create(row.signature, {}, 0, ZMethod::emptyFunc, two);
+            has->setMethod(method, true);
+            ZMethod::release(method);
+            has->addDispatch("go", row.signature, {});
+            seen.clear();
+            const bool answered = owner->dispatchArgs("go", {row.given.data(), uint(row.given.size())});
+            EXPECT_EQ(seen + (answered ? "" : "-"), row.seen) << row.signature << row.given.size() << delegated;
+            for (ZObject* end : {owner, delegate}) end->release();
         }
-        EXPECT_EQ((way == 2 ? called->invoke("leave", ZArrayT<ZVariant>()) : called->invokeName("leave")).toInt(), 7);
-        EXPECT_FALSE(owner->hasDelegate());
-        owner->release();
-    }
 }
 
 TEST_F(ZObjectDelegates, ByName) {
