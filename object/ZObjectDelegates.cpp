@@ -157,15 +157,17 @@ ZObject* findNamed(const ObjectData& owner, uint key) {
         if (ObjectData::at(delegate).selector.key() == key) return delegate;
     return nullptr;
 }
-/// Makes the index anew, where names are looked up by one and it doesn't hold. With no lock held. Without memory, and
-/// where delegates change meanwhile, the list will do.
+bool wantsIndex(const ObjectData& owner) { return owner.delegates.count() >= indexFrom && !indexHolds(owner); }
+
+/// Makes the index anew, where it is wanted. With no lock held. Without memory, and where delegates change meanwhile,
+/// the list will do.
 void freshIndex(const ZObject* object) {
     ObjectData& owner = ObjectData::at(object);
     uint count;
     {
         orv::ObjectRead held(owner);
+        if (!wantsIndex(owner)) return;
         count = owner.delegates.count();
-        if (count < indexFrom || indexHolds(owner)) return;
     }
     orv::NameIndex* fresh = orv::NameIndex::make(count * 2);
     if (!fresh) return;
@@ -177,13 +179,21 @@ void freshIndex(const ZObject* object) {
     }
     orv::NameIndex::drop(fresh);
 }
-/// Retained while it is in the list.
-ZRetainPtrT<ZObject> namedDelegate(const ZObject* object, const ZSelector& name) {
-    if (!object->hasDelegate()) return {};
-    freshIndex(object);
-    ObjectData& owner = ObjectData::at(object);
-    orv::ObjectRead held(owner);
-    return ZRetainPtrT<ZObject>::adopt(::retain(findNamed(owner, name.key())));
+/// What `take` answers for the delegate of a name, or null, while it is in the list.
+template <class F> auto takeNamed(const ZObject* object, const ZSelector& name, F take) {
+    ObjectData* data = ObjectData::of(object);
+    if (!data || !data->has(ObjectData::Delegates)) return take(nullptr);
+    ObjectData& owner = *data;
+    for (bool again = false;; again = true) {
+        {
+            orv::ObjectRead held(owner);
+            if (again || !wantsIndex(owner)) return take(findNamed(owner, name.key()));
+        }
+        freshIndex(object);
+    }
+}
+ZRetainPtrT<ZObject> holdNamed(const ZObject* object, const ZSelector& name) {
+    return takeNamed(object, name, [](ZObject* found) { return ZRetainPtrT<ZObject>::adopt(::retain(found)); });
 }
 
 } // namespace
@@ -295,7 +305,7 @@ bool ZObject::hasDelegate(const ZObject* object) const {
     return isDelegate(*priv, *object->priv);
 }
 bool ZObject::hasDelegate(const ZSelector& name) const { return findDelegate(name) != nullptr; }
-ZObject* ZObject::findDelegate(const ZSelector& name) const { return namedDelegate(this, name).get(); }
+ZObject* ZObject::findDelegate(const ZSelector& name) const { return holdNamed(this, name).get(); }
 
 // Adding and removing
 
@@ -308,7 +318,7 @@ bool ZObject::addDelegate(ZObject* object, bool bind) {
     // The lock is made here, if it isn't there yet.
     if (orv::ObjectWrite ready(this); !ready) return false;
     for (bool added = false; !added && !known;) {
-        freshIndex(this);
+        if (priv->has(ObjectData::Delegates)) freshIndex(this);
         bool roomy = true;
         {
             ZScopedLock graph(graphLock);
@@ -356,7 +366,7 @@ bool ZObject::removeDelegate(ZObject* object) {
 }
 bool ZObject::removeDelegate(const ZSelector& name) {
     if (!hasDelegate()) return false;
-    const ZRetainPtrT<ZObject> found = namedDelegate(this, name);
+    const ZRetainPtrT<ZObject> found = holdNamed(this, name);
     return found.get() && removeDelegate(found.get());
 }
 
@@ -458,7 +468,7 @@ bool ZObject::removeExtendType(ZMetaType* type) {
 namespace {
 /// Only a bag of values: a name like any other may stand for something else.
 ZRetainPtrT<ZVariantDelegate> propertyBag(const ZObject* object) {
-    ZRetainPtrT<ZObject> found = namedDelegate(object, zsel<"property">());
+    ZRetainPtrT<ZObject> found = holdNamed(object, zsel<"property">());
     auto bag = dynamic_cast<ZVariantDelegate*>(found.get());
     if (bag) (void)found.give();
     return ZRetainPtrT<ZVariantDelegate>::adopt(bag);
