@@ -31,7 +31,7 @@ constexpr const ClassRow* baseTypes[] = {
     &Row<ZStringPair>::row, &Row<ZInteger>::row,  &Row<ZCharBuffer>::row, &Row<ZRange>::row,      &Row<ZTime>::row,
     &Row<ZDateTime>::row,   &Row<ZBlendPos>::row, &Row<ZFileName>::row,   &Row<ZFileInfo>::row,   &Row<ZTypedPtr>::row,
     &Row<ZVariant>::row,    &Row<ZVArray>::row,   &Row<ZVHashSet>::row,   &Row<ZVSelectMap>::row, &Row<ZVKeyMap>::row,
-    &Row<ZSampleTime>::row,
+    &Row<ZSampleTime>::row, &Row<ZRegExp>::row,   &Row<ZLongestCommonSubsequence>::row,
 };
 
 constexpr const ClassRow* objectTypes[] = {
