@@ -1,115 +1,18 @@
 #include "text/ZLongestCommonSubsequence.h"
 
 #include "core/memory.h"
-#include "toolkit/hash.h"
+#include "text/subsequence.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
+#include <cstdlib>
 
 namespace {
-
-// The rows of the table are bits, 64 to a word, and a step of the second sequence is one addition over them, see
-// H. Hyyrö, "Bit-parallel LCS-length computation revisited", 2004. Rows are done in blocks of four words, each block
-// against the whole second sequence, with the carries between blocks kept as bits: so the masks of the elements that a
-// block has stand in a table with a place for each element that the second sequence has, and no more.
-
-constexpr int blockWords = 4;
-constexpr large blockRows = 64 * blockWords;
-struct Mask {
-    uint64_t words[blockWords];
-};
-
-/// Numbers from 1 for the different elements of a sequence; 0 is what it doesn't have.
-class Numbers {
-public:
-    explicit Numbers(size_t most) : mask(std::bit_ceil(std::max<size_t>(most * 2, 16)) - 1) {}
-    ~Numbers() { toolkit::freeBlock(slots); }
-    Numbers(const Numbers&) = delete;
-
-    bool open() { return (slots = static_cast<Slot*>(toolkit::allocZeroedBlock((mask + 1) * sizeof(Slot)))); }
-    uint find(uint element) const { return slots[place(element)].number; }
-    uint add(uint element) {
-        Slot& slot = slots[place(element)];
-        if (!slot.number) slot = {element, ++count};
-        return slot.number;
-    }
-    uint count = 0;
-
-private:
-    struct Slot {
-        uint element, number;
-    };
-    size_t place(uint element) const {
-        size_t at = toolkit::hashWord(element) & mask;
-        while (slots[at].number && slots[at].element != element) at = (at + 1) & mask;
-        return at;
-    }
-    Slot* slots = nullptr;
-    size_t mask;
-};
-
-/// A block of rows against the whole of `b`; the carries at its start become those at its end. Answers how many of its
-/// rows count.
-int runBlock(const uint* b, large lengthB, const Mask* masks, uint64_t* carries, large rows) {
-    uint64_t row[blockWords];
-    std::memset(row, 0xFF, sizeof row);
-    for (large from = 0; from < lengthB; from += 64) {
-        const int steps = int(std::min<large>(64, lengthB - from));
-        uint64_t in = carries[from / 64], out = 0;
-        for (int i = 0; i < steps; ++i, in >>= 1) {
-            const Mask& same = masks[b[from + i]];
-            unsigned long long carry = in & 1;
-            for (int w = 0; w < blockWords; ++w) {
-                const uint64_t kept = row[w], shared = kept & same.words[w];
-                uint64_t sum;
-                unsigned long long over = __builtin_add_overflow(kept, shared, &sum);
-                over |= __builtin_add_overflow(sum, carry, &sum);
-                carry = over;
-                row[w] = sum | (kept - shared);
-            }
-            out |= uint64_t(carry) << i;
-        }
-        carries[from / 64] = out;
-    }
-    int zeros = 0;
-    for (int w = 0; w < blockWords && rows > 0; ++w, rows -= 64)
-        zeros += std::popcount(~row[w] & (rows < 64 ? (uint64_t(1) << rows) - 1 : ~uint64_t(0)));
-    return zeros;
-}
-
-large longestOf(const int* a, large lengthA, const int* b, large lengthB) {
-    // Elements are told apart below 2^30 of them, which is far beyond what there is time for.
-    if (lengthA < 1 || lengthB < 1 || std::max(lengthA, lengthB) >= large(1) << 30) return 0;
-    Numbers numbers{size_t(lengthB)};
-    const large words = (lengthB + 63) / 64;
-    auto carries =
-        static_cast<uint64_t*>(toolkit::allocZeroedBlock(size_t(words) * 8 + size_t(lengthB) * sizeof(uint)));
-    large common = 0;
-    if (carries && numbers.open()) {
-        auto named = reinterpret_cast<uint*>(carries + words);
-        for (large i = 0; i < lengthB; ++i) named[i] = numbers.add(uint(b[i]));
-        if (auto masks = static_cast<Mask*>(toolkit::allocZeroedBlock((numbers.count + 1) * sizeof(Mask)))) {
-            for (large first = 0; first < lengthA; first += blockRows) {
-                const large rows = std::min(blockRows, lengthA - first);
-                for (large i = 0; i < rows; ++i)
-                    if (uint number = numbers.find(uint(a[first + i])))
-                        masks[number].words[i / 64] |= uint64_t(1) << (i % 64);
-                common += runBlock(named, lengthB, masks, carries, rows);
-                for (large i = 0; i < rows; ++i) masks[numbers.find(uint(a[first + i]))] = {};
-            }
-            toolkit::freeBlock(masks);
-        }
-    }
-    toolkit::freeBlock(carries);
-    return common;
-}
 
 constexpr int padding = 32;
 
 /// With cells of `Cell`, which holds the largest sum. Only the row before the current one is needed.
 template <class Cell>
-bool fillRows(const int* a, large lengthA, const int* b, large lengthB, large change, large gap, large& cost) {
+bool fillRows(const int* a, large lengthA, const int* b, large lengthB, Cell change, Cell gap, large& cost) {
     const large length = std::max(lengthA, lengthB);
     const size_t rowBytes = size_t(length + 1) * sizeof(Cell);
     auto rows = static_cast<Cell*>(toolkit::allocZeroedBlock(2 * rowBytes + size_t(length) * sizeof(int)));
@@ -123,9 +26,8 @@ bool fillRows(const int* a, large lengthA, const int* b, large lengthB, large ch
         Cell left = 0;
         row[0] = 0;
         for (large j = 0; j < length; ++j) {
-            const Cell other =
-                std::min<Cell>(Cell(above[j] + (padded[j] == element ? 0 : change)), above[j + 1] + Cell(gap));
-            left = std::min<Cell>(other, left + Cell(gap));
+            const Cell other = std::min<Cell>(above[j] + (padded[j] == element ? 0 : change), above[j + 1] + gap);
+            left = std::min<Cell>(other, left + gap);
             row[j + 1] = left;
         }
         std::swap(above, row);
@@ -145,13 +47,7 @@ const int* elements(const ZICharStr& text) { return reinterpret_cast<const int*>
 } // namespace
 
 large ZLongestCommonSubsequence::longest(const int* a, const int* b, large lengthA, large lengthB) const {
-    // What both have at an end is common.
-    lengthA = std::max<large>(a ? lengthA : 0, 0);
-    lengthB = std::max<large>(b ? lengthB : 0, 0);
-    large shared = 0;
-    for (; lengthA && lengthB && a[lengthA - 1] == b[lengthB - 1]; --lengthA, --lengthB) ++shared;
-    for (; lengthA && lengthB && *a == *b; ++a, ++b, --lengthA, --lengthB) ++shared;
-    return shared + longestOf(a, lengthA, b, lengthB);
+    return a && b ? std::max<large>(orv::detail::longestSubsequence(a, lengthA, b, lengthB), 0) : 0;
 }
 large ZLongestCommonSubsequence::longest(const ZICharStr& a, const ZICharStr& b, int lengthA, int lengthB) const {
     return longest(elements(a), elements(b), lengthOf(a, lengthA), lengthOf(b, lengthB));

@@ -5,6 +5,7 @@
 /// How alike two sequences are. A plain value; nothing is kept between calls. Without memory an answer is 0.
 ///
 /// Lengths below 0 count as 0, and for texts mean all of the text; a length above that of a text is cut to it.
+/// Sequences have less than 2^30 elements; the answer for longer ones is 0.
 class ORV_API ZLongestCommonSubsequence {
 public:
     /// The cost of one element in place of another; 1 at first.

@@ -2,6 +2,7 @@
 
 #include "text/distance.h"
 #include "text/search.h"
+#include "text/subsequence.h"
 
 #include <cstring>
 
@@ -79,31 +80,9 @@ bool ZString::shorterDistance(const ZString& other, int limit, int gap, int chan
                     [&](auto a, auto b) { return distanceBelow(a, b, gap, change, limit); });
 }
 
-// One bit for each code point of the shorter text: a step of the other text is one addition over the row.
 int ZString::longestSubsequence(const ZString& other) const {
-    TextIn<ichar> first(view()), second(other.view());
-    if (first.failed || second.failed) return -1;
-    Run<ichar> a{first.text, first.text + first.length}, b{second.text, second.text + second.length};
-    if (a.size() > b.size()) std::swap(a, b);
-    if (a.empty()) return 0;
-    size_t words = (a.size() + 63) / 64;
-    auto row = static_cast<uint64_t*>(__zalloc(words * sizeof(uint64_t)));
-    if (!row) return -1;
-    std::memset(row, 0xFF, words * sizeof(uint64_t));
-    for (const ichar* at = b.begin; at < b.end; ++at) {
-        unsigned carry = 0;
-        for (size_t w = 0; w < words; ++w) {
-            uint64_t same = 0, kept = row[w], sum;
-            size_t bits = a.size() - w * 64 < 64 ? a.size() - w * 64 : 64;
-            for (size_t i = 0; i < bits; ++i) same |= uint64_t(a.begin[w * 64 + i] == *at) << i;
-            unsigned over = __builtin_add_overflow(kept, kept & same, &sum);
-            over |= unsigned(__builtin_add_overflow(sum, uint64_t(carry), &sum));
-            carry = over;
-            row[w] = sum | (kept & ~same);
-        }
-    }
-    int zeros = 0;
-    for (size_t i = 0; i < a.size(); ++i) zeros += !(row[i / 64] >> (i % 64) & 1);
-    zfree(row);
-    return zeros;
+    TextIn<ichar> a(view()), b(other.view());
+    if (a.failed || b.failed) return -1;
+    auto codes = [](const TextIn<ichar>& text) { return reinterpret_cast<const int*>(text.text); };
+    return int(detail::longestSubsequence(codes(a), a.length, codes(b), b.length));
 }

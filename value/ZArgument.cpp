@@ -47,24 +47,35 @@ ZArgument::ZArgument(ZMetaType* type, ZMethod* method) {
     if (types.isEmpty() || !reset()) ZError::fail();
 }
 
-/// The types of values, and the values.
-template <class F> void ZArgument::init(uint count, ZString::Type type, F&& value) {
-    bool done = count <= uint(mostArguments) && setStringType(type) && addType(ztype<void>());
-    for (uint i = 0; done && i < count; ++i) done = addType(value(i).type());
-    done = done && reset();
-    for (uint i = 0; done && i < count; ++i) done = set(int(i) + 1, value(i));
+/// Calls `f` with each item as a variant, until it answers false. Items that are variants are handed out themselves;
+/// variants of others come and go, and `passing` tells so: what they hold has to be kept.
+template <class F> static bool eachItem(const ZVArray& values, uint count, F&& f) {
+    const bool variants = values.getValueType() && values.getValueType()->isVariant();
+    for (uint i = 0; i < count; ++i)
+        if (!(variants ? f(i, *static_cast<const ZVariant*>(values.get(int(i))), false)
+                       : f(i, values.variant(int(i)), true)))
+            return false;
+    return true;
+}
+
+ZArgument::ZArgument(const ZVArray& values, ZString::Type type, bool owned) : owned(owned) {
+    const uint count = values.count();
+    const bool done =
+        count <= uint(mostArguments) && setStringType(type) && addType(ztype<void>()) &&
+        eachItem(values, count, [&](uint, const ZVariant& value, bool) { return addType(value.type()); }) && reset() &&
+        set(values);
     if (done) return;
     dropValues();
     types.clear();
     ZError::fail();
 }
-ZArgument::ZArgument(const ZVArray& values, ZString::Type type, bool owned) : owned(owned) {
-    // Variants of the items come and go here, so what they hold has to be kept.
-    if (values.getValueType() && !values.getValueType()->isVariant()) this->owned = true;
-    init(values.count(), type, [&](uint i) { return values.variant(int(i)); });
-}
 ZArgument::ZArgument(const ZArrayT<ZVariant>& values, ZString::Type type, bool owned) : owned(owned) {
-    init(values.count(), type, [&](uint i) -> const ZVariant& { return values[i]; });
+    bool done = values.count() <= uint(mostArguments) && setStringType(type) && addType(ztype<void>());
+    for (uint i = 0; done && i < values.count(); ++i) done = addType(values[i].type());
+    if (done && reset() && set(values)) return;
+    dropValues();
+    types.clear();
+    ZError::fail();
 }
 ZArgument::~ZArgument() { dropValues(); }
 
@@ -229,9 +240,13 @@ bool ZArgument::set(int index, const ZVariant& value) {
     return held && setPointer(index, held, Value);
 }
 bool ZArgument::set(const ZVArray& values) {
-    for (int i = 0; i < std::min(count(), int(values.count())); ++i)
-        if (!set(i + 1, values.variant(i))) return false;
-    return true;
+    return eachItem(values, uint(std::min(count(), int(values.count()))),
+                    [&](uint i, const ZVariant& value, bool passing) {
+                        const bool kept = std::exchange(owned, owned || passing);
+                        const bool done = set(int(i) + 1, value);
+                        owned = kept;
+                        return done;
+                    });
 }
 bool ZArgument::set(const ZArrayT<ZVariant>& values) {
     for (int i = 0; i < std::min(count(), int(values.count())); ++i)

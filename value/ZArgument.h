@@ -113,7 +113,6 @@ private:
     void dropValues();
     bool setText(int index, const ZString& value);
     bool setPointer(int index, const void* pointer, Holding holds);
-    template <class F> void init(uint count, ZString::Type type, F&& value);
 
     ZArrayT<ZMetaType*> types;
     byte* buffer = nullptr;

@@ -2,6 +2,7 @@
 
 #include "object/ztype.h"
 #include "tests/support/CoreScope.h"
+#include "text/ZRange.h"
 #include "value/ZSampleTime.h"
 #include "value/ZVArray.h"
 #include "value/ZVHashSet.h"
@@ -37,6 +38,29 @@ TEST_F(ZArgumentTest, LaysArgumentsOut) {
     EXPECT_EQ(walk.integer(), 1);
     EXPECT_EQ(walk.integer(), 0);
     EXPECT_EQ(walk.text().units, nullptr);
+}
+
+// Without owning, values of variants are the caller's; of other items there are none that last.
+TEST_F(ZArgumentTest, TakesArrays) {
+    const ZRange range(3, 4);
+    const ZVariant value(ztype<ZRange>(), &range);
+    ZVArray variants(ztype<ZVariant>(), &value, 1);
+    const ZArgument borrowed(std::as_const(variants), ZString::Char, false);
+    EXPECT_EQ(borrowed.getArgs().pointer(), static_cast<const ZVariant*>(std::as_const(variants).get(0))->getPtr());
+    for (bool owned : {false, true}) {
+        const ZArgument ranges(ZVArray(ztype<ZRange>(), &range, 1), ZString::Char, owned);
+        ASSERT_EQ(ranges.count(), 1);
+        EXPECT_EQ(static_cast<const ZRange*>(ranges.getArgs().pointer())->count(), 4);
+        const ZArgument words(ZVArray("left right"), ZString::WChar, owned);
+        ZArgumentList walk = words.getArgs(2);
+        EXPECT_EQ(ZString(static_cast<const wchar*>(walk.text().units)), ZString("right"));
+    }
+    const byte small[] = {1, 2, 3};
+    ZArgument list(ZVArray(ztype<byte>(), small, 3), ZString::Char, false);
+    EXPECT_EQ(list.size(), 16u);
+    EXPECT_TRUE(list.set(ZVArray("7 8 9 10")));
+    EXPECT_EQ(list.getArgs(3).integer(), 9);
+    EXPECT_FALSE(list.set(ZVArray("x")));
 }
 
 TEST_F(ZArgumentTest, ConvertsToItsTypes) {
