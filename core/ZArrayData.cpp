@@ -1,5 +1,6 @@
 #include "core/ZArrayData.h"
 
+#include "core/arrayMoves.h"
 #include "core/debug.h"
 #include "core/memsort.h"
 
@@ -94,22 +95,24 @@ bool arrayDetach(ArrayHead*& head, const ArrayType& type) {
     return copyBlock(head, type, head->fixedSize ? head->capacity : head->count);
 }
 
-static ularge grownCapacity(const ArrayHead* head, ularge need) {
-    ularge least = head->count + need, capacity;
-    if (head->expand < 0) {
-        ularge step = ularge(-int(head->expand));
-        capacity = (head->capacity + need + step - 1) / step * step;
-    } else if (head->expand > 0)
-        capacity = head->capacity + (ularge(head->count) * uint(head->expand) + 50) / 100;
+ularge grownCapacity(uint count, uint capacity, int16 expand, ularge more) {
+    const ularge least = count + more;
+    ularge grown;
+    if (expand < 0) {
+        const ularge step = ularge(-int(expand));
+        grown = (capacity + more + step - 1) / step * step;
+    } else if (expand > 0)
+        grown = capacity + (ularge(count) * uint(expand) + 50) / 100;
     else
-        capacity = ularge(head->capacity) + head->count;
-    return std::max(least, std::min<ularge>(capacity, arrayLimit));
+        grown = ularge(capacity) + count;
+    return std::max(least, std::min<ularge>(grown, arrayLimit));
 }
 
 bool arrayGrow(ArrayHead*& head, const ArrayType& type, ularge need) {
     if (!head) return need == 0 || (head = arrayMake(type, need, arrayExpand)) != nullptr;
     if (head->count + need <= head->capacity) return arrayOwned(head) || copyBlock(head, type, head->capacity);
-    return !head->fixedSize && need <= arrayLimit && changeBlock(head, type, grownCapacity(head, need));
+    return !head->fixedSize && need <= arrayLimit &&
+           changeBlock(head, type, grownCapacity(head->count, head->capacity, head->expand, need));
 }
 
 bool arrayResize(ArrayHead*& head, const ArrayType& type, ularge capacity) {
@@ -142,10 +145,10 @@ static void reverseBytes(char* items, size_t size, size_t first, size_t last) {
     }
 }
 
-static void rotateBytes(char* items, size_t size, size_t first, size_t middle, size_t last) {
+void rotateBytes(void* all, size_t size, size_t first, size_t middle, size_t last) {
     char aside[256];
-    char* start = items + first * size;
-    size_t left = (middle - first) * size, right = (last - middle) * size;
+    char *items = static_cast<char*>(all), *start = items + first * size;
+    const size_t left = (middle - first) * size, right = (last - middle) * size;
     if (right <= sizeof aside) {
         std::memcpy(aside, start + left, right);
         std::memmove(start + right, start, left);

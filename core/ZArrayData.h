@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/arrayMoves.h"
 #include "core/construct.h"
 
 #include <cstring>
@@ -17,7 +18,6 @@ struct ArrayHead {
 };
 static_assert(sizeof(ArrayHead) == 12);
 
-inline constexpr uint arrayLimit = 0x7FFFFFFF; ///< positions are also told as int
 inline constexpr int16 arrayExpand = 100;
 
 /// What the untyped part has to know of an item. A null function means that bytes will do.

@@ -27,19 +27,40 @@ constexpr const ClassRow* ztlTypes[] = {
 };
 
 constexpr const ClassRow* baseTypes[] = {
-    &Row<ZAtomicInt>::row,  &Row<ZLock>::row,     &Row<ZUnique>::row,     &Row<ZChar>::row,       &Row<ZString>::row,
-    &Row<ZStringPair>::row, &Row<ZInteger>::row,  &Row<ZCharBuffer>::row, &Row<ZRange>::row,      &Row<ZTime>::row,
-    &Row<ZDateTime>::row,   &Row<ZBlendPos>::row, &Row<ZFileName>::row,   &Row<ZFileInfo>::row,   &Row<ZTypedPtr>::row,
-    &Row<ZVariant>::row,    &Row<ZVArray>::row,   &Row<ZVHashSet>::row,   &Row<ZVSelectMap>::row, &Row<ZVKeyMap>::row,
-    &Row<ZSampleTime>::row, &Row<ZRegExp>::row,   &Row<ZLongestCommonSubsequence>::row,
+    &Row<ZAtomicInt>::row,   &Row<ZLock>::row,           &Row<ZUnique>::row,
+    &Row<ZChar>::row,        &Row<ZString>::row,         &Row<ZStringPair>::row,
+    &Row<ZInteger>::row,     &Row<ZCharBuffer>::row,     &Row<ZRange>::row,
+    &Row<ZTime>::row,        &Row<ZDateTime>::row,       &Row<ZBlendPos>::row,
+    &Row<ZFileName>::row,    &Row<ZFileInfo>::row,       &Row<ZTypedPtr>::row,
+    &Row<ZVariant>::row,     &Row<ZVArray>::row,         &Row<ZVHashSet>::row,
+    &Row<ZVSelectMap>::row,  &Row<ZVKeyMap>::row,        &Row<ZSampleTime>::row,
+    &Row<ZTypeArray>::row,   &Row<ZNamedTypeArray>::row, &Row<ZContentMap>::row,
+    &Row<ZTypeNameMap>::row, &Row<ZRegExp>::row,         &Row<ZLongestCommonSubsequence>::row,
 };
 
 constexpr const ClassRow* objectTypes[] = {
-    &Row<ZType>::row,         &Row<ZObject>::row,         &Row<ZMetaType>::row,      &Row<ZEnumItem>::row,
-    &Row<ZEnum>::row,         &Row<ZMethod>::row,         &Row<ZMethodRef>::row,     &Row<ZMethodDispatch>::row,
-    &Row<ZProperty>::row,     &Row<ZPropertyRef>::row,    &Row<ZDetachContext>::row, &Row<ZEnumType>::row,
-    &Row<ZSelectorType>::row, &Row<ZVSelectMapType>::row, &Row<ZCompositeType>::row, &Row<ZTypeCategory>::row,
-    &Row<ZPackage>::row,      &Row<ZModule>::row,         &Row<ZUnknownData>::row,   &Row<ZVariantDelegate>::row,
+    &Row<ZType>::row,
+    &Row<ZObject>::row,
+    &Row<ZMetaType>::row,
+    &Row<ZEnumItem>::row,
+    &Row<ZEnum>::row,
+    &Row<ZMethod>::row,
+    &Row<ZMethodRef>::row,
+    &Row<ZMethodDispatch>::row,
+    &Row<ZProperty>::row,
+    &Row<ZPropertyRef>::row,
+    &Row<ZDetachContext>::row,
+    &Row<ZEnumType>::row,
+    &Row<ZSelectorType>::row,
+    &Row<ZVSelectMapType>::row,
+    &Row<ZNamedTypeArrayType>::row,
+    &Row<ZTypeNameMapType>::row,
+    &Row<ZCompositeType>::row,
+    &Row<ZTypeCategory>::row,
+    &Row<ZPackage>::row,
+    &Row<ZModule>::row,
+    &Row<ZUnknownData>::row,
+    &Row<ZVariantDelegate>::row,
 };
 
 constexpr const char* ztlUses[] = {"orv.core.base", "orv.core.object"};

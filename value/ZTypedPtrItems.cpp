@@ -1,6 +1,8 @@
 #include "core/ZSelectorMap.h"
 #include "object/ZMetaType.h"
 #include "object/names.h"
+#include "value/ZContentMap.h"
+#include "value/ZTypeArray.h"
 #include "value/ZTypedPtr.h"
 #include "value/ZVArray.h"
 #include "value/ZVHashSet.h"
@@ -28,7 +30,11 @@ template <class R, class F> R withContainer(const ZTypedPtr& at, R none, F&& use
         break;
     }
     const ZSelector name = at.type->mainOrSelf()->getName();
-    return !name.isEmpty() && name == zsel<"ZSelectorMap">() ? use(*static_cast<ZSelectorMap*>(at.instance)) : none;
+    if (name.isEmpty()) return none;
+    if (name == zsel<"ZSelectorMap">()) return use(*static_cast<ZSelectorMap*>(at.instance));
+    if (name == zsel<"ZTypeArray">()) return use(*static_cast<ZTypeArray*>(at.instance));
+    const bool named = name == zsel<"ZNamedTypeArray">() || name == zsel<"ZContentMap">();
+    return named ? use(*static_cast<ZNamedTypeArray*>(at.instance)) : none;
 }
 
 // What each container answers. A key of an array is a position, a key of a set its value.
@@ -58,6 +64,43 @@ bool insert(ZVArray& items, const V& key, const V& value) {
 }
 bool removeAt(ZVArray& items, int index) { return items.removeIndex(index); }
 void clear(ZVArray& items) { items.clear(); }
+
+// As an array of the general kind.
+
+ZVariant valueAt(const ZTypeArray& items, int index) { return items.entry(index); }
+ZVariant keyAt(const ZTypeArray& items, int index) { return items.row().has(index) ? ZVariant(index) : ZVariant(); }
+int findKey(const ZTypeArray& items, const V& key) {
+    const int index = positionOf(key);
+    return items.row().has(index) ? index : -1;
+}
+int findValue(const ZTypeArray& items, const V& value) { return items.findValue(value); }
+bool setAt(ZTypeArray& items, int index, const V& value) { return items.store(index, value); }
+bool setKey(ZTypeArray& items, const V& key, const V& value) { return items.store(findKey(items, key), value); }
+bool append(ZTypeArray& items, const V& value) { return items.append(value); }
+bool insert(ZTypeArray& items, const V& key, const V& value) {
+    const int index = positionOf(key);
+    return index >= 0 && uint(index) <= items.count() && items.insert(index, value);
+}
+bool removeAt(ZTypeArray& items, int index) { return items.removeIndex(index); }
+void clear(ZTypeArray& items) { items.clear(); }
+
+// As a map from names.
+
+ZVariant valueAt(const ZNamedTypeArray& items, int index) { return items.entry(index); }
+ZVariant keyAt(const ZNamedTypeArray& items, int index) {
+    return items.row().has(index) ? ZVariant(items.key(index)) : ZVariant();
+}
+int findKey(const ZNamedTypeArray& items, const V& key) { return items.findKey(key.toSelector()); }
+int findValue(const ZNamedTypeArray& items, const V& value) { return items.findValue(value); }
+bool setAt(ZNamedTypeArray& items, int index, const V& value) { return items.store(index, value); }
+bool setKey(ZNamedTypeArray& items, const V& key, const V& value) { return items.set(key.toSelector(), value); }
+bool append(ZNamedTypeArray&, const V&) { return false; }
+bool insert(ZNamedTypeArray& items, const V& key, const V& value) {
+    const ZSelector name = key.toSelector();
+    return !items.haskey(name) && items.set(name, value);
+}
+bool removeAt(ZNamedTypeArray& items, int index) { return items.removeIndex(index); }
+void clear(ZNamedTypeArray& items) { items.clear(); }
 
 ZVariant valueAt(const ZVHashSet& items, int index) { return items.entry(index); }
 ZVariant keyAt(const ZVHashSet& items, int index) { return items.entry(index); }

@@ -1,6 +1,10 @@
 #include "value/ZVArray.h"
 
+#include "core/arrayMoves.h"
+#include "object/names.h"
 #include "object/ztype.h"
+#include "value/ZNamedTypeArray.h"
+#include "value/ZTypeArray.h"
 #include "value/ZVHashSet.h"
 #include "value/ZVKeyMap.h"
 #include "value/ZVSelectMap.h"
@@ -86,22 +90,20 @@ bool ZVArray::expand(uint more) {
     if (!data) return more == 0 || changeBlock(more);
     const ularge least = ularge(data->count) + more;
     if (least <= data->capacity) return isDetached() || changeBlock(data->capacity);
-    ularge capacity;
-    if (data->expand < 0) {
-        const uint step = uint(-int(data->expand));
-        capacity = (data->capacity + ularge(more) + step - 1) / step * step;
-    } else if (data->expand > 0)
-        capacity = data->capacity + (ularge(data->count) * uint(data->expand) + 50) / 100;
-    else
-        capacity = ularge(data->capacity) + data->count;
-    return changeBlock(std::max(least, std::min<ularge>(capacity, itemLimit)));
+    const ularge capacity = detail::grownCapacity(data->count, data->capacity, data->expand, more);
+    return changeBlock(capacity);
 }
 
 bool ZVArray::setSpace(int count) {
     if (count < 0) return false;
+    if (count == 0 && !data) return true;
     const int all = int(this->count());
-    return (all <= count || remove(count, all - count)) &&
-           (maxcount() == uint(count) || (!data && count == 0) || changeBlock(uint(count)));
+    // The room first: an array that can't have it keeps its items.
+    if ((uint(count) > maxcount() || !isDetached()) && !changeBlock(uint(std::max(count, all)))) return false;
+    if (!remove(count, all - count)) return false;
+    // What can't be given back stays, beyond what was asked for.
+    if (maxcount() > uint(count)) changeBlock(uint(count));
+    return true;
 }
 bool ZVArray::setExpand(int16 expand) {
     if (data ? !detach(true) : !changeBlock(0)) return false;
@@ -160,16 +162,27 @@ ZVArray::ZVArray(const ZVariant& value) {
     default:
         break;
     }
+    const ZSelector name = value.typeName();
+    if (name == zsel<"ZTypeArray">()) {
+        *this = static_cast<const ZTypeArray*>(held)->array();
+        return;
+    }
+    if (name == zsel<"ZNamedTypeArray">() || name == zsel<"ZContentMap">()) {
+        *this = static_cast<const ZNamedTypeArray*>(held)->array();
+        return;
+    }
     const int kind = value.typeType();
     if (kind == ZMetaType::Selector || kind == ZMetaType::String)
         *this = ZVArray(value.toString());
     else if (!append(value))
         ZError::fail();
 }
+ZVArray::ZVArray(const ZVHashSet& values) : ZVArray(values.array()) {}
 ZVArray::ZVArray(const ZVArray* a, const ZVArray* b, const ZBlendPos& pos) {
     if (!blendFrom(a, b, pos)) ZError::fail();
 }
-ZVArray::ZVArray(const ZVArray& other) : type(other.type), data(retain(other.data)), typeName(other.typeName) {
+ZVArray::ZVArray(const ZVArray& other)
+    : type(other.type), data(retain(other.data)), typeName(other.typeName), kind(other.kind) {
     item::retainType(type);
 }
 ZVArray& ZVArray::operator=(const ZVArray& other) {
@@ -186,10 +199,12 @@ void ZVArray::swap(ZVArray& other) noexcept {
     std::swap(type, other.type);
     std::swap(data, other.data);
     std::swap(typeName, other.typeName);
+    std::swap(kind, other.kind);
 }
 void ZVArray::clear() { freeBlock(type, std::exchange(data, nullptr)); }
 void ZVArray::clearAll() {
     ZMetaType* old = std::exchange(type, nullptr);
+    kind = 0;
     freeBlock(old, std::exchange(data, nullptr));
     item::releaseType(old);
     typeName.clear();
@@ -203,14 +218,27 @@ bool ZVArray::takeType(ZMetaType* wanted) {
     if (wanted && (!normal || !item::holdable(normal))) return false;
     item::retainType(normal);
     type = normal;
+    kind = normal ? byte(normal->kind()) : 0;
     return true;
 }
 bool ZVArray::setType(ZMetaType* wanted) {
     if (count()) return false;
     ZVArray made;
     if (!made.takeType(wanted)) return false;
+    if (!made.type) made.typeName = typeName;
     swap(made);
     return true;
+}
+/// An array without items that says the same of them.
+ZVArray ZVArray::likeThis() const {
+    ZVArray made(type);
+    made.typeName = typeName;
+    if (type || !data) return made;
+    if (made.setItemSize(data->itemSize))
+        made.data->endian = data->endian;
+    else
+        ZError::fail();
+    return made;
 }
 bool ZVArray::setItemSize(uint bytes) {
     if (type || count() || !bytes || bytes > 0x7FFFFFFF) return false;
@@ -230,26 +258,17 @@ bool ZVArray::isType(const ZMetaType* wanted) const { return item::isOf(type, wa
 bool ZVArray::isType(const ZSelector& name) const { return item::isOf(type, name); }
 bool ZVArray::isSelectorType() const { return type && type->kind() == ZMetaType::Selector; }
 bool ZVArray::isZType() const { return item::instances(type); }
-ZMetaType* ZVArray::typeByIndex(int index) const {
-    if (!type || !inRange(index)) return nullptr;
-    if (type->isVariant()) return static_cast<const ZVariant*>(get(index))->type();
-    return isZType() ? variant(index).mainType() : type;
-}
+ZMetaType* ZVArray::typeByIndex(int index) const { return row().typeAt(index); }
 
 // Reading
 
-void* ZVArray::get(int index) { return inRange(index) && detach() ? at(uint(index)) : nullptr; }
-const void* ZVArray::valuePtr(int index) const {
-    const void* raw = get(index);
-    if (!raw || !type || type->kind() != ZMetaType::Pointer) return raw;
-    const void* pointer;
-    std::memcpy(&pointer, raw, sizeof pointer);
-    return pointer;
+void* ZVArray::get(int index) {
+    if (!inRange(index) || !detach()) return nullptr;
+    data->sorted = false;
+    return at(uint(index));
 }
-ZVariant ZVArray::variant(int index) const {
-    const void* raw = get(index);
-    return raw && type ? ZVariant(type, raw) : ZVariant();
-}
+const void* ZVArray::valuePtr(int index) const { return row().target(index); }
+ZVariant ZVArray::variant(int index) const { return row().variant(index); }
 
 // Writing
 
@@ -264,13 +283,13 @@ template <class F> static bool buildItems(ZMetaType* type, byte* place, uint siz
     return true;
 }
 
-void ZVArray::placeItems(uint index, uint count) {
-    const size_t size = data->itemSize;
-    byte* start = data->items;
+/// Counts what was built behind the last item, and brings it to its place.
+bool ZVArray::placeItems(uint index, uint count) {
     data->count += count;
     data->sorted = false;
     if (index + count < data->count)
-        std::rotate(start + index * size, start + (data->count - count) * size, start + data->count * size);
+        detail::rotateBytes(data->items, data->itemSize, index, data->count - count, data->count);
+    return true;
 }
 
 static uint clamped(int index, uint count) { return index < 0 ? 0 : std::min(uint(index), count); }
@@ -290,8 +309,7 @@ bool ZVArray::insertItems(int index, const void* items, uint count) {
     else if (!buildItems(type, place, size, count,
                          [&](byte* to, uint i) { return item::copy(type, to, from + size_t(i) * size, size); }))
         return false;
-    placeItems(where, count);
-    return true;
+    return placeItems(where, count);
 }
 
 bool ZVArray::insertNew(int index, uint count) {
@@ -304,8 +322,7 @@ bool ZVArray::insertNew(int index, uint count) {
         std::memset(place, 0, size_t(count) * size);
     else if (!buildItems(type, place, size, count, [&](byte* to, uint) { return item::make(type, to, size); }))
         return false;
-    placeItems(where, count);
-    return true;
+    return placeItems(where, count);
 }
 
 bool ZVArray::insert(int index, const ZVariant& value) {
@@ -336,13 +353,20 @@ bool ZVArray::insertArray(int index, const ZVArray& other) {
     return insertItems(index, made.values(), made.count());
 }
 
-bool ZVArray::append(const ZArrayT<ZVariant>& values) {
+bool ZVArray::insert(int index, const ZArrayT<ZVariant>& values) {
     ZVArray made;
     if (!made.takeType(type)) return false;
     if (!type && data) return values.isEmpty();
     for (const ZVariant& value : values)
         if (!made.append(value)) return false;
-    return append(made);
+    return insertArray(index, made);
+}
+bool ZVArray::append(const ZVHashSet& values) {
+    ZFailGuard guard;
+    const ZVArray made(values);
+    if (!guard.rose()) return append(made);
+    guard.forget();
+    return false;
 }
 bool ZVArray::append(const ZArrayT<ZSelector>& names) {
     if (names.isEmpty()) return true;
@@ -392,7 +416,7 @@ bool ZVArray::remove(int index, int count) {
         data->count = left;
         return true;
     }
-    std::rotate(start + size_t(first) * size, start + size_t(last) * size, start + all * size);
+    detail::rotateBytes(start, size, size_t(first), size_t(last), all);
     data->count = left;
     // What ends may come back to this array: while the block is held, a write there makes another one.
     Block* held = retain(data);
@@ -411,14 +435,32 @@ bool ZVArray::setCount(int wanted) {
     const int all = int(count());
     return wanted < all ? remove(wanted, all - wanted) : appendNew(uint(wanted - all));
 }
-bool ZVArray::changePlace(int from, int to) {
-    if (!inRange(from) || !inRange(to) || !detach()) return false;
-    const size_t size = data->itemSize;
-    byte *start = data->items, *item = start + size_t(from) * size;
+bool ZVArray::removeItems(const ZArrayT<int>& indexes) {
+    ZArrayT<int> rest(indexes), gone;
+    if (isEmpty() || indexes.isEmpty()) return true;
+    if (!invertIndex(rest) || rest.count() == count()) return rest.count() == count();
+    const uint left = rest.count();
+    gone = rest;
+    // The rest in order, then what goes.
+    if (!invertIndex(gone) || !rest.append(gone) || !detach() || !reorder(rest.data())) return false;
+    return remove(int(left), int(gone.count()));
+}
+bool ZVArray::changePlace(int from, int count, int to) {
+    const large all = this->count();
+    if (from < 0 || to < 0 || count < 0 || large(from) + count > all || large(to) + count > all || !detach())
+        return false;
+    if (from == to || count == 0) return true;
     if (from < to)
-        std::rotate(item, item + size, start + size_t(to + 1) * size);
+        detail::rotateBytes(data->items, data->itemSize, uint(from), uint(from + count), uint(to + count));
     else
-        std::rotate(start + size_t(to) * size, item, item + size);
-    if (from != to) data->sorted = false;
+        detail::rotateBytes(data->items, data->itemSize, uint(to), uint(from), uint(from + count));
+    data->sorted = false;
     return true;
+}
+bool ZVArray::changePlace(const ZArrayT<int>& from, int to) {
+    ZArrayT<int> order(from);
+    if (!invertIndex(order)) return false;
+    // A position that isn't there, or is listed twice, leaves too few others.
+    if (order.count() + from.count() != count() || to < 0 || uint(to) > order.count()) return false;
+    return from.isEmpty() || (order.insert(uint(to), from.data(), from.count()) && detach() && reorder(order.data()));
 }

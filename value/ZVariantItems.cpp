@@ -1,6 +1,13 @@
 #include "object/ZMetaType.h"
+#include "object/names.h"
 #include "value/ZTypedPtr.h"
+#include "value/ZVArray.h"
 #include "value/ZVariant.h"
+
+static bool isValueList(const ZVariant& value) {
+    const int label = value.typeIndexLabel();
+    return label == ZMetaType::Array || label == ZMetaType::HashSet || value.typeName() == zsel<"ZTypeArray">();
+}
 
 uint ZVariant::itemCount() const { return ZTypedPtr(*this).itemCount(); }
 ZVariant ZVariant::itemByIndex(int index) const { return ZTypedPtr(*this).itemByIndex(index); }
@@ -31,7 +38,15 @@ bool ZVariant::contains(const ZVariant& item) const {
     if (typeType() == ZMetaType::Selector) return toSelector().contains(item.toSelector());
     if (typeType() == ZMetaType::String) return toString().pos(item.toString()) >= 0;
     // The key of an array is a position, which isn't asked for.
-    return typeIndexLabel() == ZMetaType::Array ? containsValue(item) : hasKey(item);
+    const bool array = typeIndexLabel() == ZMetaType::Array || typeName() == zsel<"ZTypeArray">();
+    if (array ? containsValue(item) : hasKey(item)) return true;
+    // An array or set of values is in another one when all of these are.
+    if (!isValueList(*this) || !isValueList(item)) return false;
+    ZFailGuard guard;
+    const ZVArray values(item), own(*this);
+    if (!guard.rose()) return own.contains(values);
+    guard.forget();
+    return false;
 }
 bool ZVariant::containsValue(const ZVariant& value) const { return ZTypedPtr(*this).containsValue(value); }
 bool ZVariant::hasKey(const ZSelector& key) const { return ZTypedPtr(*this).hasKey(key); }

@@ -3,8 +3,14 @@
 #include "object/forward.h"
 
 class ZArgument;
+class ZContentMap;
+class ZNamedTypeArray;
+class ZNamedTypeArrayType;
 class ZSampleTime;
+class ZTypeArray;
 class ZTypedPtr;
+class ZTypeNameMap;
+class ZTypeNameMapType;
 class ZUnknownData;
 class ZVariant;
 class ZVariantDelegate;

@@ -90,7 +90,7 @@ uint hash(const ZMetaType* type, const void* value, uint size) {
 }
 int compare(const ZMetaType* type, const void* a, const void* b, uint size) {
     if (!type) return orderBytes(a, b, size);
-    return plain(type) ? orderKind(type->kind(), a, b, type->byteSize()) : type->compareInstance(a, b);
+    return plain(type) ? compareKind(type->kind(), a, b, type->byteSize()) : type->compareInstance(a, b);
 }
 
 bool deepDetach(ZMetaType* type, void* value, ZDetachContext& context) {

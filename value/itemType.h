@@ -43,8 +43,10 @@ void end(const ZMetaType* type, void* value);
 /// An exact order for sorting and keys.
 int order(const ZMetaType* type, const void* a, const void* b, uint size);
 uint hash(const ZMetaType* type, const void* value, uint size);
-/// The order that users see.
+/// The order that users see: that of the type.
 int compare(const ZMetaType* type, const void* a, const void* b, uint size);
+/// What a method that is given two values makes of them.
+int askOrder(const ZMethodRef& method, const ZVariant& a, const ZVariant& b);
 /// Makes what the value holds its own, and, with a context, what that holds.
 bool deepDetach(ZMetaType* type, void* value, ZDetachContext& context);
 
