@@ -9,6 +9,6 @@ public:
     explicit ZContentMap(const ZNamedTypeArray& other) : ZNamedTypeArray(other) {}
 
     using ZNamedTypeArray::compare;
-    /// What both have under one name, as `compare` has it: a missing one comes behind an instance.
+    /// What both have under one name, as `compare` has it: a missing one comes before an instance.
     int compare(const ZContentMap& other, const ZSelector& name) const;
 };

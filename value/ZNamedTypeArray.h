@@ -3,7 +3,7 @@
 #include "core/ZHashSetT.h"
 #include "value/typeItems.h"
 
-extern template class orv::TypeItems<ZNamedTypeArray, orv::NamedTypeItem>;
+extern template class ORV_API orv::TypeItems<ZNamedTypeArray, orv::NamedTypeItem>;
 
 /// An array of instances of `ZType` classes with a name each, in one pointer. A name is looked for item by item, or by
 /// halving in an array sorted by its keys; of several items of one name the first one is found. See `orv::TypeItems`

@@ -2,7 +2,7 @@
 
 #include "value/typeItems.h"
 
-extern template class orv::TypeItems<ZTypeArray, orv::TypeItem>;
+extern template class ORV_API orv::TypeItems<ZTypeArray, orv::TypeItem>;
 
 /// An array of instances of `ZType` classes, in one pointer. See `orv::TypeItems` for what it shares with the named
 /// kind.

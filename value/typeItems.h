@@ -11,7 +11,7 @@
 namespace orv {
 
 /// An instance in an array, alone or under a name.
-struct TypeItem {
+struct ORV_API TypeItem {
     using ZRelocatable = void;
 
     TypeItem() = default;
@@ -19,7 +19,7 @@ struct TypeItem {
 
     ZRetainPtrT<ZType> type;
 };
-struct NamedTypeItem {
+struct ORV_API NamedTypeItem {
     using ZRelocatable = void;
 
     NamedTypeItem() = default;
