@@ -3,6 +3,8 @@
 #include "core/ZSelector.h"
 #include "object/glue.h"
 #include "text/ZString.h"
+#include "value/ZVArray.h"
+#include "value/ZVKeyMap.h"
 
 namespace orv::glue {
 
@@ -16,6 +18,7 @@ template <> struct Table<ZSelectString> : Declares<ZSelectString> {
         ORV_METHOD(int, compare, (const ZSelectString&), const),
         ORV_METHOD(uint, hashKey, (), const),
         ORV_METHOD(ZString, toString, (), const),
+        ORV_STATIC(ZVKeyMap, valueMap, (const ZVArray&)),
     };
     static constexpr ClassInfo info = {.kind = Kind::Structure, .flags = typePublic};
 };

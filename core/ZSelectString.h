@@ -3,6 +3,8 @@
 #include "core/ZSelector.h"
 #include "text/ZString.h"
 
+class ZVKeyMap;
+
 /// A selector and a text as one value.
 class ORV_API ZSelectString {
 public:
@@ -25,6 +27,9 @@ public:
     uint hashKey() const { return selector.key() ^ string.textHash(); }
     /// Both texts with a blank between them.
     ZString toString() const;
+    /// The texts of an array of such values by their selectors; of one selector the last text counts. Empty, with a
+    /// failure raised, without memory and for an item that is none.
+    static ZVKeyMap valueMap(const ZVArray& items);
 
     ZSelector selector;
     ZString string;

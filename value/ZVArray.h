@@ -245,7 +245,8 @@ public:
     bool detach() { return detach(false); }
     /// With `grow` the own block gets as much room as the shared one has.
     bool detach(bool grow);
-    /// Makes what the items hold this array's own too.
+    /// Makes what the items hold this array's own too: instances that others hold are replaced by copies. On failure
+    /// some of them may have been.
     bool deepDetach();
     bool deepDetach(ZDetachContext* context);
     /// Gives up the block; true if nobody else holds it.

@@ -193,13 +193,17 @@ bool ZVArray::deepDetach() {
 bool ZVArray::deepDetach(ZDetachContext* context) {
     if (!context) return deepDetach();
     if (item::plain(type)) return detach();
-    // Built aside: where one item fails, this array is as it was.
-    ZVArray made(*this);
-    if (!made.detach()) return false;
-    for (uint i = 0; i < made.count(); ++i)
-        if (!item::deepDetach(type, made.at(i), *context)) return false;
-    swap(made);
-    return true;
+    if (!detach(true)) return false;
+    if (!data) return true;
+    // In place, so that this array's references don't count as somebody else's; who comes back to write it meanwhile
+    // gets another block.
+    Block* const held = retain(data);
+    bool done = true;
+    for (uint i = 0; done && i < held->count; ++i)
+        done = item::deepDetach(type, held->items + size_t(i) * held->itemSize, *context);
+    done = done && data == held;
+    freeBlock(type, held);
+    return done;
 }
 bool ZVArray::drop() {
     const bool last = isDetached();

@@ -1,4 +1,5 @@
 #include "core/ZArrayT.h"
+#include "core/ZSelectString.h"
 #include "core/ZSelector.h"
 #include "object/ZMetaType.h"
 #include "object/ztype.h"
@@ -6,6 +7,7 @@
 #include "value/ZArgument.h"
 #include "value/ZVArray.h"
 #include "value/ZVHashSet.h"
+#include "value/ZVKeyMap.h"
 #include "value/ZVariant.h"
 
 // What names have to do with types and values.
@@ -52,6 +54,21 @@ ZVHashSet ZSelector::separateSet(Type type) const {
             ZError::fail();
             break;
         }
+    return made;
+}
+
+ZVKeyMap ZSelectString::valueMap(const ZVArray& items) {
+    ZVKeyMap made(ztype<ZSelector>(), ztype<ZString>());
+    const ZVArray kept(items);
+    for (int i = 0; uint(i) < kept.count(); ++i) {
+        const ZVariant item = kept.variant(i);
+        auto pair = item.type() == ztype<ZSelectString>() ? static_cast<const ZSelectString*>(item.getPtr()) : nullptr;
+        if (!pair || !made.setItem(&pair->selector, &pair->string)) {
+            made.clear();
+            ZError::fail();
+            break;
+        }
+    }
     return made;
 }
 

@@ -187,7 +187,8 @@ public:
     bool detach(bool grow) { return detach(false, grow); }
     /// With `deep`, copies replace the instances that others hold too, and of a shared block all.
     bool detach(bool deep, bool grow);
-    /// Makes what the instances hold this array's own too.
+    /// Makes what the instances hold this array's own too: those that others hold are replaced by copies. On failure
+    /// some of them may have been.
     bool deepDetach();
     bool deepDetach(ZDetachContext* context);
     /// Gives up the block; true if nobody else holds it.

@@ -1,11 +1,13 @@
 #include "value/ZArgument.h"
 
+#include "core/ZSelectString.h"
 #include "object/ztype.h"
 #include "tests/support/CoreScope.h"
 #include "text/ZRange.h"
 #include "value/ZSampleTime.h"
 #include "value/ZVArray.h"
 #include "value/ZVHashSet.h"
+#include "value/ZVKeyMap.h"
 #include "value/ZVariant.h"
 
 #include <gtest/gtest.h>
@@ -149,6 +151,16 @@ TEST_F(ZArgumentTest, NamesToTypesAndValues) {
     EXPECT_EQ(words.separate().count(), 3u);
     EXPECT_EQ(words.separateSet().count(), 2u);
     EXPECT_EQ(ZSelector(words.separate()), words);
+    ZVArray pairs(ztype<ZSelectString>());
+    for (const char* text : {"a one", "b two", "a three"}) {
+        const ZSelectString pair{ZString(text)};
+        ASSERT_TRUE(pairs.appendItem(&pair));
+    }
+    const ZVKeyMap map = ZSelectString::valueMap(pairs);
+    EXPECT_EQ(map.count(), 2u);
+    EXPECT_EQ(map.variant(ZVariant(ZSelector("a"))), ZVariant("three"));
+    EXPECT_TRUE(ZSelectString::valueMap(words.separate()).isEmpty());
+    EXPECT_TRUE(zresetfail());
     EXPECT_EQ(ZVArray("word").count(), 1u);
     EXPECT_EQ(ZVArray(ZVariant("a b c")).count(), 3u);
     EXPECT_EQ(ZString("x;y;;z").separate(';', false).count(), 3u);

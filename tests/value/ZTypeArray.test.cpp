@@ -105,9 +105,16 @@ TEST_F(TypeArrays, DetachesDeeplyWhatOthersHold) {
     ZTypeArray shallow(array);
     ASSERT_TRUE(shallow.detach());
     EXPECT_EQ(shallow.get(0), own);
-    ASSERT_TRUE(shallow.deepDetach());
+    ZVArray general = shallow.array();
+    ASSERT_TRUE(shallow.deepDetach() && general.deepDetach());
     EXPECT_EQ(told(shallow), "a-s");
+    EXPECT_NE(general.valuePtr(0), own);
     EXPECT_TRUE(array.isDetached());
+    // What nobody else holds stays itself.
+    const void* const alone[] = {shallow.get(0), general.valuePtr(0)};
+    ASSERT_TRUE(shallow.deepDetach() && general.deepDetach());
+    EXPECT_EQ(shallow.get(0), alone[0]);
+    EXPECT_EQ(general.valuePtr(0), alone[1]);
 }
 
 TEST_F(TypeArrays, OrderAndExcerpts) {
@@ -288,6 +295,9 @@ TEST_F(TypeArrays, ByName) {
     EXPECT_TRUE(invoke(array, "append", piece("c").get()).toBool());
     EXPECT_TRUE(invoke(array, "sort").toBool());
     EXPECT_EQ(invoke(array, "count").toInt(), 3);
+    const int places[] = {0, 1, 1};
+    EXPECT_TRUE(array.invoke("changePlace", ZVArray(ztype<int>(), places, 3)).toBool());
+    EXPECT_TRUE(array.invoke("changePlace", ZVArray(ztype<int>(), places, 2)).toBool());
     EXPECT_EQ(textOf(invoke(array, "get", 2).toType()), "c");
     EXPECT_EQ(told(*static_cast<const ZTypeArray*>(invoke(array, "extract", 1, 5).getPtr())), "bc");
     EXPECT_TRUE(array.contains(ZVariant(piece("b").get())));
