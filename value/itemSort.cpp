@@ -113,16 +113,17 @@ template <class T> bool orderNumbers(const ItemRow& row, int* positions, bool as
     return takePositions(records, row.count, positions);
 }
 
-// Texts carry eight of their characters along, so that most comparisons need not look at the text.
+// Texts are sorted by eight of their characters at a time, which their records carry, so that most are looked at once.
 
-template <class C> uint sharedStart(const C* text, uint length, const char* start, uint shared) {
+/// How many characters two texts share from `start` on, as far as these are ASCII and no more than `most`.
+template <class C> uint sharedStart(const C* text, uint length, const char* other, uint start, uint most) {
     uint same = 0;
-    while (same < shared && same < length && text[same] == C(start[same])) ++same;
+    while (same < most && start + same < length && text[start + same] == C(other[start + same])) ++same;
     return same;
 }
 /// Up to eight characters from `start` on, as a number in their order. Beyond ASCII only that it is so: two such texts
 /// are equal by this.
-template <class C> ularge startOf(const C* text, uint length, uint start) {
+template <class C> ularge charactersAt(const C* text, uint length, uint start) {
     ularge number = 0;
     for (uint i = 0; i < 8; ++i) {
         const ularge unit = start + i < length ? std::make_unsigned_t<C>(text[start + i]) : 0;
@@ -131,38 +132,76 @@ template <class C> ularge startOf(const C* text, uint length, uint start) {
     }
     return number;
 }
-const ZString& textAt(const ItemRow& row, uint index) { return *reinterpret_cast<const ZString*>(row.at(index)); }
-
-/// How many ASCII characters all texts begin with.
-uint commonStart(const ItemRow& row) {
-    const auto view = textAt(row, 0).view();
-    if (view.width != detail::charText) return 0;
-    const auto start = static_cast<const char*>(view.text);
-    uint shared = 0;
-    while (shared < uint(view.length) && byte(start[shared]) < 0x80) ++shared;
-    for (uint i = 1; shared && i < row.count; ++i)
-        shared = detail::withText(textAt(row, i).view(), [&](auto text, int length) {
-            return sharedStart(text, uint(length), start, shared);
-        });
-    return shared;
+/// Whether the text goes on behind these.
+bool eightASCII(ularge bits) {
+    constexpr ularge ones = 0x0101010101010101, tops = ones * 0x80;
+    return !(bits & tops) && !((bits - ones) & tops);
 }
 
-bool orderTexts(const ItemRow& row, int* positions, bool ascending) {
+class TextSort {
+public:
     using R = Placed<ularge>;
+
+    TextSort(const ItemRow& row, bool ascending, R* scratch) : row(row), ascending(ascending), scratch(scratch) {}
+
+    /// All of the records begin with the same `start` ASCII characters.
+    void sort(R* records, uint count, uint start, int depth) {
+        if (count < few || depth > deepest) return compareWhole(records, count);
+        start += commonStart(records, count, start);
+        for (uint i = 0; i < count; ++i) {
+            const ularge bits = detail::withText(
+                view(records[i]), [&](auto text, int length) { return charactersAt(text, uint(length), start); });
+            records[i].bits = ascending ? bits : ~bits;
+        }
+        sortRecords(records, count, scratch);
+        for (uint from = 0, to; from < count; from = to) {
+            const ularge bits = records[from].bits;
+            for (to = from + 1; to < count && records[to].bits == bits;) ++to;
+            if (to - from == 1) continue;
+            if (eightASCII(ascending ? bits : ~bits))
+                sort(records + from, to - from, start + 8, depth + 1);
+            else
+                compareWhole(records + from, to - from);
+        }
+    }
+
+private:
+    static constexpr uint few = 4;
+    static constexpr int deepest = 64;
+
+    const ZString& text(const R& record) const { return *reinterpret_cast<const ZString*>(row.at(uint(record.index))); }
+    detail::TextView view(const R& record) const { return text(record).view(); }
+
+    uint commonStart(const R* records, uint count, uint start) const {
+        const detail::TextView first = view(*records);
+        if (first.width != detail::charText) return 0;
+        const auto other = static_cast<const char*>(first.text);
+        uint shared = 0;
+        while (start + shared < uint(first.length) && byte(other[start + shared]) < 0x80) ++shared;
+        for (uint i = 1; shared && i < count; ++i)
+            shared = detail::withText(view(records[i]), [&](auto text, int length) {
+                return sharedStart(text, uint(length), other, start, shared);
+            });
+        return shared;
+    }
+    void compareWhole(R* records, uint count) {
+        mergeRecords(records, count, scratch, [&](const R& a, const R& b) {
+            const int order = text(a).compare(text(b));
+            return ascending ? order > 0 : order < 0;
+        });
+    }
+
+    const ItemRow& row;
+    bool ascending;
+    R* scratch;
+};
+
+bool orderTexts(const ItemRow& row, int* positions, bool ascending) {
+    using R = TextSort::R;
     R* records = makeRecords<R>(row.count);
     if (!records) return false;
-    const uint start = commonStart(row);
-    for (uint i = 0; i < row.count; ++i) {
-        const ularge bits = detail::withText(textAt(row, i).view(),
-                                             [&](auto text, int length) { return startOf(text, uint(length), start); });
-        records[i] = {bits, int(i)};
-    }
-    auto behind = [&](const R& a, const R& b) {
-        int order = (a.bits > b.bits) - (a.bits < b.bits);
-        if (!order) order = textAt(row, uint(a.index)).compare(textAt(row, uint(b.index)));
-        return ascending ? order > 0 : order < 0;
-    };
-    mergeRecords(records, row.count, records + row.count, behind);
+    for (uint i = 0; i < row.count; ++i) records[i] = {0, int(i)};
+    TextSort(row, ascending, records + row.count).sort(records, row.count, 0, 0);
     return takePositions(records, row.count, positions);
 }
 

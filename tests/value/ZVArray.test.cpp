@@ -241,6 +241,9 @@ TEST_F(ZVArrayTest, SortsEveryKindStably) {
             made.setNumber(int(i));
             return ZVariant(types->small, &made);
         });
+        ZVArray& deep = arrays.emplace_back((*types)[ZMetaType::String]);
+        for (int i = 0; i < count; ++i)
+            ASSERT_TRUE(deep.append(text(std::string(size_t(i * 37 % 90 * 9), 'x').c_str())));
         for (ZVArray& array : arrays) {
             SCOPED_TRACE(std::string(array.getTypeName().string()) + std::to_string(count));
             ASSERT_EQ(array.count(), uint(count));
