@@ -9,8 +9,7 @@ namespace orv {
 
 /// Values of one type at equal distances, as any container holds its items: lent for as long as their block is held and
 /// not written. What containers make of their items in a row stands here once. A value is looked for as the exact order
-/// finds it equal: reals to the last bit, but for -0 and 0. Positions are -1 where nothing is found. What answers a
-/// bool for want of memory says so.
+/// finds it equal: reals to the last bit, but for -0 and 0. Positions are -1 where nothing is found.
 struct ORV_API ItemRow {
     ZMetaType* type = nullptr; ///< null: bytes
     const byte* first = nullptr;

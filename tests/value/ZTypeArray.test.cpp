@@ -77,7 +77,9 @@ TEST_F(TypeArrays, HoldsReferences) {
         ZTypeArray refused(ZVArray("some names"));
         EXPECT_TRUE(zresetfail());
         EXPECT_TRUE(refused.isEmpty());
-        ASSERT_TRUE(array.cleanupPtr(a));
+        ZVArray general = array.array();
+        ASSERT_TRUE(array.cleanupPtr(a) && general.cleanupPtr(a));
+        EXPECT_EQ(general.findPointer(a), -1);
         EXPECT_EQ(told(array), "----");
         EXPECT_EQ(a->refcount(), 2);
     }

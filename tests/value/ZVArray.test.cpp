@@ -44,6 +44,11 @@ TEST_F(ZVArrayTest, BytesOfOneSize) {
     }
     EXPECT_FALSE(ZVArray().setItemSize(0));
     EXPECT_FALSE(ZVArray().setItemSize(0xFFFFFFFF));
+    // Count times size is more than there can be.
+    ZVArray huge;
+    ASSERT_TRUE(huge.setItemSize(0x7FFFFFFF));
+    EXPECT_FALSE(huge.expand(0x7FFFFFFF) || huge.setSpace(0x7FFFFFFF) || huge.setCount(0x7FFFFFFF));
+    EXPECT_EQ(huge.maxcount(), 0u);
 }
 
 TEST_F(ZVArrayTest, InsertsWithinTheCount) {
