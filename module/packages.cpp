@@ -27,15 +27,13 @@ constexpr const ClassRow* ztlTypes[] = {
 };
 
 constexpr const ClassRow* baseTypes[] = {
-    &Row<ZAtomicInt>::row,   &Row<ZLock>::row,           &Row<ZUnique>::row,
-    &Row<ZChar>::row,        &Row<ZString>::row,         &Row<ZStringPair>::row,
-    &Row<ZInteger>::row,     &Row<ZCharBuffer>::row,     &Row<ZRange>::row,
-    &Row<ZTime>::row,        &Row<ZDateTime>::row,       &Row<ZBlendPos>::row,
-    &Row<ZFileName>::row,    &Row<ZFileInfo>::row,       &Row<ZTypedPtr>::row,
-    &Row<ZVariant>::row,     &Row<ZVArray>::row,         &Row<ZVHashSet>::row,
-    &Row<ZVSelectMap>::row,  &Row<ZVKeyMap>::row,        &Row<ZSampleTime>::row,
-    &Row<ZTypeArray>::row,   &Row<ZNamedTypeArray>::row, &Row<ZContentMap>::row,
-    &Row<ZTypeNameMap>::row, &Row<ZRegExp>::row,         &Row<ZLongestCommonSubsequence>::row,
+    &Row<ZAtomicInt>::row,  &Row<ZLock>::row,        &Row<ZUnique>::row,     &Row<ZChar>::row,
+    &Row<ZString>::row,     &Row<ZStringPair>::row,  &Row<ZInteger>::row,    &Row<ZCharBuffer>::row,
+    &Row<ZRange>::row,      &Row<ZTime>::row,        &Row<ZDateTime>::row,   &Row<ZBlendPos>::row,
+    &Row<ZFileName>::row,   &Row<ZFileInfo>::row,    &Row<ZTypedPtr>::row,   &Row<ZVariant>::row,
+    &Row<ZVArray>::row,     &Row<ZVHashSet>::row,    &Row<ZVSelectMap>::row, &Row<ZVKeyMap>::row,
+    &Row<ZVMatrix>::row,    &Row<ZSampleTime>::row,  &Row<ZTypeArray>::row,  &Row<ZNamedTypeArray>::row,
+    &Row<ZContentMap>::row, &Row<ZTypeNameMap>::row, &Row<ZRegExp>::row,     &Row<ZLongestCommonSubsequence>::row,
 };
 
 constexpr const ClassRow* objectTypes[] = {

@@ -173,6 +173,7 @@ ZObject::~ZObject() {
         orv::dropDelegates(this);
         if (priv->has(ObjectData::ExtendTypes))
             for (ZMetaType* type : std::as_const(priv->extendTypes)) type->release();
+        orv::dropPosts(*priv);
         orv::NameIndex::drop(priv->childNames);
         orv::NameIndex::drop(priv->delegateNames);
         priv->~ObjectData();

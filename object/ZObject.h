@@ -444,7 +444,7 @@ public:
     virtual bool sendEvent(ZEvent* event);
     virtual bool runLoop(bool wait);
 
-    // Posting: methods to be called soon, or after a time in seconds. None, 0 and false without a queue.
+    // Posting: methods to be called soon, or later. None, 0 and false without a queue, but for the ids noted by name.
 
     virtual ZUnique postMethod(const ZMethodRef& method);
     virtual bool postMethod(const ZUnique& id, const ZMethodRef& method);

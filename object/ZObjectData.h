@@ -35,6 +35,8 @@ private:
     Entry* entry(uint name) const;
 };
 
+struct ObjectPosts;
+
 /// A lock that is made when it is first taken. Who reads does so only behind a flag that was set under the lock.
 class LazyLock {
 public:
@@ -99,6 +101,7 @@ struct ObjectData {
     ZAnimation* animation = nullptr;
     ZEvent* currentEvent = nullptr;
     ZObject* nextToDelete = nullptr;
+    ObjectPosts* posts = nullptr; ///< made on demand, see object/ZObjectPosts.cpp
 
     LazyLock lock; ///< "object method lock", of what follows
     ZObject::MethodTable methods;
@@ -169,6 +172,8 @@ void nameChanged(ZObject* object);
 bool holdDelegates(const ZObject* object, ZArrayT<ZRetainPtrT<ZObject>>& delegates);
 /// Brings the table of methods that extensions bring up to date; false without memory.
 bool freshExtension(const ZObject* object);
+/// An object goes: so do its named posts.
+void dropPosts(ObjectData& data);
 /// An object goes: it lets its delegates go, and is none any more.
 void dropDelegates(ZObject* object);
 

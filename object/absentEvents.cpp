@@ -27,7 +27,6 @@ ZUnique ZObject::postMethod(const ZMethodRef&) { return ZUnique(0); }
 bool ZObject::postMethod(const ZUnique&, const ZMethodRef&) { return false; }
 ZUnique ZObject::timedMethod(const ZMethodRef&, real) { return ZUnique(0); }
 bool ZObject::timedMethod(const ZUnique&, const ZMethodRef&, real) { return false; }
-ZUnique ZObject::postedMethodId(const ZSelector&) const { return ZUnique(0); }
 bool ZObject::hasPostMethod(const ZUnique&) const { return false; }
 bool ZObject::hasTimedMethod(const ZUnique&) const { return false; }
 bool ZObject::isTimedPost(const ZSelector&) const { return false; }
@@ -37,8 +36,6 @@ int ZObject::startTimer(const ZMethodRef&, real) { return 0; }
 bool ZObject::stopTimer(int) { return false; }
 bool ZObject::removePostMethod(const ZUnique&) { return false; }
 bool ZObject::removeTimedMethod(const ZUnique&) { return false; }
-bool ZObject::setPostedMethodId(const ZSelector&, const ZUnique&) { return false; }
-bool ZObject::removeMethodPost(const ZSelector&) { return false; }
 bool ZObject::addMethodPost(const ZSelector&, const ZMethodRef&) { return false; }
 bool ZObject::addMethodPost(const ZSelector&, const ZMethodRef&, real) { return false; }
 bool ZObject::addMethodPost(const ZSelector&, const ZSelector&) { return false; }
@@ -47,5 +44,3 @@ bool ZObject::addMethodPost(const ZSelector&) { return false; }
 bool ZObject::addMethodPost(const ZSelector&, real) { return false; }
 void ZObject::exitLoop() {}
 bool ZObject::postEvent(ZEvent*) { return false; }
-ZUnique ZObject::namedMethodPostId(const ZSelector&) const { return ZUnique(0); }
-bool ZObject::setNamedMethodPostId(const ZSelector&, const ZUnique&) { return false; }

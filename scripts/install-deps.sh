@@ -6,7 +6,7 @@ packages() {
     case $1 in
     build) echo g++ clang libclang-rt-14-dev cmake ninja-build make ccache pkg-config git python3 \
         libicu-dev libssl-dev libpcre2-dev libgtest-dev libcli11-dev libbenchmark-dev gdb ;;
-    bench) echo libbenchmark-dev qtbase5-dev libglib2.0-dev librttr-dev libtbb-dev libicu-dev ;;
+    bench) echo libbenchmark-dev qtbase5-dev libglib2.0-dev librttr-dev libtbb-dev libabsl-dev libicu-dev ;;
     docs) echo doxygen ;;
     *) echo "unknown group: $1" >&2; exit 2 ;;
     esac

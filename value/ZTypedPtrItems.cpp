@@ -111,8 +111,10 @@ bool setAt(ZVHashSet& items, int index, const V& value) {
     return !old.isNull() && items.replace(old, value);
 }
 bool setKey(ZVHashSet& items, const V& key, const V& value) { return items.replace(key, value); }
-bool append(ZVHashSet& items, const V& value) { return items.add(value); }
-bool insert(ZVHashSet& items, const V&, const V& value) { return items.addNew(value); }
+/// A set without a type takes nothing; to try is an error that ends the process.
+bool takes(const ZVHashSet& items) { return items.hasType() || items.block(); }
+bool append(ZVHashSet& items, const V& value) { return takes(items) && items.add(value); }
+bool insert(ZVHashSet& items, const V&, const V& value) { return takes(items) && items.addNew(value); }
 bool removeAt(ZVHashSet& items, int index) { return items.removeIndex(index); }
 void clear(ZVHashSet& items) { items.clear(); }
 

@@ -8,19 +8,23 @@
 #include "value/valueMapData.h"
 
 #include <algorithm>
+#include <cstring>
 
 using namespace orv;
 
 // Lifetime
 
 ZVHashSet::ZVHashSet(ZMetaType* type, uint capacity, int16 expand, uint hashBits) : ZVHashSet(type) {
-    if (type && !create(0, 0, capacity, expand, hashBits, 0)) ZError::fail();
+    if (type && !init(capacity, expand, hashBits, 0, 0)) ZError::fail();
 }
 ZVHashSet::ZVHashSet(const ZVArray& values) : ZVHashSet(values.getValueType()) {
     if (!add(values)) ZError::fail();
 }
-bool ZVHashSet::init(uint capacity, int16 expand, uint hashBits, uint load, uint valueSize) {
-    return create(0, valueSize, capacity, expand, hashBits, load);
+bool ZVHashSet::init(uint capacity, int16 expand, uint hashBits, uint autoHash, uint valueSize) {
+    return setData(create(capacity, expand, hashBits, autoHash, valueSize));
+}
+ZVHashSet::MapData* ZVHashSet::create(uint capacity, int16 expand, uint hashBits, uint autoHash, uint valueSize) const {
+    return make(nullptr, 0, valueSize, capacity, expand, hashBits, autoHash);
 }
 bool ZVHashSet::initType(ZMetaType* type) { return changeType(type); }
 
@@ -34,53 +38,79 @@ bool ZVHashSet::countUse(int index, bool more) {
     if (!more) --usage;
     return true;
 }
+static void noType() { orv_assertw("zvhashset", "ZVHashSet no type", __FILE__, __LINE__); }
+
 bool ZVHashSet::addItem(const void* item) {
-    if (!type && !data) orv_assertw("zvhashset", "ZVHashSet no type", __FILE__, __LINE__);
+    if (!canAdd()) noType();
     if (int at = findItem(item); at >= 0) return !multi || countUse(at, true);
-    return addNewItem(item);
+    return putItem(item, item, false, true);
 }
-bool ZVHashSet::addNewItem(const void* item) { return findItem(item) < 0 && putItem(item, item, false, true); }
-bool ZVHashSet::add(const ZVariant& value) {
-    if (!type && !data) {
-        ZVHashSet made(value.type());
-        made.multi = multi;
-        if (!made.type || !made.add(value)) return false;
-        *this = std::move(made);
-        return true;
-    }
+bool ZVHashSet::addNewItem(const void* item) {
+    if (!canAdd()) noType();
+    return findItem(item) < 0 && putItem(item, item, false, true);
+}
+/// False without a type.
+bool ZVHashSet::addGiven(const ZVariant& value) {
     item::Given given(type, value);
     return given.address() && addItem(given.address());
 }
-bool ZVHashSet::addNew(const ZVariant& value) { return !contains(value) && add(value); }
+bool ZVHashSet::add(const ZVariant& value) {
+    if (!canAdd()) noType();
+    return addGiven(value);
+}
+bool ZVHashSet::addNew(const ZVariant& value) {
+    if (!canAdd()) noType();
+    return !contains(value) && addGiven(value);
+}
 bool ZVHashSet::addSelector(const ZSelector& name) { return isSelectorType() ? addItem(&name) : add(ZVariant(name)); }
 
-/// Adds all values, or none.
-template <class F> bool ZVHashSet::addAll(uint values, F&& value) {
-    ZVHashSet made(*this);
-    for (uint i = 0; i < values; ++i)
-        if (!made.add(value(int(i)))) return false;
-    *this = std::move(made);
-    return true;
+/// Moves the values of a set of the same type in. Nobody shares its data.
+bool ZVHashSet::merge(ZVHashSet& made) {
+    if (!multi || !made.multi)
+        for (uint i = 0; i < made.count(); ++i) made.data->usage(i) = 1;
+    return absorb(made, multi);
 }
-bool ZVHashSet::add(const ZVHashSet& other) {
-    if (!type && !data) {
-        const bool multiple = multi;
-        *this = other;
-        multi = multiple;
+/// Adds all values, or none; `of` is their type.
+template <class F> bool ZVHashSet::addAll(ZMetaType* of, uint values, F&& value) {
+    if (!canAdd()) {
+        ZVHashSet made(of);
+        made.multi = multi;
+        if (!made.type) return values == 0;
+        if (!made.addAll(of, values, value)) return false;
+        *this = std::move(made);
         return true;
     }
-    const ZVHashSet from(other);
-    return addAll(from.count(), [&](int i) { return from.entry(i); });
+    ZVHashSet made(type);
+    made.multi = multi;
+    for (uint i = 0; i < values; ++i)
+        if (!made.addGiven(value(int(i)))) return false;
+    return merge(made);
+}
+bool ZVHashSet::add(const ZVHashSet& other) {
+    if (!canAdd() || sameTypes(other)) {
+        ZVHashSet made(other);
+        if (!made.detach() || (!type && !data && !takeType(other.type))) return false;
+        return merge(made);
+    }
+    ZVHashSet made(type);
+    made.multi = true;
+    for (uint i = 0; i < other.count(); ++i) {
+        const ZVariant value = other.entry(int(i));
+        const item::Given given(type, value);
+        if (!given.address() || !made.addItem(given.address())) return false;
+        made.data->usage(uint(made.findItem(given.address()))) += other.usageAt(int(i)) - 1;
+    }
+    made.multi = other.multi;
+    return merge(made);
 }
 bool ZVHashSet::add(const ZVArray& values) {
-    const ZVArray from(values);
-    return addAll(from.count(), [&](int i) { return from.variant(i); });
+    return addAll(values.getValueType(), values.count(), [&](int i) { return values.variant(i); });
 }
 bool ZVHashSet::add(const ZVSelectMap& map) {
-    return addAll(map.count(), [&](int i) { return map.entry(i); });
+    return addAll(map.getValueType(), map.count(), [&](int i) { return map.entry(i); });
 }
 bool ZVHashSet::add(const ZVKeyMap& map) {
-    return addAll(map.count(), [&](int i) { return map.entry(i); });
+    return addAll(map.getValueType(), map.count(), [&](int i) { return map.entry(i); });
 }
 bool ZVHashSet::replace(const ZVariant& value, const ZVariant& with) {
     const int at = findValue(value);
@@ -109,13 +139,25 @@ bool ZVHashSet::contains(const ZVArray& values) const {
             return false;
     return true;
 }
+template <class Map> static bool containsValues(const ZVHashSet& set, const Map& map) {
+    for (uint i = 0; i < map.count(); ++i)
+        if (!set.contains(map.entry(int(i)))) return false;
+    return true;
+}
+bool ZVHashSet::contains(const ZVSelectMap& map) const { return containsValues(*this, map); }
+bool ZVHashSet::contains(const ZVKeyMap& map) const { return containsValues(*this, map); }
+bool ZVHashSet::contains(const ZArrayT<ZSelector>& names) const {
+    for (const ZSelector& name : names)
+        if (!hasSelector(name)) return false;
+    return true;
+}
 bool ZVHashSet::hasSelector(const ZSelector& name) const {
     return isSelectorType() ? findRaw(&name) >= 0 : contains(ZVariant(name));
 }
 uint ZVHashSet::usageAt(int index) const { return inRange(index) ? data->usage(uint(index)) : 0; }
 uint ZVHashSet::usage(const ZVariant& value) const { return usageAt(findValue(value)); }
 bool ZVHashSet::matches(const ZVHashSet& other) const { return count() == other.count() && contains(other); }
-/// Whether a format takes one number and nothing else: others would read what isn't there.
+/// Whether a format takes one integer and nothing else: others would read what isn't there.
 static bool hasOneNumber(const char* format) {
     int numbers = 0;
     for (const char* at = format; at && *at; ++at) {
@@ -123,7 +165,7 @@ static bool hasOneNumber(const char* format) {
         if (*++at == '%') continue;
         int width = 0;
         while (*at >= '0' && *at <= '9' && width++ < 3) ++at;
-        if ((*at != 'd' && *at != 'u' && *at != 'x') || ++numbers > 1) return false;
+        if (!*at || !std::strchr("dioux", *at) || ++numbers > 1) return false;
     }
     return numbers == 1;
 }
@@ -160,12 +202,60 @@ bool ZVHashSet::remove(const ZVariant& value, bool all) {
 bool ZVHashSet::removeSelector(const ZSelector& name) {
     return isSelectorType() ? removeItem(&name, true) : remove(ZVariant(name), true);
 }
-bool ZVHashSet::removeSet(const ZVHashSet& other) {
-    if (type != other.type) return true;
-    ZArrayT<int> places;
-    for (uint i = 0; i < other.count(); ++i)
-        if (int at = findRaw(other.valuePtr(int(i))); at >= 0 && !places.append(at)) return false;
-    return removeItems(places);
+/// Removes values in one pass: `place(i, times)` answers where the i-th one stands here, -1 if it doesn't, and how
+/// often it goes.
+template <class F> bool ZVHashSet::removeAll(uint values, bool all, F&& place) {
+    ZArrayT<int> gone;
+    if (!multi || all) {
+        for (uint i = 0; i < values; ++i) {
+            uint times;
+            if (int at = place(int(i), times); at >= 0 && !gone.append(at)) return false;
+        }
+        return removeItems(gone);
+    }
+    if (isEmpty()) return true;
+    ZArrayT<uint> left;
+    if (!left.setCount(count()) || !gone.reserve(count())) return false;
+    for (uint i = 0; i < count(); ++i) left[i] = data->usage(i);
+    for (uint i = 0; i < values; ++i) {
+        uint times = 1;
+        const int at = place(int(i), times);
+        if (at < 0 || !left[uint(at)]) continue;
+        left[uint(at)] -= std::min(times, left[uint(at)]);
+        if (!left[uint(at)] && !gone.append(at)) return false;
+    }
+    if (!detach()) return false;
+    for (uint i = 0; i < count(); ++i)
+        if (left[i]) data->usage(i) = left[i];
+    return removeItems(gone);
+}
+bool ZVHashSet::remove(const ZVHashSet& other, bool all) {
+    const ZVHashSet kept(other);
+    return removeAll(kept.count(), all, [&](int i, uint& times) {
+        times = kept.multi ? kept.usageAt(i) : 1;
+        return type == kept.type ? findRaw(std::as_const(kept).valuePtr(i)) : findValue(kept.entry(i));
+    });
+}
+bool ZVHashSet::remove(const ZVArray& values, bool all) {
+    return removeAll(values.count(), all, [&](int i, uint& times) {
+        times = 1;
+        return type == values.getValueType() ? findRaw(values.get(i)) : findValue(values.variant(i));
+    });
+}
+bool ZVHashSet::changed() {
+    ZArrayT<int> order, gone;
+    if (isEmpty()) return true;
+    if (!detach() || !getSortOrder(order, true) || !gone.reserve(count())) return false;
+    data->rehash();
+    // Equal ones stand side by side now, the first one in front.
+    for (uint i = 1, first = 0; i < order.count(); ++i) {
+        const uint kept = uint(order[first]), at = uint(order[i]);
+        if (data->orderKeys(data->key(kept), data->key(at)) != 0)
+            first = i;
+        else if (gone.append(int(at)))
+            data->usage(kept) += data->usage(at);
+    }
+    return removeItems(gone);
 }
 bool ZVHashSet::intersection(const ZVHashSet& other) {
     ZArrayT<int> places;

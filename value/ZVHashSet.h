@@ -7,6 +7,8 @@
 /// maps.
 class ORV_API ZVHashSet : public orv::ValueMap {
 public:
+    using MapData = orv::ValueMapData;
+
     // Lifetime. A constructor without memory raises `ZError::fail` and leaves the set empty.
 
     constexpr ZVHashSet() : ValueMap(orv::MapForm::Set) {}
@@ -28,24 +30,29 @@ public:
         return *this;
     }
     void assign(const ZVHashSet& other) { *this = other; }
-    /// Drops the items and sets the set up anew. With `load` above 0 the hash bits follow from the capacity;
-    /// `valueSize` counts for a set without a type, which then holds bytes.
-    bool init(uint capacity, int16 expand, uint hashBits, uint load, uint valueSize);
+    /// Drops the items and sets the set up anew. With `autoHash` above 0 the hash bits follow the count at that
+    /// percentage; `valueSize` counts for a set without a type, which then holds bytes.
+    bool init(uint capacity, int16 expand, uint hashBits, uint autoHash, uint valueSize);
+    /// New data for sets of this one's type, which the caller owns; null without memory.
+    MapData* create(uint capacity, int16 expand, uint hashBits, uint autoHash, uint valueSize) const;
     /// Another type for a set without items; false for one that has any.
     bool initType(ZMetaType* type);
     /// Whether the items count how many times they were added.
     bool multiSet() const { return multi; }
     void setMultiSet(bool on) { multi = on; }
 
-    // Adding: true if the value is there afterwards. In a multiset its usage rises if it was there.
+    // Adding: true if the value is there afterwards. In a multiset its usage rises if it was there. A set has to have a
+    // type, or be set up for bytes: to add to one that hasn't is a programming error, which the forms that are called
+    // by name refuse.
 
     bool add(const ZVariant& value);
+    /// All values of the other, or none. Of a multiset each as often as it is there. A set without a type takes that of
+    /// the other container; so for the following.
     bool add(const ZVHashSet& other);
     bool add(const ZVArray& values);
     /// The values of a map.
     bool add(const ZVSelectMap& map);
     bool add(const ZVKeyMap& map);
-    /// The set has to have a type.
     bool addItem(const void* item);
     bool addSelector(const ZSelector& name);
     /// Only a value that isn't there yet: false for one that is.
@@ -60,11 +67,18 @@ public:
     /// Whether all values of the other are there.
     bool contains(const ZVHashSet& other) const;
     bool contains(const ZVArray& values) const;
+    /// The values of a map.
+    bool contains(const ZVSelectMap& map) const;
+    bool contains(const ZVKeyMap& map) const;
+    bool contains(const ZArrayT<ZSelector>& names) const;
     bool containsItem(const void* item) const { return findItem(item) >= 0; }
     bool hasSelector(const ZSelector& name) const;
     /// The position of a value, or -1.
     int findValue(const ZVariant& value) const;
+    using ValueMap::findValue;
     int findItem(const void* item) const;
+    /// The same: a value is there once.
+    int findFirstValue(const ZVariant& value) const { return findValue(value); }
     /// How many times a value was added to a multiset; 1 for one of another set, 0 for one that isn't there.
     uint usage(const ZVariant& value) const;
     uint usageAt(int index) const;
@@ -82,7 +96,10 @@ public:
     bool remove(const ZVariant& value) { return remove(value, true); }
     bool removeItem(const void* item, bool all);
     bool removeSelector(const ZSelector& name);
-    bool removeSet(const ZVHashSet& other);
+    /// The values that are there, in one pass; in a multiset, without `all`, each as often as the other has it.
+    bool remove(const ZVHashSet& other, bool all);
+    bool remove(const ZVArray& values, bool all);
+    bool removeSet(const ZVHashSet& other) { return remove(other, true); }
     /// Takes the last value; the null variant without any.
     ZVariant pop();
     /// Removes what the other doesn't hold.
@@ -96,6 +113,9 @@ public:
     ZVHashSet extract(const ZArrayT<int>& indexes) const;
     /// Of a raw value, as the set hashes it.
     uint hashValue(const void* item) const;
+    /// After values were changed in place: they are found by what they are now. Of equal ones the first stays, with the
+    /// usage of all.
+    bool changed();
     bool sort(bool ascending = true) { return sortByValue(ascending); }
     using ValueMap::sort;
 
@@ -113,7 +133,11 @@ public:
 
 private:
     bool countUse(int index, bool more);
-    template <class F> bool addAll(uint values, F&& value);
+    bool canAdd() const { return type || data; }
+    bool addGiven(const ZVariant& value);
+    bool merge(ZVHashSet& made);
+    template <class F> bool addAll(ZMetaType* of, uint values, F&& value);
+    template <class F> bool removeAll(uint values, bool all, F&& place);
 
     bool multi = false;
 };

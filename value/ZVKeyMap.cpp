@@ -3,6 +3,7 @@
 #include "core/ZPtrKey.h"
 #include "text/ZBlendPos.h"
 #include "value/ZVArray.h"
+#include "value/ZVHashSet.h"
 #include "value/valueMapData.h"
 
 #include <algorithm>
@@ -16,7 +17,7 @@ ZVKeyMap::ZVKeyMap(ZMetaType* key, ZMetaType* value) : ValueMap(MapForm::Keyed, 
 }
 ZVKeyMap::ZVKeyMap(ZMetaType* key, ZMetaType* value, uint capacity, int16 expand, uint hashBits)
     : ZVKeyMap(key, value) {
-    if (keyType && type && !create(0, 0, capacity, expand, hashBits, 0)) ZError::fail();
+    if (keyType && type && !init(capacity, expand, hashBits, 0, 0, 0)) ZError::fail();
 }
 ZVKeyMap::ZVKeyMap(const ZVKeyMap* a, const ZVKeyMap* b, const ZBlendPos& pos) : ZVKeyMap() {
     if (!blendFrom(a, b, pos)) ZError::fail();
@@ -45,8 +46,12 @@ void ZVKeyMap::clearAll() {
     item::releaseType(old);
     keyTypeName.clear();
 }
-bool ZVKeyMap::init(uint capacity, int16 expand, uint hashBits, uint load, uint keySize, uint valueSize) {
-    return create(keySize, valueSize, capacity, expand, hashBits, load);
+bool ZVKeyMap::init(uint capacity, int16 expand, uint hashBits, uint autoHash, uint keySize, uint valueSize) {
+    return setData(create(capacity, expand, hashBits, autoHash, keySize, valueSize));
+}
+ZVKeyMap::MapData* ZVKeyMap::create(uint capacity, int16 expand, uint hashBits, uint autoHash, uint keySize,
+                                    uint valueSize) const {
+    return make(keyType, keySize, valueSize, capacity, expand, hashBits, autoHash);
 }
 
 // Types
@@ -128,6 +133,11 @@ bool ZVKeyMap::copy(const ZVariant& from, const ZVariant& to) {
     item::Given given(keyType, to);
     return value && setItem(given.address(), value);
 }
+bool ZVKeyMap::contains(const ZVariant& key, const ZVariant& value) const {
+    const void* there = get(key);
+    item::Given given(type, value);
+    return there && given.address() && item::order(type, there, given.address(), data->valueSize()) == 0;
+}
 bool ZVKeyMap::rename(const ZVariant& from, const ZVariant& to) {
     item::Given given(keyType, to);
     return renameItem(findKey(from), given.address());
@@ -140,10 +150,34 @@ ZVariant ZVKeyMap::key(int index) const {
     const void* raw = rawKey(index);
     return raw && keyType ? ZVariant(keyType, raw) : ZVariant();
 }
-ZVArray ZVKeyMap::keys() const {
+/// The keys at `many` positions; those out of range are left out.
+template <class Places> ZVArray ZVKeyMap::keysAt(uint many, Places&& place) const {
     ZVArray made(keyType);
     bool done = isEmpty() || keyType || made.setItemSize(data->keySize());
-    for (uint i = 0; done && i < count(); ++i) done = made.appendItem(rawKey(int(i)));
+    for (uint i = 0; done && i < many; ++i)
+        if (const void* key = rawKey(place(i))) done = made.appendItem(key);
+    if (!done) {
+        made.clear();
+        ZError::fail();
+    }
+    return made;
+}
+ZVArray ZVKeyMap::keys() const {
+    return keysAt(count(), [](uint i) { return int(i); });
+}
+ZVArray ZVKeyMap::extractKeys(const ZArrayT<int>& indexes) const {
+    return keysAt(indexes.count(), [&](uint i) { return indexes[i]; });
+}
+ZVArray ZVKeyMap::collectNullKeys() const {
+    ZArrayT<int> nulls;
+    if (findNulls(nulls)) return extractKeys(nulls);
+    ZError::fail();
+    return ZVArray(keyType);
+}
+ZVHashSet ZVKeyMap::keySet() const {
+    ZVHashSet made(keyType);
+    bool done = isEmpty() || keyType || made.init(0, 100, 0, 0, data->keySize());
+    for (uint i = 0; done && i < count(); ++i) done = made.addItem(rawKey(int(i)));
     if (!done) {
         made.clear();
         ZError::fail();
@@ -188,6 +222,16 @@ ZVKeyMap ZVKeyMap::rearrange(const ZArrayT<int>& order) const {
     return made;
 }
 
+ZVKeyMap ZVKeyMap::rearrange(const ZVArray& keys) const {
+    ZArrayT<int> order;
+    for (uint i = 0; i < keys.count(); ++i)
+        if (!order.append(findKey(keys.variant(int(i))))) {
+            ZError::fail();
+            return ZVKeyMap(keyType, type);
+        }
+    return rearrange(order);
+}
+
 // Whole
 
 bool ZVKeyMap::append(const ZVKeyMap& other) {
@@ -196,16 +240,18 @@ bool ZVKeyMap::append(const ZVKeyMap& other) {
         assign(other);
         return true;
     }
-    ZVKeyMap made(*this);
-    const ZVKeyMap from(other);
-    const bool same = data ? data->sameTypes(*from.data) : keyType == from.keyType && type == from.type;
-    for (uint i = 0; i < from.count(); ++i) {
-        const int at = int(i);
-        if (!(same ? made.setItem(from.keyPtr(at), from.valuePtr(at)) : made.set(from.key(at), from.entry(at))))
-            return false;
+    // All items are made before the first one is set.
+    ZVKeyMap made;
+    if (keyType == other.keyType && sameTypes(other)) {
+        made = other;
+        if (!made.detach()) return false;
+    } else {
+        if (!made.takeType(type) || !made.takeKeyType(keyType)) return false;
+        for (uint i = 0; i < other.count(); ++i)
+            if (!made.set(other.key(int(i)), other.entry(int(i)))) return false;
+        if (made.type != type || made.keyType != keyType) return false;
     }
-    swap(made);
-    return true;
+    return absorb(made, false);
 }
 int ZVKeyMap::compare(const ZVKeyMap& other) const {
     const int order = ZPtrKey(keyType).compare(ZPtrKey(other.keyType));
@@ -222,6 +268,14 @@ bool ZVKeyMap::matchValue(const ZVKeyMap& other, real tolerance) const {
 }
 uint ZVKeyMap::hashKey() const { return hashItems(); }
 
+/// The position for the value under a key: parts of a position have names, and so have some keys.
+static ZBlendPos partOf(const ZBlendPos& pos, const ZVariant& key) {
+    if (!pos.count()) return pos;
+    const ZSelector name = key.isSelector()                      ? key.toSelector()
+                           : key.typeType() == ZMetaType::String ? ZSelector::find(key.toString())
+                                                                 : ZSelector();
+    return name.isEmpty() ? pos : pos.fieldBlend(name);
+}
 static bool blendKeys(ZVKeyMap& made, const ZVKeyMap& a, const ZVKeyMap& b, const ZBlendPos& pos, bool second) {
     const ZVKeyMap &from = second ? b : a, &other = second ? a : b;
     for (uint i = 0; i < from.count(); ++i) {
@@ -230,9 +284,7 @@ static bool blendKeys(ZVKeyMap& made, const ZVKeyMap& a, const ZVKeyMap& b, cons
         const ZVariant own = from.entry(int(i)), met = other.entry(at), key = from.key(int(i));
         const ZVariant *first = second ? nullptr : &own, *last = second ? &own : at >= 0 ? &met : nullptr;
         ZVariant value;
-        if (!value.blendFrom(first, last, pos.fieldBlend(key.isSelector() ? key.toSelector() : ZSelector())) ||
-            !made.set(key, value))
-            return false;
+        if (!value.blendFrom(first, last, partOf(pos, key)) || !made.set(key, value)) return false;
     }
     return true;
 }
@@ -242,7 +294,7 @@ bool ZVKeyMap::blendFrom(const ZVKeyMap* a, const ZVKeyMap* b, const ZBlendPos& 
     if (a && b && a->type && a->keyType && a->type == b->type && a->keyType == b->keyType) {
         made = ZVKeyMap(a->keyType, a->type);
         const uint room = std::max(a->count(), b->count());
-        if (room && !made.create(0, 0, room, a->expand(), 0, 0)) return false;
+        if (room && !made.init(room, a->expand(), 0, 0, 0, 0)) return false;
         if (!blendKeys(made, *a, *b, pos, false) || !blendKeys(made, *a, *b, pos, true)) return false;
     } else if (const ZVKeyMap* nearer = (pos.pos() < 0.5 && a) || !b ? a : b)
         made = *nearer;

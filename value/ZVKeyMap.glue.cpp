@@ -7,6 +7,7 @@
 #include "object/ZMethodRef.h"
 #include "text/ZBlendPos.h"
 #include "value/ZVArray.h"
+#include "value/ZVHashSet.h"
 #include "value/ZVariant.h"
 #include "value/containerRows.h"
 
@@ -47,17 +48,24 @@ template <> struct Table<ZVKeyMap> : Declares<ZVKeyMap> {
         ORV_METHOD(bool, rename, (const ZVariant&, const ZVariant&), ),
         ORV_METHOD(ZVariant, key, (int), const),
         ORV_METHOD(ZVariant, getKey, (const ZVariant&), const),
+        ORV_METHOD(ZVariant, getKey, (const ZVariant&, int), const),
         ORV_METHOD(ZVArray, keys, (), const),
+        ORV_METHOD(ZVHashSet, keySet, (), const),
+        ORV_METHOD(ZVArray, extractKeys, (const ZArrayT<int>&), const),
+        ORV_METHOD(ZVArray, collectNullKeys, (), const),
         ORV_METHOD(bool, moveBefore, (const ZVariant&, const ZVariant&), ),
         ORV_METHOD(bool, moveAfter, (const ZVariant&, const ZVariant&), ),
         ORV_METHOD(bool, moveToIndex, (const ZVariant&, int), ),
         ORV_METHOD(bool, sort, (bool), ),
         ORV_METHOD(ZVKeyMap, rearrange, (const ZArrayT<int>&), const),
+        ORV_METHOD(ZVKeyMap, rearrange, (const ZVArray&), const),
         ORV_METHOD(void, clearAll, (), ),
         ORV_METHOD(bool, append, (const ZVKeyMap&), ),
         ORV_METHOD(int, compare, (const ZVKeyMap&), const),
         ORV_METHOD(bool, contains, (const ZVKeyMap&), const),
         ORV_METHOD(bool, contains, (const ZVariant&), const),
+        ORV_METHOD(bool, contains, (const ZVArray&), const),
+        ORV_METHOD(bool, contains, (const ZVariant&, const ZVariant&), const),
         ORV_METHOD(bool, matchValue, (const ZVKeyMap&, real), const),
         ORV_METHOD(uint, hashKey, (), const),
         ORV_METHOD(bool, blendFrom, (const ZVKeyMap*, const ZVKeyMap*, const ZBlendPos&), ),

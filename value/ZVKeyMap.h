@@ -7,6 +7,8 @@
 /// it so. See `orv::ValueMap` for what it shares with the other maps.
 class ORV_API ZVKeyMap : public orv::ValueMap {
 public:
+    using MapData = orv::ValueMapData;
+
     // Lifetime. A constructor without memory raises `ZError::fail` and leaves the map empty.
 
     constexpr ZVKeyMap() : ValueMap(orv::MapForm::Keyed) {}
@@ -26,10 +28,12 @@ public:
     ZVKeyMap& operator=(ZVKeyMap&& other) noexcept;
     void assign(const ZVKeyMap& other) { *this = other; }
     void swap(ZVKeyMap& other) noexcept;
-    /// Drops the items and sets the map up anew. With `load` above 0 the hash bits follow from the capacity; the sizes
-    /// count for what has no type and is held as bytes.
-    bool init(uint capacity, int16 expand, uint hashBits, uint load, uint keySize, uint valueSize);
+    /// Drops the items and sets the map up anew. With `autoHash` above 0 the hash bits follow the count at that
+    /// percentage; the sizes count for what has no type and is held as bytes.
+    bool init(uint capacity, int16 expand, uint hashBits, uint autoHash, uint keySize, uint valueSize);
     bool init(int capacity) { return capacity >= 0 && init(uint(capacity), 100, 0, 0, 0, 0); }
+    /// New data for maps of this one's types, which the caller owns; null without memory.
+    MapData* create(uint capacity, int16 expand, uint hashBits, uint autoHash, uint keySize, uint valueSize) const;
     /// Other types for a map without items; false for one that has any.
     bool setTypes(ZMetaType* keyType, ZMetaType* valueType);
     ZMetaType* getKeyType() const { return keyType; }
@@ -59,11 +63,13 @@ public:
     /// Replaces the value of a key, which keeps its place, or adds it at the end.
     bool set(const ZVariant& key, const ZVariant& value);
     bool setItem(const void* key, const void* item);
-    /// Adds an item, whether the key is there or not. Without `link` it is found only after the tree was dropped.
+    /// Adds an item, whether the key is there or not. Without `link`, for filling at once, it isn't indexed: a map in
+    /// which keys were looked for before finds it only after `rebuildTree`, or what else drops the index.
     bool add(const ZVariant& key, const ZVariant& value, bool link = true);
     bool addItem(const void* key, const void* item, bool link = true);
     bool setValue(int index, const ZVariant& value);
     bool remove(const ZVariant& key) { return removeIndex(findKey(key)); }
+    /// Those of the keys that are there, in one pass.
     bool removeKeys(const ZVArray& keys);
     bool removeKeys(const ZVKeyMap& other);
     /// Adds the value of one key under another, in place of what is there.
@@ -78,8 +84,16 @@ public:
     const void* keyPtr(int index) const;
     /// The key of the first item with that value; the null variant if there is none.
     ZVariant getKey(const ZVariant& value) const { return key(findValue(value)); }
-    /// In order. Empty, with a failure raised, without memory.
+    /// Of the first one from a position on.
+    ZVariant getKey(const ZVariant& value, int start) const { return key(findValue(value, start)); }
+    const void* getItemKey(const void* item) const { return keyPtr(findValueItem(item)); }
+    /// In order. Empty, with a failure raised, without memory; so for the following.
     ZVArray keys() const;
+    ZVHashSet keySet() const;
+    /// The keys at the positions listed, in that order; positions out of range are left out.
+    ZVArray extractKeys(const ZArrayT<int>& indexes) const;
+    /// The keys whose value is null.
+    ZVArray collectNullKeys() const;
 
     // Keys of their own
 
@@ -94,9 +108,10 @@ public:
     /// By key.
     bool sort(bool ascending = true);
     using ValueMap::sort;
-    /// A new map with the items at the positions listed, in that order; positions out of range are left out. Empty,
-    /// with a failure raised, without memory.
+    /// A new map with the items at the positions listed, in that order, or with those of the keys; positions out of
+    /// range, and keys that aren't there, are left out. Empty, with a failure raised, without memory.
     ZVKeyMap rearrange(const ZArrayT<int>& order) const;
+    ZVKeyMap rearrange(const ZVArray& keys) const;
 
     // Whole
 
@@ -110,6 +125,9 @@ public:
     /// Whether all keys of the other are in this map, with equal values.
     bool contains(const ZVKeyMap& other) const;
     bool contains(const ZVariant& key) const { return haskey(key); }
+    bool contains(const ZVArray& keys) const { return hasKeys(keys); }
+    /// Whether that value is under the key.
+    bool contains(const ZVariant& key, const ZVariant& value) const;
     /// Whether types are the same and keys and values match one by one, see `ZVariant::matchValue`.
     bool matchValue(const ZVKeyMap& other, real tolerance) const;
     /// Equal for maps that hold equal items, whatever their order.
@@ -121,6 +139,7 @@ public:
 private:
     bool putValue(const ZVariant& key, const ZVariant& value, bool search, bool link);
     bool takeKeyType(ZMetaType* wanted);
+    template <class Places> ZVArray keysAt(uint many, Places&& place) const;
 
     ZMetaType* keyType = nullptr;
     ZSelector keyTypeName;

@@ -12,19 +12,24 @@ using namespace orv;
 // Lifetime
 
 ZVSelectMap::ZVSelectMap(ZMetaType* type, uint capacity, int16 expand, uint hashBits) : ZVSelectMap(type) {
-    if (type && !create(0, 0, capacity, expand, hashBits, 0)) ZError::fail();
+    if (type && !init(capacity, expand, hashBits, 0, 0)) ZError::fail();
 }
 ZVSelectMap::ZVSelectMap(const ZVSelectMap* a, const ZVSelectMap* b, const ZBlendPos& pos) : ZVSelectMap() {
     if (!blendFrom(a, b, pos)) ZError::fail();
 }
-bool ZVSelectMap::init(uint capacity, int16 expand, uint hashBits, uint load, uint valueSize) {
-    return create(0, valueSize, capacity, expand, hashBits, load);
+bool ZVSelectMap::init(uint capacity, int16 expand, uint hashBits, uint autoHash, uint valueSize) {
+    return setData(create(capacity, expand, hashBits, autoHash, valueSize));
+}
+ZVSelectMap::MapData* ZVSelectMap::create(uint capacity, int16 expand, uint hashBits, uint autoHash,
+                                          uint valueSize) const {
+    return make(nullptr, 0, valueSize, capacity, expand, hashBits, autoHash);
 }
 bool ZVSelectMap::setType(ZMetaType* type) { return changeType(type); }
 
 // By key
 
-int ZVSelectMap::findKey(const ZSelector& key) const { return findRaw(&key); }
+int ZVSelectMap::findKey(const ZSelector& key) const { return data ? data->findName(key.key()) : -1; }
+const void* ZVSelectMap::get(const ZSelector& key) const { return data ? data->valueOf(key.key()) : nullptr; }
 bool ZVSelectMap::hasKeys(const ZArrayT<ZSelector>& keys) const {
     for (const ZSelector& key : keys)
         if (!haskey(key)) return false;
@@ -63,6 +68,11 @@ bool ZVSelectMap::copy(const ZSelector& from, const ZSelector& to) {
     const void* value = std::as_const(*this).get(from);
     return value && setItem(to, value);
 }
+bool ZVSelectMap::contains(const ZSelector& key, const ZVariant& value) const {
+    item::Given given(type, value);
+    const void* there = get(key);
+    return there && given.address() && item::order(type, there, given.address(), data->valueSize()) == 0;
+}
 bool ZVSelectMap::rename(const ZSelector& from, const ZSelector& to) { return renameItem(findKey(from), &to); }
 
 // By position
@@ -72,15 +82,24 @@ ZSelector ZVSelectMap::key(int index) const {
     const ZSelector* key = keyPtr(index);
     return key ? *key : ZSelector();
 }
-ZArrayT<ZSelector> ZVSelectMap::keys() const {
+template <class Places> ZArrayT<ZSelector> ZVSelectMap::keysAt(uint many, Places&& place) const {
     ZArrayT<ZSelector> made;
-    bool done = made.reserve(count());
-    for (uint i = 0; done && i < count(); ++i) done = made.append(*keyPtr(int(i)));
+    bool done = made.reserve(many);
+    for (uint i = 0; done && i < many; ++i) done = made.append(*keyPtr(place(i)));
     if (!done) {
         made.clear();
         ZError::fail();
     }
     return made;
+}
+ZArrayT<ZSelector> ZVSelectMap::keys() const {
+    return keysAt(count(), [](uint i) { return int(i); });
+}
+ZArrayT<ZSelector> ZVSelectMap::collectNullKeys() const {
+    ZArrayT<int> nulls;
+    if (findNulls(nulls)) return keysAt(nulls.count(), [&](uint i) { return std::as_const(nulls)[i]; });
+    ZError::fail();
+    return {};
 }
 ZHashSetT<ZSelector> ZVSelectMap::keySet() const {
     ZHashSetT<ZSelector> made;
@@ -103,16 +122,7 @@ bool ZVSelectMap::moveAfter(const ZSelector& key, const ZSelector& after) {
     const int from = findKey(key);
     return changePlace(from, moveTarget(from, findKey(after), true));
 }
-bool ZVSelectMap::sort(bool ascending) {
-    if (count() < 2) return true;
-    if (!detach()) return false;
-    auto compare = [](const void* map, const ZCompactRBItem* a, const ZCompactRBItem* b) {
-        auto with = static_cast<const ValueMapData*>(map);
-        auto first = reinterpret_cast<const ZSelector*>(with->keyIn(a));
-        return first->compareStr(*reinterpret_cast<const ZSelector*>(with->keyIn(b)));
-    };
-    return data->sort(compare, data, ascending);
-}
+bool ZVSelectMap::sort(bool ascending) { return sortByKey(ascending); }
 ZVSelectMap ZVSelectMap::rearrange(const ZArrayT<int>& order) const {
     ZVSelectMap made(type);
     bool done = true;
@@ -143,16 +153,17 @@ bool ZVSelectMap::append(const ZVSelectMap& other) {
         assign(other);
         return true;
     }
-    ZVSelectMap made(*this);
-    const ZVSelectMap from(other);
-    const bool same = type == from.type && (type || (data && data->valueSize() == from.data->valueSize()));
-    if (!same && (!type || !from.type)) return false;
-    for (uint i = 0; i < from.count(); ++i) {
-        const ZSelector& key = *from.keyPtr(int(i));
-        if (!(same ? made.setItem(key, from.valuePtr(int(i))) : made.set(key, from.entry(int(i))))) return false;
+    // All values are made before the first one is set.
+    ZVSelectMap made;
+    if (sameTypes(other)) {
+        made = other;
+        if (!made.detach()) return false;
+    } else {
+        if (!type || !other.type || !made.takeType(type) || !made.expand(other.count())) return false;
+        for (uint i = 0; i < other.count(); ++i)
+            if (!made.set(*other.keyPtr(int(i)), other.entry(int(i)))) return false;
     }
-    swap(made);
-    return true;
+    return absorb(made, false);
 }
 bool ZVSelectMap::contains(const ZVSelectMap& other) const { return containsItems(other); }
 bool ZVSelectMap::matchValue(const ZVSelectMap& other, real tolerance) const {
@@ -183,7 +194,7 @@ bool ZVSelectMap::blendFrom(const ZVSelectMap* a, const ZVSelectMap* b, const ZB
     if (a && b && a->type && a->type == b->type) {
         made = ZVSelectMap(a->type);
         const uint room = std::max(a->count(), b->count());
-        if (room && !made.create(0, 0, room, a->expand(), 0, 0)) return false;
+        if (room && !made.init(room, a->expand(), 0, 0, 0)) return false;
         if (!blendKeys(made, *a, *b, pos, false) || !blendKeys(made, *a, *b, pos, true)) return false;
     } else if (const ZVSelectMap* nearer = (pos.pos() < 0.5 && a) || !b ? a : b)
         made = *nearer;

@@ -2,6 +2,7 @@
 
 #include "core/construct.h"
 #include "object/ztype.h"
+#include "value/ZTypedPtr.h"
 #include "value/ZVSelectMap.h"
 
 namespace {
@@ -26,6 +27,12 @@ ZVSelectMapType::ZVSelectMapType(const __ZPassMetaType* type, ZInternal* interna
 ZType* ZVSelectMapType::copy() const { return zmake<ZVSelectMapType>(this, orv::passType(type())); }
 ZMetaType* ZVSelectMapType::makeVariant(const ZSelector& name) {
     return name.ptrCount() ? ZMetaType::makeVariant(name) : zmake<ZVSelectMapType>(name, this);
+}
+
+bool ZVSelectMapType::setSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name, const ZVariant& value,
+                                           bool add) const {
+    auto map = static_cast<ZVSelectMap*>(typed.instance);
+    return map && (add || map->haskey(name)) && map->set(name, value);
 }
 
 bool ZVSelectMapType::fieldNames(const void* instance, ZArrayT<ZSelector>& names) const {

@@ -3,8 +3,8 @@
 #include "object/SyntheticType.h"
 
 /// The type of `ZVSelectMap`: the keys of a value are its properties, with the values under them. Setting one converts
-/// to the type of the map, clearing one puts a new value of that type under the key, which stays. Keys are added and
-/// removed by the operations of the map.
+/// to the type of the map, clearing one puts a new value of that type under the key, which stays. A property that isn't
+/// there is set only by those who say that it is to be added; keys are removed by the operations of the map.
 class ORV_API ZVSelectMapType : public orv::SyntheticType {
 public:
     ZVSelectMapType(ZPackage* package, const ZSelector& name, Type kind, const ZArrayT<ZSelector>& bases,
@@ -16,6 +16,8 @@ public:
     ZVSelectMapType(const ZSelector& name, ZVSelectMapType* main) : SyntheticType(name, main) {}
 
     ZType* copy() const override;
+    bool setSyntheticProperty(const ZTypedPtr& typed, const ZSelector& name, const ZVariant& value,
+                              bool add) const override;
 
 protected:
     ZMetaType* makeVariant(const ZSelector& name) override;

@@ -24,18 +24,22 @@
         ORV_METHOD(uint, maxcount, (), const), ORV_METHOD(ZVariant, entry, (int), const),                              \
         ORV_METHOD(ZVArray, values, (), const), ORV_METHOD(int, findValue, (const ZVariant&), const),                  \
         ORV_METHOD(bool, containsValue, (const ZVariant&), const), ORV_METHOD(bool, removeIndex, (int), ),             \
-        ORV_METHOD(bool, removeItems, (const ZArrayT<int>&), ), ORV_METHOD(bool, removeValue, (const ZVariant&), ),    \
-        ORV_METHOD(bool, removeNull, (), ), ORV_METHOD(bool, changePlace, (int, int), ),                               \
-        ORV_METHOD(bool, sortByValue, (bool), ), ORV_METHOD(bool, sort, (const ZMethodRef&, bool), ),                  \
-        ORV_METHOD(bool, getSortOrder, (ZArrayT<int>&, bool), const), ORV_METHOD(void, clear, (), ),                   \
-        ORV_METHOD(int, refcount, (), const), ORV_METHOD(bool, isDetached, (), const), ORV_METHOD(bool, detach, (), ), \
+        ORV_METHOD(bool, removeItems, (const ZArrayT<int>&), ), ORV_METHOD(bool, removeItems, (int, int), ),           \
+        ORV_METHOD(bool, removeValue, (const ZVariant&), ), ORV_METHOD(bool, removeNull, (), ),                        \
+        ORV_METHOD(bool, changePlace, (int, int), ), ORV_METHOD(bool, sortByValue, (bool), ),                          \
+        ORV_METHOD(bool, sort, (const ZMethodRef&, bool), ),                                                           \
+        ORV_METHOD(bool, getSortOrder, (ZArrayT<int>&, bool), const),                                                  \
+        ORV_METHOD(bool, getSortOrder, (ZArrayT<int>&, const ZMethodRef&, bool), const),                               \
+        ORV_METHOD(void, clear, (), ), ORV_METHOD(bool, drop, (), ), ORV_METHOD(int, refcount, (), const),             \
+        ORV_METHOD(bool, isDetached, (), const), ORV_METHOD(bool, detach, (), ), ORV_METHOD(bool, detach, (bool), ),   \
         ORV_METHOD(bool, deepDetach, (), ), ORV_METHOD(bool, deepDetach, (ZDetachContext*), ),                         \
         ORV_METHOD(int16, expand, (), const), ORV_METHOD(bool, setExpand, (int16), ),                                  \
         ORV_METHOD(bool, expand, (uint), ), ORV_METHOD(bool, setSpace, (int), ), ORV_METHOD(bool, trim, (), ),         \
         ORV_METHOD(bool, endian, (), const), ORV_METHOD(bool, setEndian, (bool), ),                                    \
         ORV_METHOD(uint, hashbits, (), const), ORV_METHOD(bool, setHashbits, (uint), ),                                \
         ORV_METHOD(uint, autohash, (), const), ORV_METHOD(bool, setAutohash, (uint), ),                                \
-        ORV_METHOD(int, maxCollisions, (), const), ORV_METHOD(int, predecessor, (int), const), ORV_LOCK_ROWS
+        ORV_METHOD(int, maxCollisions, (), const), ORV_METHOD(bool, rebuildTree, (), ),                                \
+        ORV_METHOD(int, predecessor, (int), const), ORV_LOCK_ROWS
 
 /// Of the arrays of instances, see `orv::TypeItems`.
 #define ORV_TYPE_ITEM_ROWS(Array)                                                                                      \

@@ -17,5 +17,6 @@ class ZVariantDelegate;
 class ZVArray;
 class ZVHashSet;
 class ZVKeyMap;
+class ZVMatrix;
 class ZVSelectMap;
 class ZVSelectMapType;

@@ -236,6 +236,11 @@ bool setProperty(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name, c
     return writePath(at, typed, name, value, notify);
 }
 
+bool setDynamicProperty(const ZTypedPtr& at, const ZSelector& name, const ZVariant& value, bool add) {
+    if (name.isEmpty() || !at.instance || at.type->indexLabel() != ZMetaType::SelectMap) return false;
+    return at.type->setSyntheticProperty(at, name, value, add);
+}
+
 bool containsVariableProperty(const ZTypedPtr& at) {
     ZArrayT<ZSelector> names;
     if (!propertyNames(at, names)) return false;

@@ -38,6 +38,8 @@ ZVariant getProperty(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& nam
 bool resolveProperty(const ZTypedPtr& at, const ZSelector& name, ZVariant& value);
 ZVariant storedProperty(const ZTypedPtr& at, const ZSelector& name);
 bool setProperty(const ZTypedPtr& at, ZTypedPtr* typed, const ZSelector& name, const ZVariant& value, bool notify);
+/// Of a map, whose keys come and go: with `add` one that isn't there too. Other values have none.
+bool setDynamicProperty(const ZTypedPtr& at, const ZSelector& name, const ZVariant& value, bool add);
 bool clearProperty(const ZTypedPtr& at, const ZSelector& name);
 bool containsVariableProperty(const ZTypedPtr& at);
 bool containsVariableProperty(const ZTypedPtr& at, const ZSelector& name);

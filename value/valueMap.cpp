@@ -24,7 +24,7 @@ private:
     const ValueMapData* data;
 };
 
-void drop(ValueMapData* data) {
+void letGo(ValueMapData* data) {
     if (data) data->release();
 }
 
@@ -57,7 +57,12 @@ void ValueMap::take(ValueMap&& other) noexcept {
     ValueMap made(std::move(other));
     swap(made);
 }
-void ValueMap::clear() { drop(std::exchange(data, nullptr)); }
+void ValueMap::clear() { letGo(std::exchange(data, nullptr)); }
+bool ValueMap::drop() {
+    const bool alone = isDetached();
+    clear();
+    return alone;
+}
 void ValueMap::reset() {
     ZMetaType* old = std::exchange(type, nullptr);
     clear();
@@ -92,37 +97,50 @@ bool ValueMap::isZType() const { return item::instances(type); }
 
 // Data
 
-bool ValueMap::create(uint keyBytes, uint valueBytes, uint capacity, int16 expand, uint hashBits, uint load) {
-    ZMetaType* keyType = form == MapForm::Keyed ? static_cast<ZVKeyMap*>(this)->getKeyType() : nullptr;
+ValueMapData* ValueMap::make(ZMetaType* keyType, uint keyBytes, uint valueBytes, uint capacity, int16 expand,
+                             uint hashBits, uint load) const {
     const ValueMapData::Types types{form, keyType, type, keyBytes, valueBytes};
     ValueMapData::Layout places{};
-    if (capacity > itemLimit || !ValueMapData::layout(types, places)) return false;
-    auto made = zmake<ValueMapData>(types, capacity, expand, hashBits, load);
-    if (!made) return false;
-    drop(std::exchange(data, made));
-    return true;
+    if (capacity > itemLimit || !ValueMapData::layout(types, places)) return nullptr;
+    return zmake<ValueMapData>(types, capacity, expand, hashBits, load);
 }
-bool ValueMap::detach() {
-    if (isDetached()) return true;
-    auto made = zmake<ValueMapData>(*data);
-    if (!made) return false;
-    drop(std::exchange(data, made));
-    return true;
+bool ValueMap::setData(ValueMapData* made) {
+    if (made) letGo(std::exchange(data, made));
+    return made != nullptr;
 }
+bool ValueMap::makeData() {
+    ZMetaType* keyType = form == MapForm::Keyed ? static_cast<ZVKeyMap*>(this)->getKeyType() : nullptr;
+    return setData(make(keyType, 0, 0, 1, 100, 0, 0));
+}
+bool ValueMap::detach(bool grow) { return isDetached() || setData(zmake<ValueMapData>(*data, grow)); }
 const void* ValueMap::block() const { return data; }
 
-bool ValueMap::own() { return data ? detach() : create(0, 0, 1, 100, 0, 0); }
+bool ValueMap::own() { return data ? detach() : makeData(); }
+
+bool ValueMap::sameTypes(const ValueMap& other) const {
+    if (data && other.data) return data->sameTypes(*other.data);
+    return type && type == other.type;
+}
 
 bool ValueMap::putItem(const void* key, const void* item, bool search, bool link) {
     if (!key || !item) return false;
     if (search)
         if (int at = findRaw(key); at >= 0) return storeItem(at, item);
-    if (!data && !create(0, 0, 1, 100, 0, 0)) return false;
+    if (!data && !makeData()) return false;
+    if (!link) data->indexWhatWasFound();
     // Built aside: a failure, or a key or value that stands in the map itself, meets the map as it was.
+    item::Scratch node(data->itemSize());
+    if (!node.memory()) return false;
+    if (form == MapForm::Named && item::plain(type)) {
+        // Nothing foreign runs, so nobody comes back.
+        if (!data->build(node.memory(), key, item)) return false;
+        if (detach() && data->take(node.memory(), link)) return true;
+        data->endNode(node.memory());
+        return false;
+    }
     const Held held(data);
     const ValueMapData* const from = data;
-    item::Scratch node(from->itemSize());
-    if (!node.memory() || !from->build(node.memory(), key, item)) return false;
+    if (!from->build(node.memory(), key, item)) return false;
     const bool alone = data == from && ::refcount(from) == 2;
     if ((alone || (data && data->sameTypes(*from) && detach())) && data->take(node.memory(), link)) return true;
     from->endNode(node.memory());
@@ -135,6 +153,10 @@ const void* ValueMap::rawKey(int index) const { return inRange(index) ? data->ke
 bool ValueMap::storeItem(int index, const void* item) {
     if (!inRange(index) || !item) return false;
     const uint size = data->valueSize();
+    if (item::plain(type) && isDetached()) {
+        std::memmove(data->value(uint(index)), item, type ? type->byteSize() : size);
+        return true;
+    }
     item::Scratch made(size);
     if (!made.memory() || !item::copy(type, made.memory(), item, size)) return false;
     const bool done = inRange(index) && detach();
@@ -149,18 +171,40 @@ bool ValueMap::storeValue(int index, const ZVariant& value) {
 }
 bool ValueMap::renameItem(int index, const void* key) {
     if (!inRange(index) || !key || data->find(key) >= 0) return false;
-    const void* value = form == MapForm::Set ? key : data->value(uint(index));
-    item::Scratch node(data->itemSize());
-    if (!node.memory() || !data->build(node.memory(), key, value)) return false;
-    const bool done = detach();
-    if (done) {
-        data->clearTree(true);
-        // The head too: the item is in no tree now.
-        std::swap_ranges(node.memory(), node.memory() + data->itemSize(), data->bytes(uint(index)));
-    }
-    ValueMapData* const of = data;
-    of->endNode(node.memory());
+    const Held held(data);
+    const ValueMapData* const from = data;
+    const void* value = form == MapForm::Set ? key : from->value(uint(index));
+    item::Scratch node(from->itemSize());
+    if (!node.memory() || !from->build(node.memory(), key, value)) return false;
+    // Whoever came back and wrote this map has another one now.
+    const bool alone = data == from && ::refcount(from) == 2;
+    const bool done = data == from && (alone || detach());
+    if (done) data->exchangeItem(uint(index), node.memory());
+    from->endNode(node.memory());
     return done;
+}
+
+bool ValueMap::absorb(ValueMap& from, bool counts) {
+    if (from.isEmpty()) return true;
+    if (isEmpty() && !data) return setData(std::exchange(from.data, nullptr));
+    if (!detach() || !data->expand(int(from.count()))) return false;
+    ValueMapData &to = *data, &given = *from.data;
+    // What stays behind, the values that were replaced, moves together in front, to end with the other map.
+    uint left = 0;
+    for (uint i = 0, all = given.count(); i < all; ++i) {
+        const int at = to.find(given.key(i));
+        if (at < 0 && to.take(given.bytes(i), true)) continue;
+        if (at >= 0 && form == MapForm::Set && counts) {
+            uint& usage = to.usage(uint(at));
+            usage = given.usage(i) > 0xFFFFFFFF - usage ? 0xFFFFFFFF : usage + given.usage(i);
+        }
+        if (at >= 0 && form != MapForm::Set)
+            std::swap_ranges(to.value(uint(at)), to.value(uint(at)) + to.valueSize(), given.value(i));
+        if (left != i) std::memmove(given.bytes(left), given.bytes(i), given.itemSize());
+        ++left;
+    }
+    given.forgetFrom(left);
+    return true;
 }
 
 // By position
@@ -181,42 +225,60 @@ ZVArray ValueMap::values() const {
         if (!made.appendItem(data->value(i))) return noValues(type);
     return made;
 }
+int ValueMap::findValueItem(const void* item, int start) const {
+    if (!item) return -1;
+    for (uint i = uint(std::max(start, 0)); i < count(); ++i)
+        if (item::order(type, data->value(i), item, data->valueSize()) == 0) return int(i);
+    return -1;
+}
 int ValueMap::findValue(const ZVariant& value, int start) const {
     if (isEmpty()) return -1;
     item::Given given(type, value);
-    if (!given.address()) return -1;
-    for (uint i = uint(std::max(start, 0)); i < count(); ++i)
-        if (item::order(type, data->value(i), given.address(), data->valueSize()) == 0) return int(i);
-    return -1;
+    return findValueItem(given.address(), start);
 }
 bool ValueMap::removeIndex(int index) {
     if (!inRange(index) || !detach()) return false;
     const Held held(data);
-    return data->remove(index, 1);
+    data->removeAt(uint(index));
+    return true;
 }
 bool ValueMap::removeItems(const ZArrayT<int>& indexes) {
     if (indexes.isEmpty()) return true;
     ZArrayT<int> order(indexes);
-    if (!order.sort() || !inRange(order[0]) || !inRange(order[order.count() - 1]) || !detach()) return false;
+    if (!order.sort()) return false;
+    int* at = &order[0];
+    const uint many = uint(std::unique(at, at + order.count()) - at);
+    if (!inRange(at[0]) || !inRange(at[many - 1]) || !detach()) return false;
     const Held held(data);
-    ValueMapData* const from = data;
-    for (uint i = order.count(); i > 0; --i)
-        if (i == order.count() || std::as_const(order)[i - 1] != std::as_const(order)[i])
-            from->remove(std::as_const(order)[i - 1], 1);
+    data->removeAll(at, many);
     return true;
 }
+bool ValueMap::removeItems(int index, int count) {
+    if (count < 0) return false;
+    const large first = std::max(index, 0), last = std::min(large(index) + count, large(this->count()));
+    if (first >= last) return true;
+    if (!detach()) return false;
+    const Held held(data);
+    data->dropIndexes();
+    return data->remove(int(first), int(last - first));
+}
 bool ValueMap::removeValue(const ZVariant& value) { return removeIndex(findValue(value)); }
-bool ValueMap::removeNull() {
-    ZArrayT<int> nulls;
+bool ValueMap::findNulls(ZArrayT<int>& nulls) const {
     for (uint i = 0; i < count(); ++i)
         if (entry(int(i)).isNull() && !nulls.append(int(i))) return false;
-    return !nulls.isEmpty() && removeItems(nulls);
+    return true;
+}
+bool ValueMap::removeNull() {
+    ZArrayT<int> nulls;
+    return findNulls(nulls) && !nulls.isEmpty() && removeItems(nulls);
 }
 
 // Order
 
 bool ValueMap::changePlace(int from, int to) {
-    return inRange(from) && inRange(to) && detach() && data->moveToPlace(from, to);
+    if (!inRange(from) || !inRange(to) || !detach()) return false;
+    data->dropIndexes();
+    return data->moveToPlace(from, to);
 }
 /// Where an item goes that moves next to another.
 int ValueMap::moveTarget(int from, int to, bool behind) const {
@@ -227,21 +289,20 @@ bool ValueMap::sortByKey(bool ascending) {
     if (count() < 2) return true;
     if (!detach()) return false;
     const Held held(data);
-    return data->sort(ascending);
+    data->dropIndexes();
+    return data->sort(ValueMapData::byKey, data, ascending);
 }
 bool ValueMap::sortByValue(bool ascending) {
     if (count() < 2) return true;
     if (!detach()) return false;
     const Held held(data);
-    auto compare = [](const void* map, const ZCompactRBItem* a, const ZCompactRBItem* b) {
-        return static_cast<const ValueMapData*>(map)->orderItemValues(a, b);
-    };
-    return data->sort(compare, data, ascending);
+    data->dropIndexes();
+    return data->sort(ValueMapData::byValue, data, ascending);
 }
-bool ValueMap::sort(const ZMethodRef& method, bool ascending) {
+/// Calls `run(compare, context)` with a comparison of two items by a method.
+template <class F> bool ValueMap::bySort(const ZMethodRef& method, F&& run) const {
     if (!type || !method.isValid()) return false;
-    if (count() < 2) return true;
-    if (!detach()) return false;
+    if (isEmpty()) return true;
     struct Context {
         const ValueMapData* data;
         ZMetaType* type;
@@ -253,12 +314,34 @@ bool ValueMap::sort(const ZMethodRef& method, bool ascending) {
                                       ZVariant(with->type, with->data->valueIn(b))};
         return with->method.invoke(arguments, 2).toInt();
     };
+    // Whoever comes back to write this map finds the data shared, and leaves them alone.
     const Held held(data);
-    return data->sort(compare, &context, ascending);
+    return run(static_cast<ZCompactRBMap::Compare>(compare), &context);
+}
+bool ValueMap::sort(const ZMethodRef& method, bool ascending) {
+    if (!detach()) return false;
+    ValueMapData* const own = data;
+    return bySort(method, [&](auto compare, auto context) {
+        own->dropIndexes();
+        return own->sort(compare, context, ascending) && data == own;
+    });
+}
+bool ValueMap::getSortOrder(ZArrayT<int>& order, const ZMethodRef& method, bool ascending) const {
+    ZArrayT<int> made;
+    if (!made.setCount(count())) return false;
+    const ValueMapData* const of = data;
+    if (!bySort(method,
+                [&](auto compare, auto context) { return of->sortOrder(&made[0], compare, context, ascending); }))
+        return false;
+    order = std::move(made);
+    return true;
+}
+bool ValueMap::sortOrder(int* order, bool ascending) const {
+    return isEmpty() || data->sortOrder(order, ValueMapData::byKey, data, ascending);
 }
 bool ValueMap::getSortOrder(ZArrayT<int>& order, bool ascending) const {
     ZArrayT<int> made;
-    if (!isEmpty() && (!made.setCount(count()) || !data->sortOrder(&made[0], ascending))) return false;
+    if (!isEmpty() && (!made.setCount(count()) || !sortOrder(&made[0], ascending))) return false;
     order = std::move(made);
     return true;
 }
@@ -266,7 +349,7 @@ bool ValueMap::getSortOrder(ZArrayT<int>& order, bool ascending) const {
 // Whole
 
 bool ValueMap::deepDetach() {
-    if (item::plain(type)) return detach();
+    if (item::plain(type) && form != MapForm::Keyed) return detach();
     ZDetachContext* context = zmake<ZDetachContext>();
     const bool done = context && deepDetach(context);
     if (context) context->release();
@@ -276,13 +359,16 @@ bool ValueMap::deepDetach(ZDetachContext* context) {
     if (!context) return deepDetach();
     if (!detach()) return false;
     if (!data) return true;
+    // Values may run code that comes back here: who writes this map meanwhile gets data of its own.
+    const Held held(data);
+    ValueMapData* const own = data;
     bool done = true;
-    const auto types = data->typesOf();
-    for (uint i = 0; done && i < count(); ++i) {
-        if (types.form == MapForm::Keyed) done = item::deepDetach(types.key, data->key(i), *context);
-        done = done && item::deepDetach(type, data->value(i), *context);
+    const auto types = own->typesOf();
+    for (uint i = 0; done && i < own->count(); ++i) {
+        if (types.form == MapForm::Keyed) done = item::deepDetach(types.key, own->key(i), *context);
+        done = done && item::deepDetach(types.value, own->value(i), *context);
     }
-    if (types.form != MapForm::Named) data->rehash();
+    if (types.form != MapForm::Named) own->rehash();
     return done;
 }
 
@@ -312,6 +398,11 @@ int ValueMap::compareMaps(const ValueMap& other) const {
     const int order = data->compare(*other.data);
     return (order > 0) - (order < 0);
 }
+int ValueMap::compareValue(const void* a, const void* b) const {
+    if (a == b) return 0;
+    if (!a || !b) return a ? -1 : 1;
+    return type || data ? item::compare(type, a, b, data ? data->valueSize() : 0) : 0;
+}
 uint ValueMap::hashItems() const {
     uint hash = count();
     for (uint i = 0; i < count(); ++i) {
@@ -339,6 +430,7 @@ bool ValueMap::setSpace(int space) {
     if (!data) return space == 0;
     if (!detach()) return false;
     const Held held(data);
+    data->dropIndexes();
     return data->setSpace(space);
 }
 bool ValueMap::expand(uint more) { return more <= itemLimit && own() && data->expand(int(more)); }
@@ -360,6 +452,12 @@ bool ValueMap::setHashbits(uint bits) {
 bool ValueMap::setAutohash(uint load) {
     if (!own()) return false;
     data->setAutoHash(load);
+    return true;
+}
+bool ValueMap::rebuildTree() {
+    if (!data) return true;
+    if (!detach()) return false;
+    data->dropIndexes();
     return true;
 }
 bool ValueMap::trim() { return !data || (detach() && data->trim()); }

@@ -62,8 +62,12 @@ public:
     int findValue(const ZVariant& value, int start) const;
     bool containsValue(const ZVariant& value) const { return findValue(value) >= 0; }
     bool removeIndex(int index);
-    /// The items at these positions.
+    /// From a raw value's bytes: the position of the first item with it, or -1.
+    int findValueItem(const void* item, int start = 0) const;
+    /// The items at these positions, in one pass.
     bool removeItems(const ZArrayT<int>& indexes);
+    /// What lies of the range within the map; false for a negative count.
+    bool removeItems(int index, int count);
     /// The first item of that value.
     bool removeValue(const ZVariant& value);
     /// Removes the items whose value is null; answers whether there were any.
@@ -77,8 +81,11 @@ public:
     bool sortByValue(bool ascending);
     /// By a method with two values as arguments that answers as `compare` does.
     bool sort(const ZMethodRef& method, bool ascending);
-    /// The positions of the items sorted by key and value.
+    /// The positions of the items sorted by key, of names by their texts, then by value; or by a method, as by `sort`.
     bool getSortOrder(ZArrayT<int>& order, bool ascending) const;
+    bool getSortOrder(ZArrayT<int>& order, const ZMethodRef& method, bool ascending) const;
+    /// The first form, into `order`, which has room for all items.
+    bool sortOrder(int* order, bool ascending) const;
 
     // Whole
 
@@ -86,7 +93,13 @@ public:
     void clear();
     int refcount() const { return ::refcount(block()); }
     bool isDetached() const { return refcount() < 2; }
-    bool detach();
+    bool detach() { return detach(false); }
+    /// With `grow` the own data get as much room as the shared ones have.
+    bool detach(bool grow);
+    /// Gives up the data; true if nobody else holds them.
+    bool drop();
+    /// Two raw values, as their type compares them; null comes last.
+    int compareValue(const void* a, const void* b) const;
     /// Makes what the values hold this map's own too.
     bool deepDetach();
     bool deepDetach(ZDetachContext* context);
@@ -107,6 +120,8 @@ public:
     uint autohash() const;
     bool setAutohash(uint load);
     int maxCollisions() const;
+    /// Lets items be found that were added without a link.
+    bool rebuildTree();
     /// The neighbour of an item in the order of its tree, or -1.
     int predecessor(int index) const;
     bool checkTree(const char* label) const;
@@ -133,8 +148,13 @@ protected:
     /// The type for a map that has none, and no items; null is fine.
     bool takeType(ZMetaType* wanted);
     bool changeType(ZMetaType* wanted);
-    /// New data instead of the old; false, with the old data, without memory or for types that can't be held.
-    bool create(uint keyBytes, uint valueBytes, uint capacity, int16 expand, uint hashBits, uint load);
+    /// New data, which the caller owns; null without memory or for types that can't be held.
+    ValueMapData* make(ZMetaType* keyType, uint keyBytes, uint valueBytes, uint capacity, int16 expand, uint hashBits,
+                       uint load) const;
+    /// Takes new data instead of the old; false for null.
+    bool setData(ValueMapData* made);
+    /// Data for the first item.
+    bool makeData();
     /// Makes the data this map's own, or makes it.
     bool own();
     /// Sets the value of a key, which `search` looks for.
@@ -143,6 +163,13 @@ protected:
     bool storeValue(int index, const ZVariant& value);
     /// Another key for the item at a position; false if it is there already.
     bool renameItem(int index, const void* key);
+    /// Moves the items of another map of the same types, whose data nobody shares, to the end of this one. Of a key
+    /// that is there the value goes over, or, with `counts`, its usage is added. False, with both as they were, without
+    /// memory.
+    bool absorb(ValueMap& from, bool counts);
+    bool sameTypes(const ValueMap& other) const;
+    bool findNulls(ZArrayT<int>& nulls) const;
+    template <class F> bool bySort(const ZMethodRef& method, F&& run) const;
     int findRaw(const void* key) const;
     const void* rawKey(int index) const;
     bool containsItems(const ValueMap& other) const;

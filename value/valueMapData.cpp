@@ -59,9 +59,12 @@ bool ValueMapData::layout(const Types& given, Layout& places) {
 
 ValueMapData::ValueMapData(const Types& given, uint capacity, int16 expand, uint hashBits, uint load)
     : ZCompactRBMap(int(std::min(capacity, itemLimit)), placed(given).size, expand, hashBits, load),
-      types(sized(given)), at(placed(given)) {}
-ValueMapData::ValueMapData(const ValueMapData& other) : ZCompactRBMap(), types(other.types), at(other.at) {
-    if (!assign(other, false)) ZError::fail();
+      types(sized(given)), at(placed(given)) {
+    if (load && load != autoHash()) setAutoHash(load);
+}
+ValueMapData::ValueMapData(const ValueMapData& other, bool withRoom)
+    : ZCompactRBMap(), types(other.types), at(other.at), searched(toolkit::load(other.searched)) {
+    if (!assign(other, withRoom)) ZError::fail();
 }
 
 // Keys
@@ -89,7 +92,25 @@ int ValueMapData::orderOf(const Types& types, const void* a, const void* b) {
 }
 uint ValueMapData::hashValue(const void* value) const { return item::hash(types.value, value, types.valueBytes); }
 
-int ValueMapData::find(const void* key) const {
+int ValueMapData::lookForName(uint id) const {
+    const uint n = count();
+    if (n > scanned) {
+        lockMap();
+        const bool built = names.built() || names.build(n, [this](uint i) { return nameAt(i); });
+        unlockMap();
+        if (built) return names.find(id);
+    }
+    for (uint i = 0; i < n; ++i)
+        if (nameAt(i) == id) return int(i);
+    return -1;
+}
+
+const byte* ValueMapData::lookForValue(uint id) const {
+    const int found = lookForName(id);
+    return found < 0 ? nullptr : value(uint(found));
+}
+
+int ValueMapData::findKey(const void* key) const {
     const uint n = count();
     if (!n) return -1;
     const uint hash = keyHash(key);
@@ -101,6 +122,7 @@ int ValueMapData::find(const void* key) const {
         found = seek(hash, order);
         if (found != noTree) return found;
     }
+    if (!toolkit::load(searched)) toolkit::store(searched, 1);
     for (uint i = 0; i < n; ++i)
         if (hashAt(i) == hash && order(itemStart(i)) == 0) return int(i);
     return -1;
@@ -139,11 +161,55 @@ bool ValueMapData::take(const byte* node, bool link) {
     if (index >= itemLimit || !append(1, false)) return false;
     std::memcpy(bytes(index), node, at.size);
     if (link) addNode(int(index));
+    if (types.form == Named) names.added(nameAt(index), index);
     return true;
 }
 
-void ValueMapData::rehash() {
+void ValueMapData::exchangeItem(uint index, byte* node) {
+    if (hasTree()) removeNode(int(index));
+    if (types.form == Named) names.renamed(nameAt(index), reinterpret_cast<const ZSelector*>(node + at.key)->key());
+    std::swap_ranges(node, node + at.size, bytes(index));
+    if (hasTree()) addNode(int(index));
+}
+
+void ValueMapData::removeAt(uint index) {
+    if (types.form == Named) names.removed(nameAt(index), index, count());
+    remove(int(index), 1);
+}
+
+void ValueMapData::removeAll(const int* positions, uint many) {
+    const uint all = count();
+    item::Scratch gone(size_t(many) * at.size);
+    if (many < 2 || !gone.memory()) {
+        while (many > 0) removeAt(uint(positions[--many]));
+        return;
+    }
+    dropIndexes();
+    byte *to = bytes(uint(positions[0])), *aside = gone.memory();
+    for (uint i = 0; i < many; ++i) {
+        const byte* from = bytes(uint(positions[i]));
+        std::memcpy(aside + size_t(i) * at.size, from, at.size);
+        const size_t kept = size_t((i + 1 < many ? uint(positions[i + 1]) : all) - uint(positions[i]) - 1) * at.size;
+        std::memmove(to, from + at.size, kept);
+        to += kept;
+    }
+    forgetItems(int(all - many), int(many));
+    // The map is whole when the items end.
+    for (uint i = 0; i < many; ++i) endNode(aside + size_t(i) * at.size);
+}
+
+void ValueMapData::forgetFrom(uint index) {
+    dropIndexes();
+    forgetItems(int(index), int(count() - index));
+}
+
+void ValueMapData::dropIndexes() {
+    names.drop();
     clearTree(true);
+}
+
+void ValueMapData::rehash() {
+    dropIndexes();
     for (uint i = 0; i < count(); ++i) static_cast<Node*>(itemStart(i))->hash = keyHash(key(i));
 }
 
@@ -162,10 +228,27 @@ bool ValueMapData::copyItem(ZCompactRBItem* to, const ZCompactRBItem* from) {
 int ValueMapData::orderItemValues(const ZCompactRBItem* a, const ZCompactRBItem* b) const {
     return item::order(types.value, part(a, at.value), part(b, at.value), types.valueBytes);
 }
+int ValueMapData::byKey(const void* data, const ZCompactRBItem* a, const ZCompactRBItem* b) {
+    auto of = static_cast<const ValueMapData*>(data);
+    const byte *first = of->keyIn(a), *second = of->keyIn(b);
+    const int order =
+        of->types.form == Named
+            ? reinterpret_cast<const ZSelector*>(first)->compareStr(*reinterpret_cast<const ZSelector*>(second))
+            : of->orderKeys(first, second);
+    return order || of->types.form == Set ? order : of->orderItemValues(a, b);
+}
+int ValueMapData::byValue(const void* data, const ZCompactRBItem* a, const ZCompactRBItem* b) {
+    return static_cast<const ValueMapData*>(data)->orderItemValues(a, b);
+}
 int ValueMapData::compareItem(const ZCompactRBItem* a, const ZCompactRBItem* b) const {
-    const int order = orderKeys(part(a, at.key), part(b, at.key));
-    if (order || types.form == Set) return order;
-    return orderItemValues(a, b);
+    if (types.form != Set) {
+        const byte *first = part(a, at.key), *second = part(b, at.key);
+        const int order = types.form == Keyed && !item::instances(types.key)
+                              ? item::compare(types.key, first, second, types.keyBytes)
+                              : orderKeys(first, second);
+        if (order) return order;
+    }
+    return item::compare(types.value, part(a, at.value), part(b, at.value), types.valueBytes);
 }
 int ValueMapData::compareItemKey(const ZCompactRBItem* a, const ZCompactRBItem* b) const {
     return orderKeys(part(a, at.key), part(b, at.key));

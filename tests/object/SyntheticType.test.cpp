@@ -59,6 +59,10 @@ TEST_F(SyntheticTest, TheKeysOfAMapAreProperties) {
     EXPECT_EQ(value.getProperty("y").toInt(), 12);
     EXPECT_FALSE(value.setProperty("y", ZVariant("twelve")));
     EXPECT_FALSE(value.setProperty("new", ZVariant(1))) << "properties aren't made by setting them";
+    EXPECT_FALSE(value.setDynamicProperty("new", ZVariant(1), false));
+    EXPECT_TRUE(value.setDynamicProperty("new", ZVariant("3"), true)) << "unless that is asked";
+    EXPECT_EQ(namesOf(value), "x y new");
+    EXPECT_EQ(value.getProperty("new").toInt(), 3);
     EXPECT_EQ(map.variant("y").toInt(), 2) << "the variant had a copy";
     EXPECT_EQ(value.getPropertyType("x"), ztype<int>());
     ZTypedPtr at(ztype<ZVSelectMap>(), &map);
@@ -67,7 +71,7 @@ TEST_F(SyntheticTest, TheKeysOfAMapAreProperties) {
     EXPECT_TRUE(at.clearProperty("x"));
     EXPECT_TRUE(map.haskey("x") && map.variant("x").toInt() == 0);
     // Counting and walking by name.
-    EXPECT_EQ(invoke(value, "count").toInt(), 2);
+    EXPECT_EQ(invoke(value, "count").toInt(), 3);
     EXPECT_EQ(invoke(value, "entry", 1).toInt(), 12);
 }
 

@@ -6,6 +6,8 @@
 #include "tests/support/CoreScope.h"
 #include "toolkit/epoch.h"
 #include "value/ZVArray.h"
+#include "value/ZVHashSet.h"
+#include "value/ZVKeyMap.h"
 #include "value/ZVSelectMap.h"
 #include "value/ZVariant.h"
 
@@ -65,6 +67,25 @@ TEST_F(ZDetachContextTest, OneCopyOfOneObject) {
     ASSERT_TRUE(ZDetachContext::detachValue(alone));
     EXPECT_EQ(alone, object);
     EXPECT_EQ(object->refcount(), 1);
+    object->release();
+}
+
+TEST_F(ZDetachContextTest, KeysOfMapsAndValuesOfSetsAreDetachedToo) {
+    ZObject* object = zmake<ZObject>();
+    const ZVariant held(object);
+    ZVKeyMap map(ztype<ZObject>(), ztype<ZVariant>()), copy;
+    ZVHashSet set(ztype<ZVariant>());
+    ASSERT_TRUE(map.set(held, held) && set.add(held));
+    copy = map;
+    ZDetachContext* context = zmake<ZDetachContext>();
+    context->startDetach();
+    ASSERT_TRUE(context->detachKeyMap(copy) && context->detachHashSet(set));
+    const ZVariant made = copy.key(0);
+    EXPECT_NE(made.toType(), object);
+    EXPECT_EQ(copy.variant(made).toType(), made.toType());
+    EXPECT_EQ(set.entry(0).toType(), made.toType());
+    EXPECT_TRUE(copy.haskey(made) && !copy.haskey(held) && map.haskey(held) && set.contains(made));
+    context->release();
     object->release();
 }
 

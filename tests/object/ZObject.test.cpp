@@ -1,5 +1,6 @@
 #include "object/ZObject.h"
 #include "core/ZInternal.h"
+#include "core/ZUnique.h"
 #include "object/ZEnumType.h"
 #include "object/ZMetaType.h"
 #include "object/ZMethodDispatch.h"
@@ -226,6 +227,27 @@ TEST_F(ZObjectLife, MadeByTheNameOfAType) {
     EXPECT_TRUE(root->loadDelegate("x", "ZObject"));
     EXPECT_EQ(root->findDelegate("x")->refcount(), 1);
     root->release();
+}
+
+TEST_F(ZObjectLife, KeepsTheIdsOfNamedPosts) {
+    const uint before = ZUnique::count();
+    const ZUnique first, second;
+    const ZSelector later("later"), other("other");
+    failEachAllocation([&](AllocProbe& probe) {
+        ZObject* object = zmake<ZObject>();
+        if (!object) return;
+        const bool noted = object->setNamedMethodPostId(later, first);
+        probe.failAt(0);
+        EXPECT_EQ(object->namedMethodPostId(later) == first, noted);
+        EXPECT_FALSE(object->setNamedMethodPostId(ZSelector(), first));
+        EXPECT_TRUE(object->setPostedMethodId(later, second) && object->postedMethodId(later) == second);
+        EXPECT_TRUE(object->setNamedMethodPostId(other, second) && object->removeMethodPost(later));
+        EXPECT_FALSE(object->removeMethodPost(later) || object->setNamedMethodPostId(later, ZUnique(0)));
+        EXPECT_TRUE(object->namedMethodPostId(later).isEmpty());
+        object->release();
+        zrecover();
+    });
+    EXPECT_EQ(ZUnique::count(), before + 2);
 }
 
 /// Whatever allocation fails, a caller sees null or false, the old state, and nothing is left behind.

@@ -193,6 +193,20 @@ TEST_F(Property, VariantsHoldRecordsByTheirOwnCount) {
     EXPECT_EQ(ZTypedPtr(found).invoke(name("value"), ZArrayT<ZVariant>()).toInt(), 12);
 }
 
+TEST_F(Property, PathsLeadToTheKeysOfMaps) {
+    ZObject* object = zmake<ZObject>();
+    ASSERT_TRUE(object->addProperty(name("map"), holding(ZVSelectMap(ztype<int>()))));
+    const ZVariant before = object->getProperty(name("map"));
+    EXPECT_TRUE(object->setProperty("map.a", ZVariant("7")));
+    EXPECT_TRUE(object->setProperty("map.a.b", ZVariant(8))) << "the rest as a whole is the key";
+    EXPECT_FALSE(object->setProperty("map.c", ZVariant("no number")));
+    EXPECT_EQ(object->getProperty("map.a").toInt(), 7);
+    EXPECT_EQ(object->getPropertyItem(name("map"), name("a.b")).toInt(), 8);
+    EXPECT_EQ(object->getProperty(name("map")).itemCount(), 2u);
+    EXPECT_EQ(before.itemCount(), 0u) << "written back as a copy";
+    object->release();
+}
+
 TEST_F(Property, DynamicOnesGetSetters) {
     ZObject* object = zmake<ZObject>();
     ASSERT_TRUE(object->addProperty(name("note"), ZVariant(1)));

@@ -1,5 +1,6 @@
 #include "tests/value/madeTypes.h"
 
+#include "object/ztype.h"
 #include "text/ZBlendPos.h"
 #include "value/ZVArray.h"
 #include "value/ZVHashSet.h"
@@ -130,6 +131,56 @@ TEST_F(ZVMaps, KeysMayBeThereTwice) {
     EXPECT_FALSE(map.remove(integer(7)));
 }
 
+TEST_F(ZVMaps, ItemsWithoutALinkAreFoundAfterTheNextIndex) {
+    for (int before : {0, 1, 5, 30})
+        for (bool asked : {false, true}) {
+            ZVKeyMap map((*types)[ZMetaType::Int], (*types)[ZMetaType::Int]);
+            for (int i = 0; i < before; ++i) ASSERT_TRUE(map.add(integer(i), integer(i)));
+            if (asked) { EXPECT_EQ(map.findKey(integer(0)), before ? 0 : -1); }
+            ASSERT_TRUE(map.add(integer(99), integer(1), false));
+            // An index that isn't there yet is built with it.
+            EXPECT_EQ(map.haskey(integer(99)), !asked || !before) << before;
+            ASSERT_TRUE(map.rebuildTree());
+            EXPECT_EQ(map.findKey(integer(99)), before);
+        }
+}
+
+TEST_F(ZVMaps, KeysInContainersOfTheirOwn) {
+    ZVKeyMap map((*types)[ZMetaType::String], types->plain[ZMetaType::Int]);
+    for (int i = 0; i < 6; ++i) ASSERT_TRUE(map.set(text(("k" + std::to_string(i)).c_str()), integer(i % 4)));
+    EXPECT_EQ(map.keys().toString(), ZString("k0 k1 k2 k3 k4 k5"));
+    EXPECT_TRUE(map.keySet().matches(ZVHashSet(map.keys())));
+    const int places[] = {5, 9, 1, -1};
+    EXPECT_EQ(map.extractKeys(ZArrayT<int>(places, 4)).toString(), ZString("k5 k1"));
+    EXPECT_EQ(map.rearrange(map.extractKeys(ZArrayT<int>(places, 4))).keys().toString(), ZString("k5 k1"));
+    EXPECT_EQ(map.getKey(integer(1)), text("k1"));
+    EXPECT_EQ(map.getKey(integer(1), 2), text("k5"));
+    EXPECT_TRUE(map.contains(text("k5"), integer(1)));
+    EXPECT_FALSE(map.contains(text("k5"), integer(5)) || map.contains(text("k6"), integer(1)));
+
+    ZVSelectMap named((ztype<ZVariant>()));
+    for (const char* key : {"a", "b", "c"}) ASSERT_TRUE(named.set(key, *key == 'b' ? ZVariant(1) : ZVariant()));
+    EXPECT_EQ(named.collectNullKeys().count(), 2u);
+    EXPECT_TRUE(named.contains("b", ZVariant(1)) && !named.contains("b", ZVariant(2)));
+    ASSERT_TRUE(named.removeNull());
+    EXPECT_FALSE(named.removeNull());
+    EXPECT_EQ(named.keys().count(), 1u);
+}
+
+TEST_F(ZVMaps, KeyedValuesBlend) {
+    ZVKeyMap a((*types)[ZMetaType::String], (*types)[ZMetaType::Int]), b(a), between;
+    ASSERT_TRUE(a.set(text("x"), integer(2)) && a.set(text("y"), integer(4)));
+    ASSERT_TRUE(b.set(text("y"), integer(8)) && b.set(text("z"), integer(6)));
+    ASSERT_TRUE(between.blendFrom(&a, &b, ZBlendPos(0.5)));
+    EXPECT_EQ(between.keys().toString(), ZString("x y z"));
+    EXPECT_EQ(between.values().toString(), ZString("2 6 6"));
+    ZVKeyMap other((*types)[ZMetaType::Int], (*types)[ZMetaType::Int]);
+    for (double pos : {0.4, 0.5}) {
+        ASSERT_TRUE(between.blendFrom(&a, &other, ZBlendPos(pos)));
+        EXPECT_EQ(between, pos < 0.5 ? a : other);
+    }
+}
+
 TEST_F(ZVMaps, MultisetsCount) {
     ZVHashSet set((*types)[ZMetaType::Int]);
     ASSERT_TRUE(set.add(integer(1)) && set.add(integer(1)));
@@ -149,6 +200,50 @@ TEST_F(ZVMaps, MultisetsCount) {
     ASSERT_TRUE(copy.remove(integer(5), true));
     EXPECT_FALSE(copy.remove(integer(5), true));
     EXPECT_EQ(copy.count(), 1u);
+}
+
+TEST_F(ZVMaps, MultisetsAddAndTakeWhatOthersCount) {
+    auto make = [](std::initializer_list<int> numbers) {
+        ZVHashSet set((*types)[ZMetaType::Int]);
+        set.setMultiSet(true);
+        for (int number : numbers) EXPECT_TRUE(set.add(integer(number)));
+        return set;
+    };
+    auto told = [](const ZVHashSet& set) {
+        std::string text;
+        for (uint i = 0; i < set.count(); ++i)
+            text += std::to_string(set.entry(int(i)).toInt()) + "x" + std::to_string(set.usageAt(int(i))) + " ";
+        return text;
+    };
+    ZVHashSet set = make({1, 2, 2, 3, 3, 3});
+    ASSERT_TRUE(set.add(make({2, 4, 4})));
+    EXPECT_EQ(told(set), "1x1 2x3 3x3 4x2 ");
+    ASSERT_TRUE(set.add(set));
+    EXPECT_EQ(told(set), "1x2 2x6 3x6 4x4 ");
+    ASSERT_TRUE(set.remove(make({1, 1, 1, 3, 3, 7}), false));
+    EXPECT_EQ(told(set), "2x6 3x4 4x4 ");
+    ZVArray list((*types)[ZMetaType::String]);
+    for (const char* number : {"4", "3", "4", "4", "4", "4"}) ASSERT_TRUE(list.append(text(number)));
+    ASSERT_TRUE(set.remove(list, false));
+    EXPECT_EQ(told(set), "2x6 3x3 ");
+    ASSERT_TRUE(set.add(list) && set.contains(list));
+    EXPECT_EQ(told(set), "2x6 3x4 4x5 ");
+    ASSERT_TRUE(list.append(text("none")));
+    EXPECT_FALSE(set.add(list) || set.contains(list));
+    ASSERT_TRUE(set.remove(list, true));
+    EXPECT_EQ(told(set), "2x6 ");
+    // A plain set forgets how often.
+    ZVHashSet plain((*types)[ZMetaType::Int]);
+    ASSERT_TRUE(plain.add(make({5, 5})) && plain.add(named({{"a", 5}, {"b", 6}})));
+    EXPECT_EQ(told(plain), "5x1 6x1 ");
+    EXPECT_TRUE(plain.contains(named({{"a", 6}})));
+
+    // Values that were changed where they stand.
+    ZVHashSet several = make({7, 8, 8, 9, 10});
+    for (int i : {0, 2}) *static_cast<int*>(several.valuePtr(i)) = 10;
+    ASSERT_TRUE(several.changed());
+    EXPECT_EQ(told(several), "10x3 8x2 ");
+    EXPECT_FALSE(several.contains(integer(7)));
 }
 
 TEST_F(ZVMaps, SetsMeet) {
@@ -180,6 +275,10 @@ TEST_F(ZVMaps, NewNamesForASet) {
     EXPECT_EQ(set.createSelector("item%d", false), ZSelector("item4"));
     EXPECT_EQ(set.createSelector("item%d", true), ZSelector("item4"));
     EXPECT_EQ(set.createSelector("x%03d%%", true), ZSelector("x004%"));
+    EXPECT_EQ(set.createSelector("%i", false), ZSelector("5"));
+    ZVHashSet fresh;
+    EXPECT_EQ(fresh.createSelector("part%d", true), ZSelector("part1"));
+    EXPECT_TRUE(fresh.isSelectorType() && fresh.hasSelector("part1"));
     // Formats that ask for more than the number.
     for (const char* format : {"item", "%s", "%d%d", "%n", "%*d", "%", "%ld", "%99999d", ""})
         EXPECT_TRUE(set.createSelector(format, true).isEmpty()) << format;
