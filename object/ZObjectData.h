@@ -153,6 +153,8 @@ private:
 /// Bytes that a private part takes in an internal block: parts stand at multiples of 16.
 constexpr int internalRoom(size_t bytes) { return int((bytes + 15) & ~size_t(15)); }
 
+/// An object goes: so do its named posts.
+void dropPosts(ObjectData& data);
 /// Takes an object that goes, or that isn't wanted there any more, out of the tables of names.
 void forgetPublished(ZObject* object);
 void forgetPropertyDelegate(ZObject* object);
@@ -172,8 +174,6 @@ void nameChanged(ZObject* object);
 bool holdDelegates(const ZObject* object, ZArrayT<ZRetainPtrT<ZObject>>& delegates);
 /// Brings the table of methods that extensions bring up to date; false without memory.
 bool freshExtension(const ZObject* object);
-/// An object goes: so do its named posts.
-void dropPosts(ObjectData& data);
 /// An object goes: it lets its delegates go, and is none any more.
 void dropDelegates(ZObject* object);
 

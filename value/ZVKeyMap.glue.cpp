@@ -33,6 +33,7 @@ template <> struct Table<ZVKeyMap> : Declares<ZVKeyMap> {
         ORV_METHOD(bool, isKeyType, (const ZMetaType*), const),
         ORV_METHOD(bool, isKeyType, (const ZSelector&), const),
         ORV_METHOD(ZVariant, variant, (const ZVariant&), const),
+        ORV_METHOD(ZVariant, entry, (const ZVariant&), const),
         ORV_METHOD(bool, haskey, (const ZVariant&), const),
         ORV_METHOD(bool, hasKeys, (const ZVArray&), const),
         ORV_METHOD(bool, hasKeys, (const ZVKeyMap&), const),

@@ -52,6 +52,9 @@ public:
     void* getItem(const void* key) { return valuePtr(findItemKey(key)); }
     /// The null variant if there is none.
     ZVariant variant(const ZVariant& key) const { return entry(findKey(key)); }
+    /// The same; with an integer by position.
+    ZVariant entry(const ZVariant& key) const { return variant(key); }
+    using ValueMap::entry;
     bool haskey(const ZVariant& key) const { return findKey(key) >= 0; }
     bool hasKeys(const ZVArray& keys) const;
     bool hasKeys(const ZVKeyMap& other) const;

@@ -33,13 +33,13 @@
         ORV_METHOD(void, clear, (), ), ORV_METHOD(bool, drop, (), ), ORV_METHOD(int, refcount, (), const),             \
         ORV_METHOD(bool, isDetached, (), const), ORV_METHOD(bool, detach, (), ), ORV_METHOD(bool, detach, (bool), ),   \
         ORV_METHOD(bool, deepDetach, (), ), ORV_METHOD(bool, deepDetach, (ZDetachContext*), ),                         \
+        ORV_METHOD(bool, rebuildTree, (), ),                                                                           \
         ORV_METHOD(int16, expand, (), const), ORV_METHOD(bool, setExpand, (int16), ),                                  \
         ORV_METHOD(bool, expand, (uint), ), ORV_METHOD(bool, setSpace, (int), ), ORV_METHOD(bool, trim, (), ),         \
         ORV_METHOD(bool, endian, (), const), ORV_METHOD(bool, setEndian, (bool), ),                                    \
         ORV_METHOD(uint, hashbits, (), const), ORV_METHOD(bool, setHashbits, (uint), ),                                \
         ORV_METHOD(uint, autohash, (), const), ORV_METHOD(bool, setAutohash, (uint), ),                                \
-        ORV_METHOD(int, maxCollisions, (), const), ORV_METHOD(bool, rebuildTree, (), ),                                \
-        ORV_METHOD(int, predecessor, (int), const), ORV_LOCK_ROWS
+        ORV_METHOD(int, maxCollisions, (), const), ORV_METHOD(int, predecessor, (int), const), ORV_LOCK_ROWS
 
 /// Of the arrays of instances, see `orv::TypeItems`.
 #define ORV_TYPE_ITEM_ROWS(Array)                                                                                      \
