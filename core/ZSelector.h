@@ -371,6 +371,16 @@ public:
     /// Arguments are converted to what the format asks for; missing ones are 0 and empty.
     bool xprintf(const char* format, const ZArrayT<ZVariant>& arguments);
 
+    // Signals. A signature stands for the method of that signature in the type of the reference, on whatever instance;
+    // the reference is called when an instance of the type, or of one that descends from it, fires the method. False
+    // if there is no such method, without memory, and for any other selector.
+
+    bool bind(const ZMethodRef& method) const;
+    /// False if it isn't bound.
+    bool unbind(const ZMethodRef& method) const;
+    bool operator+=(const ZMethodRef& method) const { return bind(method); }
+    bool operator-=(const ZMethodRef& method) const { return unbind(method); }
+
     // Comparison
 
     bool operator==(const ZSelector& other) const { return id == other.id; }

@@ -12,6 +12,7 @@ class ZError;
 class ZInternal;
 class ZLock;
 class ZMetaType;
+class ZMethodRef;
 class ZPointerIndex;
 class ZPointerIndexMap;
 class ZPtrKey;

@@ -6,6 +6,7 @@
 #include "core/ZPointerIndex.h"
 #include "core/ZUnique.h"
 #include "module/packages.h"
+#include "object/ZBinding.h"
 #include "object/ZMethodDispatch.h"
 #include "object/ZMethodPtr.h"
 #include "object/ZMethodRef.h"
@@ -80,6 +81,7 @@ constexpr orv::LoadStep loadSteps[] = {
     {"ZProperty::open", When::Always, [](Run&) { ZProperty::open(); }},
     {"ZPropertyPtr::open", When::Always, [](Run&) { ZPropertyPtr::open(); }},
     {"ZUnique::open", When::Always, [](Run&) { ZUnique::open(); }},
+    {"ZBinding::open", When::Always, [](Run&) { ZBinding::open(); }},
     {"ZLock::open", When::Locking, [](Run&) { ZLock::open(128); }},
     {"core lock", When::Locking, [](Run&) { Steps::createCoreLock(); }},
     // Up to here a load that isn't full goes.
@@ -93,7 +95,7 @@ constexpr orv::LoadStep loadSteps[] = {
     {"loaded mark", When::Always, [](Run&) { toolkit::store(orv::coreState.coreLoaded, true); }},
     {"splash launch", When::Always, [](Run&) { splash("Launching Application"); }},
 };
-constexpr int coreSteps = 16;
+constexpr int coreSteps = 17;
 
 constexpr orv::LoadStep unloadSteps[] = {
     {"first closing mark", When::Always, [](Run&) { toolkit::store(orv::coreState.notificationsClosed, true); }},
@@ -103,6 +105,7 @@ constexpr orv::LoadStep unloadSteps[] = {
     {"core lock", When::Always, [](Run&) { Steps::destroyCoreLock(); }},
     {"ZLock::close", When::Always, [](Run&) { ZLock::close(); }},
     {"ZObject::closeNamed", When::Always, [](Run&) { ZObject::closeNamed(); }},
+    {"ZBinding::close", When::Always, [](Run&) { ZBinding::close(); }},
     {"ZUnique::close", When::Always, [](Run&) { ZUnique::close(); }},
     {"second closing mark", When::Always, [](Run&) { toolkit::store(orv::coreState.typesClosed, true); }},
     {"retired objects", When::Always, [](Run&) { toolkit::epochDrain(); }},

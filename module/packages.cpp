@@ -51,14 +51,18 @@ constexpr const ClassRow* objectTypes[] = {
     &Row<ZEnumType>::row,
     &Row<ZSelectorType>::row,
     &Row<ZVSelectMapType>::row,
-    &Row<ZNamedTypeArrayType>::row,
-    &Row<ZTypeNameMapType>::row,
     &Row<ZCompositeType>::row,
     &Row<ZTypeCategory>::row,
+    &Row<ZBinding>::row,
+    &Row<ZBindingLink>::row,
+    &Row<ZBindingItem>::row,
+    &Row<ZBindingSet>::row,
     &Row<ZPackage>::row,
     &Row<ZModule>::row,
     &Row<ZUnknownData>::row,
     &Row<ZVariantDelegate>::row,
+    &Row<ZNamedTypeArrayType>::row,
+    &Row<ZTypeNameMapType>::row,
 };
 
 constexpr const char* ztlUses[] = {"orv.core.base", "orv.core.object"};

@@ -3,6 +3,7 @@
 #include "core/ZInternal.h"
 #include "core/construct.h"
 #include "core/memlock.h"
+#include "object/ZBinding.h"
 #include "object/ZInlineType.h"
 #include "object/ZMetaTypeData.h"
 #include "object/ZObjectData.h"
@@ -166,6 +167,7 @@ ZMetaType::~ZMetaType() {
         orv::typesRemoved();
         ZInlineType::forget(this);
     }
+    ZBinding::removeType(this);
     dropObjects();
     dropCategories();
     clearVariants();

@@ -511,9 +511,12 @@ public:
 
     // Instance list
 
+    /// Fires the method of that name of an instance: calls what is bound to it. False if there is no such method.
     virtual bool callInstance(ZObject* instance, const ZSelector& name) const;
     virtual void addInstance(ZType* instance);
     virtual void removeInstance(ZType* instance);
+    /// The type is an object too: binds each method of the instance that is marked for it, or the one of that name, to
+    /// the method of the same signature that the type has as an object.
     virtual bool bindInstance(ZObject* instance);
     virtual bool bindInstance(ZObject* instance, const ZSelector& name);
     virtual bool unbindInstance(ZObject* instance);
@@ -589,6 +592,7 @@ public:
     virtual void resetFixedMethods();
     virtual bool collectSelectors(ZSelectorMap& selectors) const;
     virtual bool collectEnums(ZArrayT<ZEnumType*>& enums) const;
+    /// Bindings of the type's instances that lead from or to a method of that name are looked up again.
     virtual void changeInstanceBindings(ZMethod* method);
     virtual void initTemplateType(const ZSelector& name);
     virtual void resetInlineMethodTypes();

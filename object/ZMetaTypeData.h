@@ -150,6 +150,11 @@ struct MetaTypeData {
     ZObject* singleton = nullptr;
     ZListT<ZObject*> typeDelegates; ///< each retained
 
+    // Bindings, under the lock of their table
+
+    int bindingSrc = -1, bindingDst = -1; ///< heads of those whose source, destination is of this type
+    uint boundSources = 0;                ///< those for which any instance is a source
+
     // Methods and properties
 
     MethodTables methods;

@@ -1,4 +1,5 @@
 #include "core/ZHashSetT.h"
+#include "object/ZBinding.h"
 #include "object/ZMetaTypeData.h"
 #include "object/ZMethod.h"
 #include "object/glueRows.h"
@@ -85,6 +86,7 @@ template <class F> bool edit(ZMetaType* type, F change) {
     }
     typesChanged();
     toolkit::epochRetire(old, reclaimTable);
+    ZBinding::resetType(type);
     return true;
 }
 
@@ -243,6 +245,7 @@ void ZMetaType::resetMethodTypes() {
     typesChanged();
     if (old) toolkit::epochRetire(old, reclaimTable);
     resetInlineMethodTypes();
+    ZBinding::resetType(this);
 }
 
 bool ZMetaType::typesAreReset() const { return !own->methods.published.load() && !own->properties.types.load(); }

@@ -102,7 +102,7 @@ void ZMethod::clear() {
     setOwner(nullptr);
     context = nullptr;
     flags = 0;
-    sandBoxLevel = openIndex = registryIndex = bindings[0] = bindings[1] = -1;
+    sandBoxLevel = openIndex = registryIndex = bindings[0] = bindings[1] = typeBinding = -1;
     wordCount = -1;
     declared = false;
 }
@@ -230,6 +230,8 @@ bool ZMethod::matchBinding(const ZMethod* destination, const ZMetaType* type, co
     if (!mine || !theirs) return false;
     const int shared = mine->count < theirs->count ? mine->count : theirs->count;
     for (int i = 1; i < shared; ++i) {
+        // From there on it takes anything.
+        if (destination->openArgument() >= 0 && i > destination->openArgument()) break;
         const orv::MethodParam &from = (*mine)[i], &to = (*theirs)[i];
         if (!from.type || !to.type || from.type == to.type || from.type->typeOf(to.type)) continue;
         if (from.data->isVariant() || to.data->isVariant()) continue;
@@ -274,7 +276,7 @@ void ZMethod::fetchBindingOptions(const ZMethod* destination, bool& needsCall, b
         ZMetaType *from = (*mine)[0].type, *to = (*theirs)[0].type;
         convertFirst = from && to && (from == to || from->typeOf(to));
     }
-    if (mine->count < theirs->count) return;
+    if (mine->count < theirs->count || destination->openArgument() >= 0) return;
     needsCall = false;
     if (theirs->count < 2 || destination->collectArgs()) return;
     for (int i = 1; i < theirs->count && !needsCall; ++i) needsCall = (*mine)[i].type != (*theirs)[i].type;

@@ -60,7 +60,7 @@ public:
         Publish = 0x200000,
         Variadic = 0x400000,
         CollectArgs = 0x800000, ///< the entry takes all arguments as one `ZVArray`
-        PassVariant = 0x1000000,
+        PassVariant = 0x1000000, ///< as the destination of a binding it gets the variant itself
         ReadLock = 0x2000000,
         WriteLock = 0x4000000,
         DWrap = 0x8000000,
@@ -205,7 +205,7 @@ public:
     // As ends of a binding. Parameters are compared from place 1 on, as far as the shorter list goes.
 
     /// Whether a call of this method can be passed on: each pair is unknown, equal, of the destination's type, or one
-    /// is a variant. A destination with `CollectArgs` takes anything.
+    /// is a variant. A destination with `CollectArgs` takes anything, and so does an open argument.
     bool matchBinding(const ZMethod* destination) const { return matchBinding(destination, nullptr, nullptr); }
     bool matchBinding(const ZMethod* destination, const ZMetaType* type, const ZMetaType* destinationType) const;
     /// Whether the block of a call of this method serves the destination as it is.
@@ -232,6 +232,9 @@ public:
     void setRegistryIndex(int index) const { toolkit::store(registryIndex, index); }
     int getBinding(bool destination) const { return toolkit::load(bindings[destination]); }
     void setBinding(bool destination, int index) const { toolkit::store(bindings[destination], index); }
+    /// The first binding for which any instance is a source, see `ZBinding`.
+    int getTypeBinding() const { return toolkit::load(typeBinding); }
+    void setTypeBinding(int index) const { toolkit::store(typeBinding, index); }
 
     /// Set by tables of declared methods: the entries don't look at the record.
     bool isDeclared() const { return declared; }
@@ -263,6 +266,7 @@ private:
     int openIndex = -1;
     mutable int registryIndex = -1;
     mutable int bindings[2] = {-1, -1};
+    mutable int typeBinding = -1;
     int8 wordCount = -1;
     bool declared = false;
 };

@@ -98,8 +98,27 @@ public:
     /// Drops what is registered for an instance that goes.
     static void dropInstance(const void* instance);
 
+    // Bindings: when this method of its object is fired, the other one is called; see `ZBinding`. Both ends are at
+    // objects, or nothing happens. `-=` removes them.
+
+    ZMethodRef& operator+=(const ZMethodRef& destination);
+    ZMethodRef& operator-=(const ZMethodRef& destination);
+    /// The method that the entry is bound to, or finds at the entry's object, else at this one's.
+    ZMethodRef& operator+=(const ZMethodDispatch& destination);
+    ZMethodRef& operator-=(const ZMethodDispatch& destination);
+    /// The setter of the property.
+    ZMethodRef& operator+=(const ZPropertyRef& destination);
+    ZMethodRef& operator-=(const ZPropertyRef& destination);
+    /// A method or property of the same object.
+    ZMethodRef& operator+=(const ZSelector& destination);
+    ZMethodRef& operator-=(const ZSelector& destination);
+    /// The method of the same signature.
+    ZMethodRef& operator+=(ZObject* destination);
+    ZMethodRef& operator-=(ZObject* destination);
+
 private:
     bool isAtObject() const;
+    ZObject* object() const;
 
     ZMethod* method = nullptr;
     const void* instance = nullptr;

@@ -4,6 +4,7 @@
 #include "core/construct.h"
 #include "core/debug.h"
 #include "core/state.h"
+#include "object/ZBinding.h"
 #include "object/ZMetaTypeData.h"
 #include "object/ZMethodRef.h"
 #include "object/ZObjectData.h"
@@ -162,6 +163,7 @@ ZObject::~ZObject() {
     if (priv) {
         if (priv->has(ObjectData::Published)) orv::forgetPublished(this);
         if (priv->has(ObjectData::PropertyDelegate)) orv::forgetPropertyDelegate(this);
+        if (bindingSrc >= 0 || bindingDst >= 0 || orv::bindingStackTop) ZBinding::removeObject(this);
         ZMethodRef::dropInstance(this);
         for (ZInlineMethod* record : std::as_const(priv->inlineRecords)) orv::InlineLinks::forgetObject(record);
         while (ZObject* child = firstChild) {
@@ -186,6 +188,8 @@ void ZObject::release() {
     // Whoever gives up a reference that it got meanwhile comes here again.
     if (priv) {
         if (priv->has(ObjectData::Deleting)) return;
+        // Who is calling it as the destination of a binding keeps it until that has ended.
+        if (ORV_UNLIKELY(toolkit::load(bindingDst) >= 0) && !ZBinding::leaveDestination(this)) return;
         priv->set(ObjectData::Deleting, true);
     }
     deleting();
@@ -257,13 +261,16 @@ ZObject* ZObject::getTypePrev() const { return typePrev; }
 bool ZObject::setType(ZMetaType* type) {
     if (type) return replaceType(type);
     typeUnlink();
-    return ZType::setType(type);
+    const bool done = ZType::setType(type);
+    ZBinding::resetObject(this);
+    return done;
 }
 bool ZObject::replaceType(ZMetaType* type) {
     if (!type || type == metaType) return type != nullptr;
     typeUnlink();
     const bool done = ZType::replaceType(type);
     typeLink();
+    ZBinding::resetObject(this);
     return done;
 }
 

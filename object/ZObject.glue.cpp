@@ -161,6 +161,8 @@ template <> struct Table<ZObject> : Declares<ZObject> {
         ORV_METHOD(bool, unbindLabeled, (const ZSelector&), ),
         ORV_METHOD(bool, unbindLabeled, (ZObject*, const ZSelector&), ),
         ORV_METHOD(bool, unbindService, (const ZSelector&, const ZSelector&, const ZSelector&), ),
+        ORV_METHOD(int, sbind, (const ZSelector&, const ZSelector&, const ZSelector&), ),
+        ORV_METHOD(bool, sxbind, (const ZSelector&, const ZSelector&, const ZSelector&), ),
         ORV_METHOD(int, lbind, (const ZSelector&, ZObject*, const ZSelector&, const ZSelector&), ),
         ORV_METHOD(bool, lxbind, (const ZSelector&, ZObject*, const ZSelector&, const ZSelector&), ),
         ORV_METHOD(bool, bindings, (ZArrayT<int>&), const),

@@ -5,6 +5,7 @@
 #include "object/ZType.h"
 
 namespace orv {
+struct BindingTable;
 struct ObjectData;
 }
 
@@ -178,7 +179,7 @@ public:
     /// copies. Null without memory, and when the children go deeper than `depthLimit`.
     virtual ZObject* deepCopy() const;
     /// Whether the object is the source of a binding.
-    bool hasBindings() const { return bindingSrc >= 0; }
+    bool hasBindings() const { return toolkit::load(bindingSrc) >= 0; }
     /// The first binding of a method on this object; -1 for none.
     virtual int binding(const ZMethod* method) const;
     virtual bool isMetaType() const;
@@ -357,47 +358,61 @@ public:
     /// Puts a copy in the place of each delegate that others hold too; false without memory.
     virtual bool detachDelegates();
 
-    // Bindings, see object/absentBindings.cpp. Numbers are places in the table of bindings, below 0 for none.
+    // Bindings, see `ZBinding`. This object is the source and `target` the destination, methods or properties. Numbers
+    // are places in the table of bindings, below 0 for none.
 
     virtual int findBinding(const ZObject* target, const ZSelector& name, const ZSelector& targetName,
                             const ZSelector& qualifier = {}, const ZSelector& targetQualifier = {}) const;
     virtual int bind(ZObject* target, const ZSelector& name, const ZSelector& targetName,
                      const ZSelector& qualifier = {}, const ZSelector& targetQualifier = {});
-    /// In both directions.
+    /// In both directions; both bindings come to be, or none.
     virtual bool xbind(ZObject* target, const ZSelector& name, const ZSelector& targetName,
                        const ZSelector& qualifier = {}, const ZSelector& targetQualifier = {});
     virtual bool xunbind(ZObject* target, const ZSelector& name, const ZSelector& targetName,
                          const ZSelector& qualifier = {}, const ZSelector& targetQualifier = {});
-    /// With fixed arguments, put in at `position`.
+    /// With fixed arguments, put in at `position`, which counts from 1.
     virtual int bindArg(ZObject* target, const ZSelector& name, const ZSelector& targetName,
                         const ZArrayT<ZVariant>& arguments, int position);
+    /// To the object that is published under the name of a service: -1 if there is none.
     virtual int bindService(const ZSelector& service, const ZSelector& name, const ZSelector& targetName);
-    /// To the methods of the same name that are marked for it.
+    /// Binds each method that is marked for it to the one of the same signature that the target has; with `both`, the
+    /// target's to this object's too. True if any binding came to be.
     virtual bool autobind(ZObject* target, bool both);
     virtual bool unbind(ZObject* target, const ZSelector& name, const ZSelector& targetName,
                         const ZSelector& qualifier = {}, const ZSelector& targetQualifier = {});
+    /// All bindings of which this object is the source, or the destination, with that method or property; with an empty
+    /// name all. False if there was none.
     virtual bool unbindsrc(const ZSelector& name, const ZSelector& qualifier = {});
     virtual bool unbinddst(const ZSelector& name, const ZSelector& qualifier = {});
     virtual bool unbindLabeled(const ZSelector& label);
     virtual bool unbindLabeled(ZObject* target, const ZSelector& label);
     virtual bool unbindService(const ZSelector& service, const ZSelector& name, const ZSelector& targetName);
-    /// By texts.
-    virtual int sbind(ZObject* target, const char* name, const char* targetName);
-    virtual bool sxbind(ZObject* target, const char* name, const char* targetName);
-    /// With a label.
+    /// From the object that is published under that name to this one.
+    virtual int sbind(const ZSelector& source, const ZSelector& name, const ZSelector& targetName);
+    virtual bool sxbind(const ZSelector& source, const ZSelector& name, const ZSelector& targetName);
+    /// With a label, by which `unbindLabeled` finds it.
     virtual int lbind(const ZSelector& label, ZObject* target, const ZSelector& name, const ZSelector& targetName);
     virtual bool lxbind(const ZSelector& label, ZObject* target, const ZSelector& name, const ZSelector& targetName);
+    /// The places of all bindings of which this object is the source; of those of one method; of those to one target.
+    /// False without memory.
     virtual bool bindings(ZArrayT<int>& places) const;
     virtual bool bindings(const ZMethod* method, ZArrayT<int>& places) const;
     virtual bool bindings(const ZObject* target, ZArrayT<int>& places) const;
+    /// From any instance of the type, or of one that descends from it, to this object.
     virtual int bindType(ZMetaType* type, const ZSelector& name, const ZSelector& targetName);
     virtual bool unbindType(ZMetaType* type, const ZSelector& name, const ZSelector& targetName);
-    /// The object whose binding called the method that runs; null for none.
+    /// The object whose bindings are being called on this thread, the innermost one; null for none.
     virtual ZObject* caller() const;
+    /// What the innermost firing answers, instead of what the last destination did: converted to `callerRetType`. False
+    /// if nothing is being called, and if there is no such conversion.
     virtual bool callerReturn(const ZVariant& value);
+    /// The type of the result of the method that is fired; null without a result.
     virtual ZMetaType* callerRetType() const;
+    /// Fires a method of this object with these arguments; true if anything is bound to it.
     virtual bool callMethodBindings(ZMethod* method, const ZArrayT<ZVariant>& arguments);
+    /// Fires the setter of a property: calls what is bound to it with the value.
     virtual bool callPropertyBindings(const ZSelector& name, const ZVariant& value);
+    /// Sets the property without calling what is bound to it; then that, with the value that the property has.
     virtual bool invokePropertyBindings(const ZSelector& name, const ZVariant& value);
 
     // Property delegates: a delegate named "property" that is a bag of values, made on the first `setPropDelegate`
@@ -520,6 +535,7 @@ public:
 
 protected:
     friend class ZMetaType;
+    friend struct orv::BindingTable;
     friend struct orv::ObjectData;
     friend struct orv::detail::ObjectLayout;
 

@@ -1,6 +1,7 @@
 #include "core/ZHashSetT.h"
 #include "object/DelegateWalk.h"
 #include "object/HeldTarget.h"
+#include "object/ZBinding.h"
 #include "object/ZInlineMethod.h"
 #include "object/ZMetaType.h"
 #include "object/ZObject.h"
@@ -419,6 +420,7 @@ bool ZObject::setMethod(ZMethod* method, bool replace) {
         priv->set(ObjectData::Methods, true);
     }
     orv::ownMethodsChanged(this);
+    ZBinding::resetObject(this, method->methodName());
     return true;
 }
 
@@ -451,6 +453,7 @@ bool ZObject::removeMethod(const ZSelector& selector, const ZSelector& qualifier
         priv->set(ObjectData::Methods, !priv->methods.isEmpty());
     }
     orv::ownMethodsChanged(this);
+    ZBinding::resetObject(this, keyOf(selector));
     return true;
 }
 bool ZObject::removeMethods() {
@@ -463,6 +466,7 @@ bool ZObject::removeMethods() {
         priv->set(ObjectData::Methods, false);
     }
     orv::ownMethodsChanged(this);
+    ZBinding::resetObject(this);
     return true;
 }
 bool ZObject::removeMethods(const ZSelector& name) {
@@ -478,6 +482,7 @@ bool ZObject::removeMethods(const ZSelector& name) {
         priv->set(ObjectData::Methods, !priv->methods.isEmpty());
     }
     orv::ownMethodsChanged(this);
+    ZBinding::resetObject(this, name);
     return true;
 }
 
@@ -486,6 +491,7 @@ void ZObject::resetMethods() {
     priv->set(ObjectData::ExtStale | ObjectData::MultiStale, true);
     useDispatch();
     if (priv->has(ObjectData::InlineRecords)) resetInlineMethods();
+    ZBinding::resetObject(this);
 }
 
 // Inline methods that were looked up on this object

@@ -38,7 +38,20 @@ public:
     int compare(const ZPropertyRef& other) const;
     bool operator==(const ZPropertyRef& other) const { return compare(other) == 0; }
 
+    // Bindings: when this property changes, the other one is set, or the method called with the value; see `ZBinding`.
+    // Both ends are at objects, or nothing happens. `-=` removes them.
+
+    ZPropertyRef& operator+=(const ZPropertyRef& destination);
+    ZPropertyRef& operator-=(const ZPropertyRef& destination);
+    ZPropertyRef& operator+=(const ZMethodRef& destination);
+    ZPropertyRef& operator-=(const ZMethodRef& destination);
+    /// The property of the same name.
+    ZPropertyRef& operator+=(ZObject* destination);
+    ZPropertyRef& operator-=(ZObject* destination);
+
 private:
+    ZObject* object() const;
+
     ZProperty* record = nullptr;
     ZType* instance = nullptr;
 };

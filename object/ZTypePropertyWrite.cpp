@@ -1,3 +1,4 @@
+#include "object/ZBinding.h"
 #include "object/ZMetaTypeData.h"
 #include "object/ZMethod.h"
 #include "object/ZObject.h"
@@ -55,7 +56,7 @@ void callUpdaters(ZType* self, const ZProperty& property) {
 }
 
 bool isBound(ZType* self, const ZMetaType* type) {
-    return type && type->kind() == ZMetaType::Object && static_cast<ZObject*>(self)->hasBindings();
+    return type && type->kind() == ZMetaType::Object && ZBinding::isBound(static_cast<ZObject*>(self), nullptr);
 }
 /// Tells who is bound to a property of an object.
 void callBindings(ZType* self, const ZMetaType* type, const ZSelector& name, const ZVariant& value) {

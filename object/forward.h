@@ -4,6 +4,11 @@
 #include "text/forward.h"
 
 class __ZPassMetaType;
+class ZBinding;
+class ZBindingItem;
+class ZBindingLink;
+class ZBindingSet;
+struct ZBindingStack;
 class ZCompositeType;
 class ZDetachContext;
 class ZEnum;
@@ -14,6 +19,7 @@ class ZInlineMethod;
 class ZInlineType;
 class ZMetaType;
 class ZMethod;
+class ZMethodBindings;
 class ZMethodCall;
 class ZMethodDispatch;
 class ZMethodPtr;
@@ -30,7 +36,6 @@ class ZTypePtrKey;
 
 // Of higher layers: handed through, never looked into here.
 class ZAnimation;
-class ZBinding;
 class ZBlock;
 class ZColorContext;
 class ZCSPMarker;

@@ -89,7 +89,38 @@ public:
     int number = 0;
 };
 
+class PeerBell : public QObject {
+    Q_OBJECT
+public:
+    int rung = 0;
+    void strike() { emit struck(); }
+signals:
+    void struck();
+public slots:
+    void ring() { ++rung; }
+};
+
 namespace {
+
+template <int count> void fire(benchmark::State& state) {
+    PeerBell source, to[count + 1];
+    for (int i = 0; i < count; ++i) QObject::connect(&source, &PeerBell::struck, &to[i], &PeerBell::ring);
+    source.strike();
+    for (int i = 0; i < count; ++i)
+        if (to[i].rung != 1) state.SkipWithError("not called");
+    for (auto _ : state) source.strike();
+}
+void connect(benchmark::State& state) {
+    PeerBell source, to;
+    QObject::connect(&source, SIGNAL(struck()), &to, SLOT(ring()));
+    source.strike();
+    if (!QObject::disconnect(&source, SIGNAL(struck()), &to, SLOT(ring())) || to.rung != 1)
+        state.SkipWithError("not connected");
+    for (auto _ : state) {
+        QObject::connect(&source, SIGNAL(struck()), &to, SLOT(ring()));
+        benchmark::DoNotOptimize(QObject::disconnect(&source, SIGNAL(struck()), &to, SLOT(ring())));
+    }
+}
 
 void propertyGet(benchmark::State& state) {
     PeerShape shape;
@@ -245,7 +276,8 @@ namespace peers::qt {
 const BenchPair::Run propertyGet = ::propertyGet, propertySet = ::propertySet, dynamicGet = ::dynamicGet,
                      dynamicSet = ::dynamicSet, invoke = ::invoke, typeFromName = ::typeFromName, create = ::create,
                      childByName = ::childByName, readAll = ::readAll, enums = ::enums, copyInt = ::copyInt,
-                     copyText = ::copyText, textToInt = ::textToInt;
+                     copyText = ::copyText, textToInt = ::textToInt, fire0 = ::fire<0>, fire1 = ::fire<1>,
+                     fire10 = ::fire<10>, connect = ::connect;
 } // namespace peers::qt
 
 #include "peerQt.moc"

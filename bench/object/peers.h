@@ -36,6 +36,10 @@ extern const BenchPair::Run enums;
 extern const BenchPair::Run copyInt, copyText;
 /// The text "123456" in a variant asked for its int.
 extern const BenchPair::Run textToInt;
+/// A signal without arguments, and so many slots of as many objects connected to it, each counting its calls.
+extern const BenchPair::Run fire0, fire1, fire10;
+/// A connection by the texts of signal and slot, and its end.
+extern const BenchPair::Run connect;
 } // namespace qt
 
 constexpr char enumText[] = "Bold|Italic|Overline";
