@@ -15,6 +15,8 @@ inline void complain(const char* command, const std::string& message, std::FILE*
     std::fprintf(log, "orv %s: %s\n", command, message.c_str());
 }
 
+/// Sums up the packages of the machine.
+void addPackages(CLI::App& app, int& exit);
 /// Lists the registered types.
 void addTypes(CLI::App& app, int& exit);
 /// Counts the words of all texts under some folders.

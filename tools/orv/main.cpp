@@ -8,6 +8,7 @@ int main(int argc, char** argv) {
     app.set_version_flag("--version", std::string("orv ") + ZCoreLib::versionToken());
     app.footer("Exit status: 0 done, 1 something failed, 2 the call can't be understood.");
     int exit = orv::tool::Done;
+    orv::tool::addPackages(app, exit);
     orv::tool::addTypes(app, exit);
     orv::tool::addWords(app, exit);
     auto commands = [&](const char* name) {

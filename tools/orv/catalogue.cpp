@@ -1,0 +1,209 @@
+#include "tools/orv/catalogue.h"
+
+#include "core/construct.h"
+#include "module/packages.h"
+#include "object/ZCompositeType.h"
+#include "object/ZEnumType.h"
+#include "object/ztype.h"
+#include "tools/orv/where.h"
+
+#include <algorithm>
+
+namespace orv::tool {
+
+namespace {
+
+constexpr const glue::ClassRow* types[] = {glue::rowOf<PackageSection>(), glue::rowOf<PackageVersion>()};
+constexpr const char* uses[] = {"orv.core.base", "orv.core.object"};
+constexpr PackageRow ownPackages[] = {{"orv.tool.packages", ZPackage::Public, types, uses}};
+
+ZString stringOf(std::string_view text) { return ZString(text.data(), int(text.size())); }
+ZSelector nameOf(std::string_view text) { return ZSelector(text.data(), int(text.size())); }
+
+} // namespace
+
+std::string printed(const ZVariant& value) {
+    ZString text;
+    const ZMetaType* type = value.type();
+    if (const ZEnumType* names = type ? type->enumType() : nullptr) {
+        text = ZString(names->name(value.toInt()));
+    } else if (type && type->compositeType()) {
+        return printed(value.getProperty("name")) + " <" + printed(value.getProperty("address")) + ">";
+    } else {
+        text = value.toString();
+    }
+    char* bytes = text.astr();
+    std::string out = bytes ? bytes : "";
+    zfree(bytes);
+    return out;
+}
+
+Catalogue::Catalogue() {
+    open = registerPackages("orv.tool", ownPackages) && makeTypes();
+    root = ZRetainPtrT<PackageSection>::adopt(open ? zmake<PackageSection>() : nullptr);
+    open = root && packages.setTypes(ztype<ZString>(), ztype<ZObject>());
+    if (open) root->setSelector("all");
+}
+Catalogue::~Catalogue() = default;
+
+bool Catalogue::makeTypes() {
+    ZPackage* package = ZPackage::findPackage("orv.tool.packages");
+    if (!package) return false;
+    auto priority = ZRetainPtrT<ZEnumType>::adopt(zmake<ZEnumType>(package, ZSelector("Priority")));
+    auto maintainer = ZRetainPtrT<ZCompositeType>::adopt(zmake<ZCompositeType>(package, ZSelector("Maintainer")));
+    if (!priority || !maintainer) return false;
+    int value = 1;
+    for (const char* name : {"required", "important", "standard", "optional", "extra"})
+        if (!priority->add(ZSelector(name), value++)) return false;
+    if (!maintainer->setMember("name", ztype<ZString>()) || !maintainer->setMember("address", ztype<ZString>()))
+        return false;
+    priorityType = priority.get();
+    maintainerType = maintainer.get();
+    const std::pair<const char*, ZMetaType*> typed[] = {
+        {"Installed-Size", ztype<large>()},   {"Size", ztype<large>()},   {"Version", ztype<PackageVersion>()},
+        {"Section", ztype<ZSelector>()},      {"Priority", priorityType}, {"Maintainer", maintainerType},
+        {"Architecture", ztype<ZSelector>()},
+    };
+    for (auto [name, type] : typed) fields.emplace(name, FieldKind{ZSelector(name), type});
+    return true;
+}
+
+std::string Catalogue::keyOf(const std::string& name, const std::string& architecture, const std::string& version) {
+    return name + ":" + architecture + "=" + version;
+}
+
+Catalogue::FieldKind& Catalogue::fieldKind(std::string_view name) {
+    auto known = fields.find(name);
+    if (known == fields.end())
+        known = fields.emplace(std::string(name), FieldKind{nameOf(name), ztype<ZString>()}).first;
+    return known->second;
+}
+
+PackageSection* Catalogue::sectionFor(std::string_view name) {
+    if (auto known = sections.find(name); known != sections.end()) return known->second;
+    auto made = ZRetainPtrT<PackageSection>::adopt(zmake<PackageSection>());
+    if (!made) return nullptr;
+    made->setSelector(nameOf(name));
+    made->setParent(root.get());
+    sections.emplace(std::string(name), made.get());
+    return made.get();
+}
+
+ZVariant Catalogue::maintainer(std::string_view value) const {
+    ZVariant made(maintainerType);
+    const size_t bracket = value.find('<');
+    std::string_view name = value.substr(0, bracket), address;
+    if (bracket != value.npos) {
+        address = value.substr(bracket + 1);
+        address = address.substr(0, address.find('>'));
+    }
+    while (!name.empty() && name.back() == ' ') name.remove_suffix(1);
+    auto member = [&](const char* which) {
+        return static_cast<ZString*>(made.getPtr() ? maintainerType->field(made.getPtr(), which) : nullptr);
+    };
+    ZString *first = member("name"), *second = member("address");
+    if (!first || !second) return {};
+    *first = stringOf(name);
+    *second = stringOf(address);
+    return made;
+}
+
+bool Catalogue::setField(ZObject& object, const FieldKind& field, std::string_view value, bool& understood) {
+    ZVariant held;
+    if (field.type == ztype<ZString>()) {
+        held = stringOf(value);
+    } else if (field.type == maintainerType) {
+        held = maintainer(value);
+    } else {
+        held = readLiteral(field.type, std::string(value));
+        understood = !held.isNull();
+        if (!understood) return true;
+    }
+    return object.setDynamicProperty(field.name, held, true);
+}
+
+bool Catalogue::add(const std::vector<StanzaReader::Field>& stanza, size_t line,
+                    const std::function<void(const Damage&)>& tell) {
+    auto value = [&](std::string_view wanted) {
+        auto found = std::find_if(stanza.begin(), stanza.end(), [&](auto& field) { return field.name == wanted; });
+        return found == stanza.end() ? std::string_view() : found->value;
+    };
+    const std::string_view name = value("Package"), version = value("Version"), section = value("Section");
+    if (name.empty() || version.empty()) {
+        tell({line, std::string("the stanza has no field ") + (name.empty() ? "Package" : "Version")});
+        return true;
+    }
+    const std::string key = keyOf(std::string(name), std::string(value("Architecture")), std::string(version));
+    const ZString keyText = stringOf(key);
+    if (int index = packages.findKey(keyText); index >= 0) {
+        if (index >= firstOfFile) tell({line, key + " is there twice"});
+        return true;
+    }
+    PackageSection* parent = sectionFor(section.empty() ? "none" : section);
+    auto object = ZRetainPtrT<ZObject>::adopt(zmake<ZObject>());
+    if (!parent || !object) return false;
+    object->setSelector(nameOf(name));
+    for (const auto& field : stanza) {
+        bool understood = true;
+        if (!setField(*object, fieldKind(field.name), field.value, understood)) return false;
+        if (!understood)
+            tell({line, key + ": " + std::string(field.name) + " is left out: \"" +
+                            std::string(field.value.substr(0, 60)) + "\" can't be understood"});
+    }
+    object->setParent(parent);
+    return packages.set(keyText, ZVariant(object.get()));
+}
+
+bool Catalogue::load(const StanzaReader::Source& source, const std::function<void(const Damage&)>& tell) {
+    firstOfFile = count();
+    StanzaReader reader(source, tell);
+    std::vector<StanzaReader::Field> stanza;
+    while (reader.next(stanza))
+        if (!add(stanza, reader.line(), tell)) return false;
+    return true;
+}
+
+bool Catalogue::bindTotals() {
+    static constexpr const char* resum = "void resum()";
+    bool done = true;
+    for (auto& [name, section] : sections) {
+        for (ZObject* package = section->getFirst(nullptr, ZSelector()); package; package = package->getNext())
+            if (package->hasProperty(zsel<"Installed-Size">()))
+                done &= package->bind(section, zsel<"Installed-Size">(), ZSelector(resum), {}, {}) >= 0;
+        section->resum();
+        done &= section->bind(root.get(), zsel<"total">(), ZSelector(resum), {}, {}) >= 0;
+    }
+    root->resum();
+    return done;
+}
+
+ZObject* Catalogue::package(int index) const { return packages.entry(index).toObject(); }
+std::string Catalogue::key(int index) const { return printed(packages.key(index)); }
+ZObject* Catalogue::find(const std::string& key) const { return packages.variant(ZVariant(stringOf(key))).toObject(); }
+
+std::vector<int> Catalogue::findAll(const std::string& name) const {
+    std::vector<int> found;
+    if (int index = packages.findKey(ZVariant(stringOf(name))); index >= 0) return {index};
+    for (int i = 0; i < count(); ++i) {
+        const std::string own = key(i);
+        const size_t colon = own.find(':'), sign = own.find('=');
+        if (own.substr(0, colon) == name || own.substr(0, sign) == name) found.push_back(i);
+    }
+    return found;
+}
+
+PackageSection* Catalogue::section(const std::string& name) const {
+    auto known = sections.find(name);
+    return known == sections.end() ? nullptr : known->second;
+}
+
+ZMetaType* Catalogue::fieldType(const std::string& name) const {
+    const size_t dot = name.find('.');
+    auto known = fields.find(std::string_view(name).substr(0, dot));
+    if (known == fields.end()) return nullptr;
+    if (dot == name.npos) return known->second.type;
+    return known->second.type == maintainerType ? maintainerType->member(nameOf(std::string_view(name).substr(dot + 1)))
+                                                : nullptr;
+}
+
+} // namespace orv::tool

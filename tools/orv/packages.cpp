@@ -1,0 +1,368 @@
+#include "tools/orv/packages.h"
+
+#include "core/ZCoreLib.h"
+#include "object/ZEnumType.h"
+#include "object/ztype.h"
+#include "toolkit/epoch.h"
+#include "tools/orv/catalogue.h"
+#include "tools/orv/command.h"
+#include "tools/orv/json.h"
+#include "tools/orv/where.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cinttypes>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace orv::tool {
+
+namespace {
+
+constexpr const char* command = "packages";
+constexpr int mostTold = 20; ///< of what is damaged in one file
+
+// Where stanzas come from
+
+/// A file, the standard input, or what the package manager's own tool unpacks of a compressed list.
+class Input {
+public:
+    explicit Input(const std::string& file) {
+        if (file == "-") {
+            from = STDIN_FILENO;
+        } else if (isPacked(file)) {
+            unpack(file);
+        } else {
+            from = open(file.c_str(), O_RDONLY | O_CLOEXEC);
+            if (from < 0) failure = std::strerror(errno);
+        }
+    }
+    ~Input() { finish(); }
+    Input(const Input&) = delete;
+
+    size_t read(char* bytes, size_t size) {
+        ssize_t got = -1;
+        while (from >= 0 && (got = ::read(from, bytes, size)) < 0 && errno == EINTR) {}
+        if (got < 0 && failure.empty()) failure = std::strerror(errno);
+        return got < 0 ? 0 : size_t(got);
+    }
+    /// What went wrong; empty if nothing did.
+    std::string finish() {
+        if (from > STDIN_FILENO) close(from);
+        from = -1;
+        int status = 0;
+        if (child > 0 && waitpid(child, &status, 0) == child && status != 0 && failure.empty())
+            failure = "it can't be unpacked";
+        child = -1;
+        return failure;
+    }
+
+private:
+    static bool isPacked(const std::string& file) {
+        for (const char* ending : {".lz4", ".xz", ".gz", ".bz2", ".zst", ".lzma"}) {
+            const size_t length = std::strlen(ending);
+            if (file.size() > length && file.compare(file.size() - length, length, ending) == 0) return true;
+        }
+        return false;
+    }
+    void unpack(const std::string& file) {
+        int ends[2];
+        if (pipe2(ends, O_CLOEXEC) != 0) {
+            failure = std::strerror(errno);
+            return;
+        }
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+        const char* program = "/usr/lib/apt/apt-helper";
+        const char* arguments[] = {program, "cat-file", file.c_str(), nullptr};
+        const int error = posix_spawn(&child, program, &actions, nullptr, const_cast<char**>(arguments), environ);
+        posix_spawn_file_actions_destroy(&actions);
+        close(ends[1]);
+        from = ends[0];
+        if (error) {
+            child = -1;
+            failure = std::string(program) + ": " + std::strerror(error);
+        }
+    }
+
+    int from = -1;
+    pid_t child = -1;
+    std::string failure;
+};
+
+/// A folder's package lists, in order; any other file as it is.
+std::vector<std::string> filesOf(const std::vector<std::string>& given) {
+    std::vector<std::string> files;
+    for (const std::string& name : given) {
+        std::error_code error;
+        if (!std::filesystem::is_directory(name, error)) {
+            files.push_back(name);
+            continue;
+        }
+        const size_t before = files.size();
+        for (std::filesystem::directory_iterator at(name, error), end; !error && at != end; at.increment(error))
+            if (at->path().filename().string().find("_Packages") != std::string::npos)
+                files.push_back(at->path().string());
+        std::sort(files.begin() + std::ptrdiff_t(before), files.end());
+        if (files.size() == before) files.push_back(name); // to be complained of
+    }
+    return files;
+}
+
+/// Shows on a terminal how far a long work has come.
+class Count {
+public:
+    explicit Count(std::FILE* log) : log(isatty(fileno(log)) ? log : nullptr) {}
+    ~Count() {
+        if (shown) std::fputs("\r\x1b[K", log);
+    }
+    void show(int packages) {
+        if (!log || packages % 4096 != 0 || packages == shown) return;
+        std::fprintf(log, "\r%d packages", packages);
+        std::fflush(log);
+        shown = packages;
+    }
+
+private:
+    std::FILE* log;
+    int shown = 0;
+};
+
+// What is printed
+
+std::string value(const ZObject& object, const char* name) {
+    const ZVariant held = object.getProperty(name);
+    return held.isNull() ? "" : printed(held);
+}
+large sizeOf(const ZObject& object) { return object.getProperty(zsel<"Installed-Size">()).toLarge(); }
+
+std::string jsonValue(const ZVariant& value) {
+    return value.type() == ztype<large>() ? printed(value) : jsonText(printed(value));
+}
+
+struct Run {
+    const PackageOptions& options;
+    Catalogue& catalogue;
+    std::FILE *out, *log;
+    bool failed = false;
+
+    void complainOf(const std::string& message) {
+        complain(command, message, log);
+        failed = true;
+    }
+
+    void load();
+    bool select(std::vector<int>& chosen);
+    void printSections();
+    void printPackages(const std::vector<int>& chosen);
+    void printOne(int index);
+    void show();
+    void set(const std::string& change);
+};
+
+void Run::load() {
+    Count progress(log);
+    for (const std::string& file : filesOf(options.files)) {
+        Input input(file);
+        int told = 0;
+        auto tell = [&](const Damage& damage) {
+            if (++told <= mostTold) complainOf(file + ":" + std::to_string(damage.line) + ": " + damage.what);
+        };
+        auto read = [&](char* bytes, size_t size) {
+            progress.show(catalogue.count());
+            return input.read(bytes, size);
+        };
+        if (!catalogue.load(read, tell)) return complainOf("there is no memory for all packages");
+        if (told > mostTold) complainOf(file + ": " + std::to_string(told - mostTold) + " more like these");
+        if (std::string fault = input.finish(); !fault.empty()) complainOf(file + ": " + fault);
+    }
+    if (!catalogue.bindTotals()) complainOf("there is no memory for all bindings");
+}
+
+/// The packages that the options ask for; false if an option can't be understood.
+bool Run::select(std::vector<int>& chosen) {
+    std::unique_ptr<Where> condition;
+    if (!options.where.empty()) {
+        TextFault fault;
+        auto typeOf = [&](const std::string& name) { return catalogue.fieldType(name); };
+        condition = Where::read(options.where, typeOf, fault);
+        if (!condition) {
+            complainOf("--where, column " + std::to_string(fault.column) + ": " + fault.what);
+            std::fprintf(log, "    %s\n    %*s\n", options.where.c_str(), int(fault.column), "^");
+            return false;
+        }
+    }
+    const PackageSection* section = nullptr;
+    if (!options.section.empty() && !(section = catalogue.section(options.section))) {
+        complainOf("there is no section \"" + options.section + "\"");
+        return false;
+    }
+    for (int i = 0; i < catalogue.count(); ++i) {
+        const ZObject* package = catalogue.package(i);
+        if (section && package->getParent() != section) continue;
+        if (condition && !condition->matches(*package)) continue;
+        chosen.push_back(i);
+    }
+    return true;
+}
+
+void Run::printSections() {
+    std::vector<const PackageSection*> sections;
+    for (const ZObject* at = catalogue.all()->getFirst(nullptr, ZSelector()); at; at = at->getNext())
+        sections.push_back(static_cast<const PackageSection*>(at));
+    std::sort(sections.begin(), sections.end(), [](const PackageSection* a, const PackageSection* b) {
+        return std::strcmp(a->selector().string(), b->selector().string()) < 0;
+    });
+    const PackageSection& all = *catalogue.all();
+    // Asked as a script would, by the text of the method.
+    const double mean = all.invoke("real meanSize() const", {}).toReal();
+    if (options.json) {
+        std::fputs("{\"sections\": [", out);
+        const char* between = "";
+        for (const PackageSection* section : sections) {
+            std::fprintf(out, "%s{\"name\": %s, \"packages\": %d, \"installedSize\": %lld}", between,
+                         jsonText(section->selector().string()).c_str(), section->packages(), section->total());
+            between = ",\n ";
+        }
+        std::fprintf(out, "],\n \"packages\": %d, \"installedSize\": %lld, \"meanSize\": %.1f}\n", all.packages(),
+                     all.total(), mean);
+        return;
+    }
+    std::fprintf(out, "%-28s %8s %12s\n", "section", "packages", "KiB");
+    for (const PackageSection* section : sections)
+        std::fprintf(out, "%-28s %8d %12lld\n", section->selector().string(), section->packages(), section->total());
+    std::fprintf(out, "%-28s %8d %12lld   %.1f KiB a package\n", "all", all.packages(), all.total(), mean);
+}
+
+void Run::printPackages(const std::vector<int>& chosen) {
+    large total = 0;
+    const char* between = "";
+    if (options.json) std::fputs("{\"packages\": [", out);
+    for (int index : chosen) {
+        const ZObject& package = *catalogue.package(index);
+        total += sizeOf(package);
+        if (options.json) {
+            std::fputs(between, out);
+            printOne(index);
+            between = ",\n ";
+        } else {
+            std::fprintf(out, "%-60s %10lld  %s\n", catalogue.key(index).c_str(), sizeOf(package),
+                         package.getParent()->selector().string());
+        }
+    }
+    std::fprintf(out, options.json ? "],\n \"count\": %zu, \"installedSize\": %lld}\n" : "%zu packages, %lld KiB\n",
+                 chosen.size(), total);
+}
+
+/// A package with all its fields, in the order of its stanza.
+void Run::printOne(int index) {
+    const ZObject& package = *catalogue.package(index);
+    ZArrayT<ZSelector> names;
+    package.dynamicPropertyNames(names);
+    if (options.json) std::fprintf(out, "{\"key\": %s", jsonText(catalogue.key(index)).c_str());
+    for (const ZSelector& name : names) {
+        const ZVariant held = package.getProperty(name);
+        if (options.json)
+            std::fprintf(out, ", %s: %s", jsonText(name.string()).c_str(), jsonValue(held).c_str());
+        else
+            std::fprintf(out, "%s: %s\n", name.string(), printed(held).c_str());
+    }
+    if (options.json) std::fputc('}', out);
+}
+
+void Run::show() {
+    const std::vector<int> found = catalogue.findAll(options.show);
+    if (found.empty()) return complainOf("there is no package \"" + options.show + "\"");
+    const char* between = options.json ? "[" : "";
+    for (int index : found) {
+        std::fputs(between, out);
+        printOne(index);
+        between = options.json ? ",\n " : "\n";
+    }
+    if (options.json) std::fputs("]\n", out);
+}
+
+/// "NAME.PROPERTY=VALUE", where the name may be a whole key, with "." and "=" in it.
+void Run::set(const std::string& change) {
+    for (size_t sign = change.find('='); sign != change.npos; sign = change.find('=', sign + 1)) {
+        const size_t dot = change.rfind('.', sign);
+        if (dot == change.npos) continue;
+        const std::string name = change.substr(0, dot), field = change.substr(dot + 1, sign - dot - 1),
+                          written = change.substr(sign + 1);
+        const std::vector<int> found = catalogue.findAll(name);
+        if (found.empty()) continue;
+        if (found.size() > 1)
+            return complainOf("\"" + name + "\" may be " + catalogue.key(found[0]) + " or " + catalogue.key(found[1]) +
+                              "; give the whole key");
+        ZObject& package = *catalogue.package(found[0]);
+        ZMetaType* type = catalogue.fieldType(field);
+        if (!type || !package.hasProperty(ZSelector(field.c_str())))
+            return complainOf(catalogue.key(found[0]) + " has no field \"" + field + "\"");
+        const ZVariant read = readLiteral(type, written);
+        if (read.isNull()) return complainOf("\"" + written + "\" is no " + type->getName().string());
+        const std::string before = value(package, field.c_str());
+        std::fprintf(out, "%s.%s: %s -> %s\n", catalogue.key(found[0]).c_str(), field.c_str(), before.c_str(),
+                     printed(read).c_str());
+        PackageSection::changed = [](const PackageSection& section, large old) {
+            std::printf("  %s.total: %lld -> %lld\n", section.selector().string(), old, section.total());
+        };
+        if (!package.setProperty(ZSelector(field.c_str()), read)) complainOf("it can't be set");
+        PackageSection::changed = nullptr;
+        return;
+    }
+    complainOf("--set " + change + ": expected NAME.PROPERTY=VALUE with the name of a package");
+}
+
+} // namespace
+
+int listPackages(const PackageOptions& options, std::FILE* out, std::FILE* log) {
+    ZCoreLib library("orv", false, false, true);
+    Catalogue catalogue;
+    if (!catalogue.isOpen()) {
+        complain(command, "the library can't be started", log);
+        return Failed;
+    }
+    Run run{options, catalogue, out, log};
+    run.load();
+    for (const std::string& change : options.set) run.set(change);
+    if (!options.show.empty()) {
+        run.show();
+    } else if (!options.where.empty() || !options.section.empty()) {
+        if (std::vector<int> chosen; run.select(chosen)) run.printPackages(chosen);
+    } else if (options.set.empty()) {
+        run.printSections();
+    }
+    return run.failed ? Failed : Done;
+}
+
+void addPackages(CLI::App& app, int& exit) {
+    auto options = std::make_shared<PackageOptions>();
+    CLI::App* sub = app.add_subcommand(
+        "packages", "Sums up the packages of a Debian system by section, or tells which ones fit a condition");
+    sub->add_option(
+        "FILE", options->files,
+        "status file or package list, also compressed; \"-\" for the standard input; a folder for the lists "
+        "in it; /var/lib/dpkg/status without it");
+    sub->add_option("--where", options->where,
+                    "only those for which it holds: NAME OP VALUE with and, or, not and brackets, as in "
+                    "'Installed-Size > 20000 and not Section = libs'");
+    sub->add_option("--section", options->section, "only those of a section");
+    sub->add_option("--show", options->show, "all fields of one: NAME, NAME:ARCH or NAME:ARCH=VERSION");
+    sub->add_option("--set", options->set, "set a property, NAME.PROPERTY=VALUE, and tell how the change travels")
+        ->expected(1)
+        ->take_all();
+    sub->add_flag("--json", options->json, "print JSON");
+    sub->callback([options, &exit] {
+        if (options->files.empty()) options->files.push_back("/var/lib/dpkg/status");
+        exit = listPackages(*options, stdout, stderr);
+    });
+}
+
+} // namespace orv::tool
