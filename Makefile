@@ -9,10 +9,13 @@ CONFIGURE = cmake --preset $(1) -DCMAKE_INSTALL_PREFIX=$(PREFIX) >/dev/null
 help: ## lists the targets
 	@grep -hE '^[a-z-]+:.*##' $(MAKEFILE_LIST) | sed -E 's/:.*## /\t/' | expand -t 14
 
-run: deps ## builds and counts the words of this machine's licence texts and documentation
+run: deps ## builds, counts the words of this machine's documentation and sums its packages up
 	@$(call CONFIGURE,release)
 	@$(call BUILD,release) --target orv
 	build/release/tools/orv/orv words --top 20 /usr/share/common-licenses /usr/share/doc
+	build/release/tools/orv/orv packages
+	build/release/tools/orv/orv packages --where "Installed-Size > 100000 and not Section = libdevel"
+	build/release/tools/orv/orv packages --set bash.Installed-Size=1
 
 test: deps ## builds and runs all tests, and checks that every source and test is listed and every header compiles alone
 	@$(call CONFIGURE,dev)
