@@ -13,7 +13,8 @@ namespace orv::tool {
 
 namespace {
 
-constexpr const glue::ClassRow* types[] = {glue::rowOf<PackageSection>(), glue::rowOf<PackageVersion>()};
+constexpr const glue::ClassRow* types[] = {glue::rowOf<PackageSection>(), glue::rowOf<ChangeCounter>(),
+                                           glue::rowOf<PackageVersion>()};
 constexpr const char* uses[] = {"orv.core.base", "orv.core.object"};
 constexpr PackageRow ownPackages[] = {{"orv.tool.packages", ZPackage::Public, types, uses}};
 

@@ -8,7 +8,7 @@
 
 // Sections
 
-void (*PackageSection::changed)(const PackageSection& section, large before) = nullptr;
+std::function<void(const PackageSection& section, large before)> PackageSection::changed;
 
 PackageSection::PackageSection(const __ZPassMetaType* type, ZInternal* internal)
     : ZObject(orv::tagFor<PackageSection>(type), internal) {}
@@ -40,6 +40,9 @@ void PackageSection::resum() {
                                                          : child->getProperty(zsel<"Installed-Size">()).toLarge();
     setTotal(size);
 }
+
+ChangeCounter::ChangeCounter(const __ZPassMetaType* type, ZInternal* internal)
+    : ZObject(orv::tagFor<ChangeCounter>(type), internal) {}
 
 // Versions
 

@@ -23,6 +23,17 @@ template <> struct Table<PackageSection> : Declares<PackageSection> {
     static constexpr ClassInfo info = {.kind = Kind::Object, .flags = typePublic | typePolymorphic};
 };
 
+template <> struct Table<ChangeCounter> : Declares<ChangeCounter> {
+    using BaseTypes = Bases<ZObject>;
+    static constexpr MethodRow methods[] = {
+        ORV_CONSTRUCTOR(()),
+        ORV_DESTRUCTOR(),
+        ORV_METHOD(int, count, (), const),
+        ORV_METHOD(void, add, (), ),
+    };
+    static constexpr ClassInfo info = {.kind = Kind::Object, .flags = typePublic | typePolymorphic};
+};
+
 template <> struct Table<PackageVersion> : Declares<PackageVersion> {
     static constexpr MethodRow methods[] = {
         ORV_CONSTRUCTOR(()),
@@ -38,4 +49,5 @@ template <> struct Table<PackageVersion> : Declares<PackageVersion> {
 } // namespace orv::glue
 
 ORV_DECLARE(PackageSection);
+ORV_DECLARE(ChangeCounter);
 ORV_DECLARE(PackageVersion);

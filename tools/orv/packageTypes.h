@@ -4,6 +4,8 @@
 #include "object/reflect.h"
 #include "text/ZString.h"
 
+#include <functional>
+
 // The types that this program has of its own, in the package "orv.tool.packages".
 
 /// A section of the archive, with its packages as children, or all of them, with the sections as children.
@@ -22,11 +24,25 @@ public:
     /// Adds the children up anew.
     void resum();
 
-    /// Called with each section whose total changed, with what it was; null for none.
-    static void (*changed)(const PackageSection& section, large before);
+    /// Called with each section whose total changed, and with what it was; may be empty.
+    static std::function<void(const PackageSection& section, large before)> changed;
 
 private:
     large sum = 0;
+};
+
+/// Counts how often what it is bound to happens.
+class ChangeCounter : public ZObject {
+public:
+    ORV_REFLECT(ChangeCounter);
+
+    explicit ChangeCounter(const __ZPassMetaType* type = nullptr, ZInternal* internal = nullptr);
+
+    int count() const { return times; }
+    void add() { ++times; }
+
+private:
+    int times = 0;
 };
 
 /// A version of a package: compared by the rules of deb-version(7), not as a text.

@@ -1,6 +1,7 @@
 #include "tools/orv/packages.h"
 
 #include "core/ZCoreLib.h"
+#include "core/construct.h"
 #include "object/ZEnumType.h"
 #include "object/ztype.h"
 #include "toolkit/epoch.h"
@@ -137,7 +138,7 @@ private:
 
 // What is printed
 
-std::string value(const ZObject& object, const char* name) {
+std::string value(const ZObject& object, const ZSelector& name) {
     const ZVariant held = object.getProperty(name);
     return held.isNull() ? "" : printed(held);
 }
@@ -146,6 +147,25 @@ large sizeOf(const ZObject& object) { return object.getProperty(zsel<"Installed-
 std::string jsonValue(const ZVariant& value) {
     return value.type() == ztype<large>() ? printed(value) : jsonText(printed(value));
 }
+
+/// An object with the same property, each bound to the other's: a circle, which ends after one round.
+class Twin {
+public:
+    Twin(ZObject& object, const ZSelector& name)
+        : field(name), twin(ZRetainPtrT<ZObject>::adopt(zmake<ZObject>())),
+          counter(ZRetainPtrT<ChangeCounter>::adopt(zmake<ChangeCounter>())) {
+        if (!twin || !counter || !twin->setDynamicProperty(field, object.getProperty(field), true)) return;
+        object.xbind(twin.get(), field, field, {}, {});
+        for (ZObject* side : {&object, twin.get()}) side->bind(counter.get(), field, zsel<"void add()">(), {}, {});
+    }
+    std::string value() const { return twin ? printed(twin->getProperty(field)) : ""; }
+    int settings() const { return counter ? counter->count() : 0; }
+
+private:
+    ZSelector field;
+    ZRetainPtrT<ZObject> twin;
+    ZRetainPtrT<ChangeCounter> counter;
+};
 
 struct Run {
     const PackageOptions& options;
@@ -307,14 +327,17 @@ void Run::set(const std::string& change) {
             return complainOf(catalogue.key(found[0]) + " has no field \"" + field + "\"");
         const ZVariant read = readLiteral(type, written);
         if (read.isNull()) return complainOf("\"" + written + "\" is no " + type->getName().string());
-        const std::string before = value(package, field.c_str());
+        const std::string before = value(package, ZSelector(field.c_str()));
         std::fprintf(out, "%s.%s: %s -> %s\n", catalogue.key(found[0]).c_str(), field.c_str(), before.c_str(),
                      printed(read).c_str());
-        PackageSection::changed = [](const PackageSection& section, large old) {
-            std::printf("  %s.total: %lld -> %lld\n", section.selector().string(), old, section.total());
+        PackageSection::changed = [this](const PackageSection& section, large old) {
+            std::fprintf(out, "  %s.total: %lld -> %lld\n", section.selector().string(), old, section.total());
         };
+        Twin twin(package, ZSelector(field.c_str()));
         if (!package.setProperty(ZSelector(field.c_str()), read)) complainOf("it can't be set");
         PackageSection::changed = nullptr;
+        std::fprintf(out, "  a twin that is bound both ways: %s -> %s, after %d settings\n", before.c_str(),
+                     twin.value().c_str(), twin.settings());
         return;
     }
     complainOf("--set " + change + ": expected NAME.PROPERTY=VALUE with the name of a package");
