@@ -201,7 +201,7 @@ template <class E> const typename E::Code* codeFor(const Pattern& pattern, const
 
 // Searching
 
-constexpr size_t firstStretch = 256, longestStretch = size_t(1) << 16;
+constexpr size_t firstStretch = 256, longestStretch = size_t(1) << 15;
 constexpr uint32_t interpreterKilobytes = 64 << 10;
 
 /// Steps at one place of a stretch: a stretch is done in some milliseconds by compiled code, whatever it takes.
