@@ -39,12 +39,15 @@ template <const char* const& Pattern> void oursFind(benchmark::State& state) {
     for (auto _ : state)
         if (expression.find(text) < 100 << 20) return state.SkipWithError("not found");
 }
+/// With the flags of ours. Without the one for limits of offsets the engine's own search for a class is up to a third
+/// faster than either.
 template <const char* const& Pattern> void rawFind(benchmark::State& state) {
     int error;
     size_t at;
     pcre2_code* code =
         pcre2_compile(reinterpret_cast<PCRE2_SPTR>(Pattern), PCRE2_ZERO_TERMINATED,
-                      PCRE2_NO_AUTO_CAPTURE | PCRE2_UTF | PCRE2_UCP | PCRE2_MATCH_INVALID_UTF, &error, &at, nullptr);
+                      PCRE2_NO_AUTO_CAPTURE | PCRE2_UTF | PCRE2_UCP | PCRE2_MATCH_INVALID_UTF | PCRE2_USE_OFFSET_LIMIT,
+                      &error, &at, nullptr);
     pcre2_jit_compile(code, PCRE2_JIT_COMPLETE);
     pcre2_match_data* data = pcre2_match_data_create(1, nullptr);
     auto text = reinterpret_cast<PCRE2_SPTR>(prose().data());
@@ -102,8 +105,8 @@ template <const char* const& Pattern> void qtFind(benchmark::State& state) {
 #define ORV_QT(run) nullptr
 #endif
 
-BenchPair rawLiteral("a literal in 100 MB", "PCRE2 with JIT", 1.3, oursFind<literal>, rawFind<literal>);
-BenchPair rawDigits("a class in 100 MB", "PCRE2 with JIT", 1.3, oursFind<digits>, rawFind<digits>);
+BenchPair rawLiteral("a literal in 100 MB", "PCRE2 with JIT, same flags", 1.3, oursFind<literal>, rawFind<literal>);
+BenchPair rawDigits("a class in 100 MB", "PCRE2 with JIT, same flags", 1.3, oursFind<digits>, rawFind<digits>);
 BenchPair qtLiteral("a literal in 100 MB, as QString", "QRegularExpression", 0.8, oursFind<literal>,
                     ORV_QT(qtFind<literal>));
 BenchPair qtDigits("a class in 100 MB, as QString", "QRegularExpression", 0.8, oursFind<digits>,
