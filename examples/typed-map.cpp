@@ -21,8 +21,7 @@ int main() {
     inks.set("black", "0.25"); // converted to the map's type
     inks.set("cyan", 0.7);     // replaced, and still first
     std::printf("%s:", inks.getValueType()->getName().string());
-    for (int i = 0; i < int(inks.count()); ++i)
-        std::printf(" %s %.2f", inks.key(i).string(), inks.entry(i).toReal());
+    for (int i = 0; i < int(inks.count()); ++i) std::printf(" %s %.2f", inks.key(i).string(), inks.entry(i).toReal());
     std::printf("\n");
 
     // A copy shares its items until one of the two is changed.

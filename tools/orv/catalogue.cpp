@@ -90,23 +90,21 @@ PackageSection* Catalogue::sectionFor(std::string_view name) {
     return made.get();
 }
 
-ZVariant Catalogue::maintainer(std::string_view value) const {
-    ZVariant made(maintainerType);
-    const size_t bracket = value.find('<');
-    std::string_view name = value.substr(0, bracket), address;
-    if (bracket != value.npos) {
-        address = value.substr(bracket + 1);
+ZVariant Catalogue::maintainer(std::string_view text) const {
+    const size_t bracket = text.find('<');
+    std::string_view name = text.substr(0, bracket), address;
+    if (bracket != text.npos) {
+        address = text.substr(bracket + 1);
         address = address.substr(0, address.find('>'));
     }
     while (!name.empty() && name.back() == ' ') name.remove_suffix(1);
-    auto member = [&](const char* which) {
-        return static_cast<ZString*>(made.getPtr() ? maintainerType->field(made.getPtr(), which) : nullptr);
-    };
-    ZString *first = member("name"), *second = member("address");
-    if (!first || !second) return {};
-    *first = stringOf(name);
-    *second = stringOf(address);
-    return made;
+    void* made = maintainerType->createInstance();
+    if (!made) return {};
+    *static_cast<ZString*>(maintainerType->field(made, "name")) = stringOf(name);
+    *static_cast<ZString*>(maintainerType->field(made, "address")) = stringOf(address);
+    ZVariant value;
+    value.setValue(maintainerType, made, false, false); // takes it over
+    return value;
 }
 
 bool Catalogue::setField(ZObject& object, const FieldKind& field, std::string_view value, bool& understood) {
@@ -170,9 +168,9 @@ bool Catalogue::bindTotals() {
     for (auto& [name, section] : sections) {
         for (ZObject* package = section->getFirst(nullptr, ZSelector()); package; package = package->getNext())
             if (package->hasProperty(zsel<"Installed-Size">()))
-                done &= package->bind(section, zsel<"Installed-Size">(), ZSelector(resum), {}, {}) >= 0;
+                done &= package->bind(section, zsel<"Installed-Size">(), ZSelector(resum)) >= 0;
         section->resum();
-        done &= section->bind(root.get(), zsel<"total">(), ZSelector(resum), {}, {}) >= 0;
+        done &= section->bind(root.get(), zsel<"total">(), ZSelector(resum)) >= 0;
     }
     root->resum();
     return done;

@@ -67,7 +67,7 @@ private:
     bool add(const std::vector<StanzaReader::Field>& fields, size_t line,
              const std::function<void(const Damage&)>& tell);
     bool setField(ZObject& object, const FieldKind& field, std::string_view value, bool& understood);
-    ZVariant maintainer(std::string_view value) const;
+    ZVariant maintainer(std::string_view text) const;
     PackageSection* sectionFor(std::string_view name);
 
     bool open = false;

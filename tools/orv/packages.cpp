@@ -4,6 +4,7 @@
 #include "core/construct.h"
 #include "object/ZEnumType.h"
 #include "object/ztype.h"
+#include "text/ZRegExp.h"
 #include "toolkit/epoch.h"
 #include "tools/orv/catalogue.h"
 #include "tools/orv/command.h"
@@ -155,8 +156,8 @@ public:
         : field(name), twin(ZRetainPtrT<ZObject>::adopt(zmake<ZObject>())),
           counter(ZRetainPtrT<ChangeCounter>::adopt(zmake<ChangeCounter>())) {
         if (!twin || !counter || !twin->setDynamicProperty(field, object.getProperty(field), true)) return;
-        object.xbind(twin.get(), field, field, {}, {});
-        for (ZObject* side : {&object, twin.get()}) side->bind(counter.get(), field, zsel<"void add()">(), {}, {});
+        object.xbind(twin.get(), field, field);
+        for (ZObject* side : {&object, twin.get()}) side->bind(counter.get(), field, zsel<"void add()">());
     }
     std::string value() const { return twin ? printed(twin->getProperty(field)) : ""; }
     int settings() const { return counter ? counter->count() : 0; }
@@ -219,6 +220,12 @@ bool Run::select(std::vector<int>& chosen) {
             return false;
         }
     }
+    ZRegExp pattern;
+    if (!options.match.empty() && !pattern.setPattern(ZString(options.match.c_str()))) {
+        complainOf("--match, column " + std::to_string(pattern.errorPosition() + 1) + ": " +
+                   printed(pattern.errorText()));
+        return false;
+    }
     const PackageSection* section = nullptr;
     if (!options.section.empty() && !(section = catalogue.section(options.section))) {
         complainOf("there is no section \"" + options.section + "\"");
@@ -227,6 +234,7 @@ bool Run::select(std::vector<int>& chosen) {
     for (int i = 0; i < catalogue.count(); ++i) {
         const ZObject* package = catalogue.package(i);
         if (section && package->getParent() != section) continue;
+        if (!options.match.empty() && pattern.find(ZString(package->selector())) < 0) continue;
         if (condition && !condition->matches(*package)) continue;
         chosen.push_back(i);
     }
@@ -357,7 +365,7 @@ int listPackages(const PackageOptions& options, std::FILE* out, std::FILE* log) 
     for (const std::string& change : options.set) run.set(change);
     if (!options.show.empty()) {
         run.show();
-    } else if (!options.where.empty() || !options.section.empty()) {
+    } else if (!options.where.empty() || !options.section.empty() || !options.match.empty()) {
         if (std::vector<int> chosen; run.select(chosen)) run.printPackages(chosen);
     } else if (options.set.empty()) {
         run.printSections();
@@ -377,6 +385,7 @@ void addPackages(CLI::App& app, int& exit) {
                     "only those for which it holds: NAME OP VALUE with and, or, not and brackets, as in "
                     "'Installed-Size > 20000 and not Section = libs'");
     sub->add_option("--section", options->section, "only those of a section");
+    sub->add_option("--match", options->match, "only those of whose name a part matches a regular expression");
     sub->add_option("--show", options->show, "all fields of one: NAME, NAME:ARCH or NAME:ARCH=VERSION");
     sub->add_option("--set", options->set, "set a property, NAME.PROPERTY=VALUE, and tell how the change travels")
         ->expected(1)
