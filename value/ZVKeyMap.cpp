@@ -240,6 +240,12 @@ bool ZVKeyMap::append(const ZVKeyMap& other) {
         assign(other);
         return true;
     }
+    if (!data && (!keyType || !type) && other.keyType && other.type) {
+        ZVKeyMap whole(keyType ? keyType : other.keyType, type ? type : other.type);
+        if (!whole.append(other)) return false;
+        swap(whole);
+        return true;
+    }
     // All items are made before the first one is set.
     ZVKeyMap made;
     if (keyType == other.keyType && sameTypes(other)) {

@@ -13,7 +13,7 @@ NamePlaces::Table* NamePlaces::makeTable(uint count) {
     auto made = static_cast<Table*>(toolkit::allocZeroedBlock(sizeof(Table) + (slots - 1) * sizeof(Slot)));
     if (!made) return nullptr;
     made->mask = slots - 1;
-    made->shift = 32 - bits;
+    made->size = slots;
     made->first = 1;
     return made;
 }

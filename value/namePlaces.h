@@ -9,22 +9,42 @@ namespace orv {
 /// whoever needs it first, kept up to date by those who change the array; a change that finds no memory drops it. One
 /// thread changes it, several may look at it.
 class NamePlaces {
+    struct Slot {
+        uint id;
+        uint place; ///< the index and `first`; 0 for a free slot
+    };
+
 public:
+    struct Table {
+        uint mask;
+        uint size;  ///< of `slots`, a power of two
+        uint first; ///< the place of index 0: names that go from the front move nothing
+        uint used;
+        Slot slots[1];
+
+        /// The index of a name, -1 if it isn't there.
+        [[gnu::always_inline]] int find(uint id) const {
+            for (uint at = home(id);; at = (at + 1) & mask) {
+                const Slot slot = slots[at];
+                if (slot.id == id && slot.place) return int(slot.place - first);
+                if (!slot.place) return -1;
+            }
+        }
+        /// The upper bits of the product with the golden ratio: names in a row are spread evenly (Knuth, The Art of
+        /// Computer Programming 3, 6.4).
+        uint home(uint id) const { return uint(ularge(id * 0x9E3779B1u) * size >> 32); }
+        void add(uint id, uint place);
+        uint slotOf(uint id) const;
+        void take(uint slot);
+    };
+
     NamePlaces() = default;
     ~NamePlaces() { drop(); }
     NamePlaces(const NamePlaces&) = delete;
     NamePlaces& operator=(const NamePlaces&) = delete;
 
-    bool built() const { return toolkit::loadAcquire(table) != nullptr; }
-    /// The place of a name, -1 if there is none; of an index that is built.
-    [[gnu::always_inline]] int find(uint id) const {
-        const Table* in = toolkit::loadAcquire(table);
-        for (uint at = in->home(id);; at = (at + 1) & in->mask) {
-            const Slot slot = in->slots[at];
-            if (slot.id == id && slot.place) return int(slot.place - in->first);
-            if (!slot.place) return -1;
-        }
-    }
+    /// Null while there is none.
+    const Table* built() const { return toolkit::loadAcquire(table); }
     /// Builds the index of `count` names, each there once; `idAt(i)` answers them. False without memory.
     template <class F> bool build(uint count, F&& idAt) {
         Table* made = makeTable(count);
@@ -44,21 +64,6 @@ public:
     void renamed(uint id, uint to);
 
 private:
-    struct Slot {
-        uint id;
-        uint place; ///< the index and `first`; 0 for a free slot
-    };
-    struct Table {
-        uint mask, shift;
-        uint first; ///< the place of index 0: names that go from the front move nothing
-        uint used;
-        Slot slots[1];
-
-        uint home(uint id) const { return (id * 0x9E3779B1u) >> shift; }
-        void add(uint id, uint place);
-        uint slotOf(uint id) const;
-        void take(uint slot);
-    };
     static Table* makeTable(uint count);
 
     Table* table = nullptr;

@@ -98,7 +98,7 @@ int ValueMapData::lookForName(uint id) const {
         lockMap();
         const bool built = names.built() || names.build(n, [this](uint i) { return nameAt(i); });
         unlockMap();
-        if (built) return names.find(id);
+        if (built) return names.built()->find(id);
     }
     for (uint i = 0; i < n; ++i)
         if (nameAt(i) == id) return int(i);

@@ -60,11 +60,15 @@ public:
     int find(const void* key) const {
         return types.form == Named ? findName(static_cast<const ZSelector*>(key)->key()) : findKey(key);
     }
-    int findName(uint id) const { return ORV_LIKELY(names.built()) ? names.find(id) : lookForName(id); }
+    int findName(uint id) const {
+        const auto table = names.built();
+        return ORV_LIKELY(table) ? table->find(id) : lookForName(id);
+    }
     /// The value under a name; null if there is none.
     const byte* valueOf(uint id) const {
-        if (ORV_UNLIKELY(!names.built())) return lookForValue(id);
-        const int found = names.find(id);
+        const auto table = names.built();
+        if (ORV_UNLIKELY(!table)) return lookForValue(id);
+        const int found = table->find(id);
         return found < 0 ? nullptr : value(uint(found));
     }
     /// Builds a node in `place`, which has room for one; false, with nothing built, if that fails.

@@ -157,6 +157,9 @@ TEST_F(ZVMaps, KeysInContainersOfTheirOwn) {
     EXPECT_EQ(map.getKey(integer(1), 2), text("k5"));
     EXPECT_TRUE(map.contains(text("k5"), integer(1)));
     EXPECT_FALSE(map.contains(text("k5"), integer(5)) || map.contains(text("k6"), integer(1)));
+    ZVKeyMap half((*types)[ZMetaType::String], nullptr);
+    ASSERT_TRUE(half.append(map));
+    EXPECT_EQ(half, map);
 
     ZVSelectMap named((ztype<ZVariant>()));
     for (const char* key : {"a", "b", "c"}) ASSERT_TRUE(named.set(key, *key == 'b' ? ZVariant(1) : ZVariant()));
