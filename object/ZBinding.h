@@ -46,12 +46,12 @@ public:
         Idle = 0,
         Taking = 1, ///< being led to another method: everybody else waits
         Running = 2,
-        Gone = 4,   ///< out of the lists; with `Running`, cleared by who runs it
-        Again = 8,  ///< another thread has come meanwhile
-        Owed = 16   ///< the destination would have gone: who runs it releases it
+        Gone = 4,  ///< out of the lists; with `Running`, cleared by who runs it
+        Again = 8, ///< another thread has come meanwhile
+        Owed = 16  ///< the destination would have gone: who runs it releases it
     };
-    /// Firings within firings go this deep on a thread, or less deep where its stack is nearly full; what is bound below
-    /// that isn't called, and the debug log tells.
+    /// Firings within firings go this deep on a thread, or less deep where its stack is nearly full; what is bound
+    /// below that isn't called, and the debug log tells.
     static constexpr int depthLimit = 4096;
 
     // Start and stop
@@ -85,8 +85,8 @@ public:
     static int bindprop(ZObject* src, ZObject* dst, const ZProperty* srcProp, const ZProperty* dstProp,
                         const ZSelector& srcSetter, const ZSelector& dstSetter, const ZSelector& srcName,
                         const ZSelector& dstName, const ZSelector& srcQualifier, const ZSelector& dstQualifier);
-    /// From any instance of `srcType`, or from one object, to any instance of `dstType`, or to one object. A method of a
-    /// type that needs no instance is called once.
+    /// From any instance of `srcType`, or from one object, to any instance of `dstType`, or to one object. A method of
+    /// a type that needs no instance is called once.
     static int bindtype(ZObject* src, ZObject* dst, ZMetaType* srcType, ZMetaType* dstType, const ZSelector& srcName,
                         const ZSelector& dstName);
     /// The record itself. An object's type may be left out.
@@ -173,7 +173,8 @@ public:
     static ZBindingStack* stack() { return orv::bindingStackTop; }
     /// Whether a method can be called on it: null, or not on its way out.
     static bool validate(const ZObject* object, const ZMethod* method);
-    /// The method that a name leads to on an object, or on a type, borrowed under a guard; `at` is what it is called on.
+    /// The method that a name leads to on an object, or on a type, borrowed under a guard; `at` is what it is called
+    /// on.
     static ZMethod* method(const ZObject* object, const ZMetaType* type, const ZSelector& name,
                            const ZSelector& qualifier, ZTypedPtr* at);
 
@@ -294,6 +295,8 @@ private:
     byte hasParams = 0;
     byte dropRest = 0;
     byte byProperty = 0; ///< the destination is set by its name, so that it tells those bound to it
+    byte direct = 0;     ///< the destination is called without arguments, and nothing of it is kept
+    byte toAll = 0;      ///< without a destination from the beginning
     uint active = Gone;
     int level = -1;     ///< its place in the order of its source
     int groupNext = -1; ///< of the first record of a method: the first one of the source's next method

@@ -63,7 +63,7 @@ private:
     bool callOne(const ZBinding& binding, ZObject* target);
     bool callBuilt(const ZBinding& binding, const void* instance, const ZMetaType* type);
     bool laid();
-    bool leave(ZBinding& binding);
+    bool leave(ZBinding& binding, uint seen);
     void keep(const ZVariant& value, bool returns);
     void keepAddress(ZMethodCall& made, const ZMethod* called);
 
@@ -79,8 +79,7 @@ bool BindingSignal::run() {
     ZMethodBindings* table = bindingTable();
     if (!table) return false;
     constexpr int harmless = 16;
-    if (ORV_UNLIKELY(frame.depth > harmless) &&
-        (frame.depth > ZBinding::depthLimit || toolkit::stackNearlyFull())) {
+    if (ORV_UNLIKELY(frame.depth > harmless) && (frame.depth > ZBinding::depthLimit || toolkit::stackNearlyFull())) {
         zdebug("bindings of \"%s\" aren't called: %d firings within each other", method->getSelector().string(),
                frame.depth - 1);
         return false;
@@ -119,6 +118,7 @@ void BindingSignal::walk(const ZObject* source, const ZMethod* listed, int index
             continue;
         }
         ZBinding& binding = *found;
+        const ularge serial = load(binding.serial);
         uint seen = ZBinding::Idle;
         if (!load(binding.enabled)) {
             mark = {load(binding.priority), load(binding.serial)};
@@ -143,12 +143,26 @@ void BindingSignal::walk(const ZObject* source, const ZMethod* listed, int index
             index = load(binding.nextSrc);
             continue;
         }
-        const bool right = isExpected(binding, source, listed, mark);
-        if (right) mark = {load(binding.priority), load(binding.serial)};
+        // A number stands for one record, and for one place of it.
+        const bool right = ORV_LIKELY(load(binding.serial) == serial);
+        if (right) mark = {load(binding.priority), serial};
         const ZBinding* outer = std::exchange(frame.running, &binding);
-        if (right && (source || matchesType(binding))) call(binding);
+        if (right && (source || matchesType(binding))) {
+            ZObject* const target = load(binding.dst);
+            if (ORV_LIKELY(load(binding.direct) && want == Nothing && target)) {
+                ZMethod* to = binding.dstMethod;
+                if (!ZBindingStack::checkCycle(to, target)) {
+                    to->getFunc()(reinterpret_cast<const char*>(target) + binding.dstOffset, to);
+                    called = true;
+                }
+            } else {
+                call(binding);
+            }
+        }
         const int behind = load(binding.nextSrc);
-        const bool stays = leave(binding);
+        seen = ZBinding::Running;
+        const bool stays =
+            ORV_LIKELY(toolkit::compareExchange(binding.active, seen, uint(ZBinding::Idle))) || leave(binding, seen);
         frame.running = outer;
         if (!frame.valid) return;
         if (ORV_LIKELY(stays && right)) {
@@ -189,20 +203,23 @@ void BindingSignal::walkTypes() {
     for (uint i = 0; i < known && frame.valid; ++i) walk(nullptr, others[i], others[i]->getTypeBinding());
 }
 
-/// Ends the run; false if the record has gone.
-bool BindingSignal::leave(ZBinding& binding) {
-    for (uint seen = ZBinding::Running;;) {
+/// Ends the run of a record that somebody has marked meanwhile; false if it has gone.
+bool BindingSignal::leave(ZBinding& binding, uint seen) {
+    for (;;) {
         if (seen == ZBinding::Running && toolkit::compareExchange(binding.active, seen, uint(ZBinding::Idle)))
             return true;
         if (seen & ZBinding::Taking) {
             toolkit::cpuPause();
             seen = load(binding.active);
         } else if (seen & ZBinding::Gone) {
-            ZObject* owed = seen & ZBinding::Owed ? binding.dst : nullptr;
+            ZObject* owed = nullptr;
             {
+                ZMethodBindings& table = *bindingTable();
                 DroppedBinding dropped;
-                ZScopedLock held(bindingTable()->lock);
-                bindingTable()->clearRecord(binding, dropped);
+                ZScopedLock held(table.lock);
+                if (load(binding.active) & ZBinding::Owed) owed = binding.dst;
+                table.leaveDestination(binding);
+                table.clearRecord(binding, dropped);
             }
             if (owed) owed->release();
             return false;
@@ -224,8 +241,9 @@ bool BindingSignal::leave(ZBinding& binding) {
 
 void BindingSignal::call(const ZBinding& binding) {
     ZMethod* to = binding.dstMethod;
-    if (ORV_LIKELY(binding.dst != nullptr)) {
-        if (!ZBindingStack::checkCycle(to, binding.dst)) called |= callOne(binding, binding.dst);
+    if (ORV_LIKELY(!binding.toAll)) {
+        ZObject* target = load(binding.dst);
+        if (target && !ZBindingStack::checkCycle(to, target)) called |= callOne(binding, target);
         return;
     }
     if (to->getFlags() & ZMethod::TypeMethod) {
@@ -242,12 +260,7 @@ void BindingSignal::call(const ZBinding& binding) {
 bool BindingSignal::callOne(const ZBinding& binding, ZObject* target) {
     ZMethod* to = binding.dstMethod;
     const void* instance = target ? reinterpret_cast<const char*>(target) + binding.dstOffset : nullptr;
-    constexpr uint special = ZMethod::CollectArgs | ZMethod::Creator | ZMethod::Manage;
     const bool fixed = load(binding.hasParams);
-    if (ORV_LIKELY(want == Nothing && to->fastWords() == 0 && !fixed && !(to->getFlags() & special))) {
-        to->getFunc()(instance, to);
-        return true;
-    }
     if (!to->hasFunc() && !to->hasStacked()) return false;
     if (binding.byProperty && property && !fixed && target) {
         keep(ZVariant(target->setProperty(binding.selector1, *values)), true);
@@ -270,7 +283,8 @@ bool BindingSignal::callOne(const ZBinding& binding, ZObject* target) {
 bool BindingSignal::laid() {
     if (!block || isLaid) return true;
     isLaid = true;
-    if (block->setup(object, method, object ? object->type() : nullptr) && (block->getParCount() < 2 || block->addarg(list, true)))
+    if (block->setup(object, method, object ? object->type() : nullptr) &&
+        (block->getParCount() < 2 || block->addarg(list, true)))
         return true;
     zrecover();
     return false;

@@ -53,13 +53,12 @@ bool BindingEnd::hasMethodNamed() const {
 }
 
 bool BindingMethod::find(ZObject* on, ZMetaType* of, const ZSelector& name, const ZSelector& qualifier) {
-    toolkit::EpochGuard guard;
     ZTypedPtr at;
     take(ZBinding::method(on, of, name, qualifier, &at), on, of, at);
-    return method.isValid();
+    return method != nullptr;
 }
 void BindingMethod::take(ZMethod* found, ZObject* on, ZMetaType* of, const ZTypedPtr& at) {
-    method.set(found, nullptr, nullptr);
+    method = found;
     object = on;
     type = on ? on->type() : of;
     offset = 0;
@@ -71,12 +70,11 @@ void BindingMethod::take(ZMethod* found, ZObject* on, ZMetaType* of, const ZType
         object = static_cast<ZObject*>(static_cast<ZType*>(at.instance));
         type = object->type();
     } else {
-        method.clear();
+        method = nullptr;
     }
 }
 bool BindingMethod::makeMissing(ZObject* on, ZMetaType* of, const ZSelector& signature, const ZSelector& qualifier) {
-    ZMethod* made =
-        ZMethod::create(signature, qualifier, ZMethod::Dynamic | ZMethod::Bindable, nullptr, nullptr);
+    ZMethod* made = ZMethod::create(signature, qualifier, ZMethod::Dynamic | ZMethod::Bindable, nullptr, nullptr);
     if (!made) return false;
     const bool added = on ? on->setMethod(made, false) : of && of->setUserMethod(made, false);
     ZMethod::release(made);
@@ -146,7 +144,8 @@ bool candidates(ZObject* object, ZMetaType* type, const ZSelector& name, const Z
                 ZArrayT<ZMethodRef>& all) {
     if (name.type() != ZSelector::Method) return orv::overloads(object, type, name, qualifier, all);
     BindingMethod found;
-    return findOrMake(found, object, type, name, qualifier, quiet) && all.append(found.method);
+    return findOrMake(found, object, type, name, qualifier, quiet) &&
+           all.append(ZMethodRef(found.method, nullptr, nullptr));
 }
 
 bool agree(const ZMetaType* from, const ZMetaType* to) {
@@ -186,13 +185,10 @@ int ZBinding::make(const BindingRequest& wanted) {
     auto countAgain = [&] {
         const int known = table->findEqual(request.src, request.dst, request.srcType, request.dstType,
                                            request.srcMethod, request.dstMethod);
-        if (known >= 0 && table->at(known).countReferences) ++table->at(known).refs;
+        if (known >= 0 && table->at(known).countReferences)
+            toolkit::store(table->at(known).refs, table->at(known).refs + 1);
         return known;
     };
-    {
-        ZScopedLock held(table->lock);
-        if (const int known = countAgain(); known >= 0) return known;
-    }
     if (!request.srcMethod->matchBinding(request.dstMethod, request.srcType, request.dstType)) return -1;
     bool needsCall, convertFirst, dropRest;
     request.srcMethod->fetchBindingOptions(request.dstMethod, needsCall, convertFirst, dropRest);
@@ -228,6 +224,7 @@ int ZBinding::bindmethod(ZObject* src, ZObject* dst, ZMetaType* srcType, ZMetaTy
                          const ZSelector& dstName, const ZSelector& srcQualifier, const ZSelector& dstQualifier,
                          bool quiet) {
     if (srcName.isEmpty() || dstName.isEmpty()) return -1;
+    toolkit::EpochGuard guard;
     if (srcName.type() == ZSelector::Method && dstName.type() == ZSelector::Method) {
         BindingMethod a, b;
         const bool whole = findOrMake(a, src, srcType, srcName, srcQualifier, quiet) &&
@@ -260,17 +257,27 @@ int ZBinding::bindmethod(ZObject* src, ZObject* dst, const ZSelector& srcName, c
 int ZBinding::bindtype(ZObject* src, ZObject* dst, ZMetaType* srcType, ZMetaType* dstType, const ZSelector& srcName,
                        const ZSelector& dstName) {
     if ((!src && !srcType) || (!dst && !dstType)) return -1;
-    auto asMethod = [](ZObject* object, ZMetaType* type, const ZSelector& name) {
-        // A property stands for its setter.
+    // A property stands for its setter.
+    auto setter = [](ZObject* object, ZMetaType* type, const ZSelector& name) {
         toolkit::EpochGuard guard;
         ZMetaType* seen = object ? object->type() : type;
-        const ZProperty* property =
-            name.type() != ZSelector::Method && seen ? seen->findPropertyDef(nullptr, name) : nullptr;
-        const ZMethod* setter = property ? seen->setterMethod(nullptr, property, false) : nullptr;
-        return setter ? setter->getSelector() : name;
+        if (name.type() == ZSelector::Method || !seen) return ZSelector();
+        const ZProperty* property = seen->findPropertyDef(nullptr, name);
+        const ZMethod* found = property ? seen->setterMethod(nullptr, property, false) : nullptr;
+        return found ? found->getSelector() : ZSelector();
     };
-    return bindmethod(src, dst, srcType, dstType, asMethod(src, srcType, srcName), asMethod(dst, dstType, dstName), {},
-                      {}, false);
+    const ZSelector srcSetter = setter(src, srcType, srcName), dstSetter = setter(dst, dstType, dstName);
+    const ZSelector &from = srcSetter.isEmpty() ? srcName : srcSetter, &to = dstSetter.isEmpty() ? dstName : dstSetter;
+    if (from.type() != ZSelector::Method || to.type() != ZSelector::Method)
+        return bindmethod(src, dst, srcType, dstType, from, to, {}, {}, false);
+    toolkit::EpochGuard guard;
+    BindingMethod a, b;
+    if (!findOrMake(a, src, srcType, from, {}, false) || !findOrMake(b, dst, dstType, to, {}, false)) return -1;
+    BindingRequest request = orv::requestFor(a, b);
+    if (!srcSetter.isEmpty()) request.selector0 = srcName;
+    if (!dstSetter.isEmpty()) request.selector1 = dstName;
+    request.byProperty = !dstSetter.isEmpty() && b.method->getOwner();
+    return make(request);
 }
 
 int ZBinding::bindprop(ZObject* src, ZObject* dst, const ZProperty* srcProp, const ZProperty* dstProp,
@@ -287,18 +294,19 @@ int ZBinding::bindprop(ZObject* src, ZObject* dst, const ZProperty* srcProp, con
         // All overloads of the method, by name.
         ZArrayT<ZMethodRef> some;
         const bool isSource = from.type() != ZSelector::Method;
-        if (!orv::overloads(isSource ? src : dst, nullptr, isSource ? from : to,
-                            isSource ? srcQualifier : dstQualifier, some))
+        if (!orv::overloads(isSource ? src : dst, nullptr, isSource ? from : to, isSource ? srcQualifier : dstQualifier,
+                            some))
             return -1;
         int last = -1;
         for (const ZMethodRef& method : std::as_const(some)) {
-            const int made = bindprop(src, dst, srcProp, dstProp, srcSetter, dstSetter,
-                                      isSource ? method.selector() : srcName, isSource ? dstName : method.selector(),
-                                      srcQualifier, dstQualifier);
+            const int made =
+                bindprop(src, dst, srcProp, dstProp, srcSetter, dstSetter, isSource ? method.selector() : srcName,
+                         isSource ? dstName : method.selector(), srcQualifier, dstQualifier);
             if (made >= 0) last = made;
         }
         return last;
     }
+    toolkit::EpochGuard guard;
     BindingMethod a, b;
     if ((!a.find(src, nullptr, from, srcProp ? ZSelector() : srcQualifier) &&
          !a.makeMissing(src, nullptr, from, srcQualifier)) ||
@@ -309,13 +317,14 @@ int ZBinding::bindprop(ZObject* src, ZObject* dst, const ZProperty* srcProp, con
     if (srcProp) request.selector0 = srcName;
     if (dstProp) request.selector1 = dstName;
     // What a class declares is set by its name, which also tells those who are bound to that.
-    request.byProperty = dstProp && b.method.getMethod()->getOwner();
+    request.byProperty = dstProp && b.method->getOwner();
     return make(request);
 }
 
 int ZBinding::bind(ZObject* src, ZObject* dst, const ZSelector& srcName, const ZSelector& dstName,
                    const ZSelector& srcQualifier, const ZSelector& dstQualifier) {
     if (!src || !dst || srcName.isEmpty() || dstName.isEmpty()) return -1;
+    toolkit::EpochGuard guard;
     BindingEnd from(src, srcName, srcQualifier), to(dst, dstName, dstQualifier);
     if (from.property || to.property) {
         // A name that isn't there yet becomes a property with the value of the other side.
@@ -328,11 +337,10 @@ int ZBinding::bind(ZObject* src, ZObject* dst, const ZSelector& srcName, const Z
         }
         if (!from.prepare(true) || !to.prepare(true)) return -1;
     }
-    const int made =
-        from.property || to.property
-            ? bindprop(from.object, to.object, from.property, to.property, from.setter, to.setter, from.name, to.name,
-                       from.qualifier, to.qualifier)
-            : bindmethod(from.object, to.object, from.name, to.name, from.qualifier, to.qualifier, false);
+    const int made = from.property || to.property
+                         ? bindprop(from.object, to.object, from.property, to.property, from.setter, to.setter,
+                                    from.name, to.name, from.qualifier, to.qualifier)
+                         : bindmethod(from.object, to.object, from.name, to.name, from.qualifier, to.qualifier, false);
     if (made < 0 && zdebugasked())
         zdebug("\"%s\" of %s \"%s\" can't be bound to \"%s\" of %s \"%s\"", srcName.string(),
                src->getTypeName().string(), src->selector().string() ? src->selector().string() : "", dstName.string(),
@@ -345,6 +353,7 @@ int ZBinding::bind(ZObject* src, ZObject* dst, const char* srcName, const char* 
 
 bool ZBinding::autobind(ZObject* src, ZObject* dst, bool both) {
     if (!src || !dst) return false;
+    toolkit::EpochGuard guard;
     ZArrayT<ZMethodRef> marked;
     bool any = false;
     if (orv::autoBindMethods(src, marked))

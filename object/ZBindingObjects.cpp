@@ -68,9 +68,8 @@ bool ZBinding::bindingsTo(const ZObject* dst, ZArrayT<int>& places) {
     ZMethodBindings* table = bindingTable();
     if (!table || !dst) return table != nullptr;
     ZScopedLock held(table->lock);
-    for (int index = BindingTable::destination(const_cast<ZObject*>(dst)); index >= 0;
-         index = table->at(index).nextDst)
-        if (!places.append(index)) return false;
+    for (int index = BindingTable::destination(const_cast<ZObject*>(dst)); index >= 0; index = table->at(index).nextDst)
+        if (table->at(index).index >= 0 && !places.append(index)) return false;
     return true;
 }
 
@@ -129,6 +128,7 @@ bool ZBinding::setParams(int index, int position, const ZArrayT<ZVariant>& value
         std::swap(binding.params, fresh);
         binding.paramPos = position;
         toolkit::store(binding.hasParams, byte(!binding.params.isEmpty()));
+        ZMethodBindings::setDirect(binding);
         return true;
     });
 }

@@ -7,9 +7,9 @@
 
 // The table as a whole, and what leaves it.
 
-using orv::bindingTable;
 using orv::BindingEnd;
 using orv::BindingMethod;
+using orv::bindingTable;
 using orv::BindingTable;
 
 ZMethodBindings* orv::bindings = nullptr;
@@ -31,7 +31,7 @@ void ZBinding::close() {
 }
 void ZBinding::clear() {
     ZMethodBindings* table = bindingTable();
-    for (uint i = 0; table && i < table->count(); ++i) table->dropAt(int(i));
+    for (uint i = 0; table && i < table->count(); ++i) table->dropAt(int(i), true);
 }
 
 ZMethodBindings* ZBinding::bindings() { return bindingTable(); }
@@ -44,17 +44,7 @@ ZBinding* ZBinding::get(int index) {
 
 bool ZBinding::remove(int index, bool all) {
     ZMethodBindings* table = bindingTable();
-    if (!table) return false;
-    if (!all) {
-        ZScopedLock held(table->lock);
-        ZBinding* binding = table->get(index);
-        if (!binding) return false;
-        if (binding->countReferences && binding->refs > 1) {
-            --binding->refs;
-            return true;
-        }
-    }
-    return table->dropAt(index);
+    return table && table->dropAt(index, all);
 }
 bool ZBinding::remove(const ZArrayT<int>& places) {
     bool any = false;
@@ -91,16 +81,27 @@ bool signatures(const BindingEnd& end, ZArrayT<ZMethodRef>& all) {
     const ZSelector words = end.property ? ZSelector() : end.qualifier;
     if (name.type() != ZSelector::Method) return orv::overloads(end.object, nullptr, name, words, all);
     BindingMethod found;
-    return !found.find(end.object, nullptr, name, words) || all.append(found.method);
+    return !found.find(end.object, nullptr, name, words) || all.append(ZMethodRef(found.method, nullptr, nullptr));
 }
 /// Calls `use` with each bound pair of methods that two names stand for, until it answers false.
 template <class Use>
 void eachPair(ZObject* src, ZObject* dst, const ZSelector& srcName, const ZSelector& dstName,
               const ZSelector& srcQualifier, const ZSelector& dstQualifier, Use use) {
+    toolkit::EpochGuard guard;
     BindingEnd from(src, srcName, srcQualifier), to(dst, dstName, dstQualifier);
-    ZArrayT<ZMethodRef> sources, destinations;
-    if (!from.prepare(false) || !to.prepare(false) || !signatures(from, sources) || !signatures(to, destinations))
+    if (!from.prepare(false) || !to.prepare(false)) return;
+    const ZSelector &one = from.property ? from.setter : from.name, &other = to.property ? to.setter : to.name;
+    if (one.type() == ZSelector::Method && other.type() == ZSelector::Method) {
+        BindingMethod a, b;
+        if (!a.find(from.object, nullptr, one, from.property ? ZSelector() : from.qualifier) ||
+            !b.find(to.object, nullptr, other, to.property ? ZSelector() : to.qualifier))
+            return;
+        const int index = ZBinding::find(a.object, b.object, a.method, b.method);
+        if (index >= 0) use(index);
         return;
+    }
+    ZArrayT<ZMethodRef> sources, destinations;
+    if (!signatures(from, sources) || !signatures(to, destinations)) return;
     for (const ZMethodRef& source : std::as_const(sources))
         for (const ZMethodRef& destination : std::as_const(destinations)) {
             BindingMethod a, b;
@@ -108,7 +109,7 @@ void eachPair(ZObject* src, ZObject* dst, const ZSelector& srcName, const ZSelec
             if (!a.find(from.object, nullptr, one->getSelector(), one->getQualifier()) ||
                 !b.find(to.object, nullptr, other->getSelector(), other->getQualifier()))
                 continue;
-            const int index = ZBinding::find(a.object, b.object, a.method.getMethod(), b.method.getMethod());
+            const int index = ZBinding::find(a.object, b.object, a.method, b.method);
             if (index >= 0 && !use(index)) return;
         }
 }
@@ -139,7 +140,8 @@ bool ZBinding::unbind(ZObject* src, ZObject* dst, const ZSelector& srcName, cons
                       const ZSelector& srcQualifier, const ZSelector& dstQualifier) {
     if (!src || !dst || srcName.isEmpty() || dstName.isEmpty()) return false;
     bool any = false;
-    eachPair(src, dst, srcName, dstName, srcQualifier, dstQualifier, [&](int index) { return any |= remove(index, false); });
+    eachPair(src, dst, srcName, dstName, srcQualifier, dstQualifier,
+             [&](int index) { return any |= remove(index, false); });
     ZMethodBindings* table = bindingTable();
     if (any || !table || !src->hasBindings()) return any;
     // What the names lead to may be another method, or none, by now.
@@ -148,8 +150,7 @@ bool ZBinding::unbind(ZObject* src, ZObject* dst, const ZSelector& srcName, cons
         ZScopedLock held(table->lock);
         for (index = BindingTable::source(src); index >= 0; index = table->at(index).nextSrc) {
             const ZBinding& known = table->at(index);
-            if (known.dst == dst &&
-                means(srcName, srcQualifier, known.selector0, known.mSelector0, known.qualifier0) &&
+            if (known.dst == dst && means(srcName, srcQualifier, known.selector0, known.mSelector0, known.qualifier0) &&
                 means(dstName, dstQualifier, known.selector1, known.mSelector1, known.qualifier1))
                 break;
         }
@@ -162,9 +163,10 @@ bool ZBinding::unbind(ZObject* src, ZObject* dst, const char* srcName, const cha
 bool ZBinding::unbindmethod(ZObject* src, ZObject* dst, const ZSelector& srcName, const ZSelector& dstName,
                             const ZSelector& srcQualifier, const ZSelector& dstQualifier) {
     if (srcName.type() == ZSelector::Method && dstName.type() == ZSelector::Method && src && dst) {
+        toolkit::EpochGuard guard;
         BindingMethod a, b;
         return a.find(src, nullptr, srcName, srcQualifier) && b.find(dst, nullptr, dstName, dstQualifier) &&
-               unbind(a.object, b.object, nullptr, nullptr, a.method.getMethod(), b.method.getMethod());
+               unbind(a.object, b.object, nullptr, nullptr, a.method, b.method);
     }
     return unbind(src, dst, srcName, dstName, srcQualifier, dstQualifier);
 }
@@ -196,25 +198,27 @@ bool ZBinding::unbindtype(ZObject* src, ZObject* dst, ZMetaType* srcType, ZMetaT
 bool ZBinding::unbindsrc(ZObject* object, const ZSelector& name, const ZSelector& qualifier) {
     ZMethodBindings* table = bindingTable();
     return table && object &&
-           table->dropWhere(ZMethodBindings::Sources, [&] { return BindingTable::source(object); },
-                            [&](const ZBinding& known) {
-                                return means(name, qualifier, known.selector0, known.mSelector0, known.qualifier0);
-                            }) > 0;
+           table->dropWhere(
+               ZMethodBindings::Sources, [&] { return BindingTable::source(object); },
+               [&](const ZBinding& known) {
+                   return means(name, qualifier, known.selector0, known.mSelector0, known.qualifier0);
+               }) > 0;
 }
 bool ZBinding::unbinddst(ZObject* object, const ZSelector& name, const ZSelector& qualifier) {
     ZMethodBindings* table = bindingTable();
     return table && object &&
-           table->dropWhere(ZMethodBindings::Destinations, [&] { return BindingTable::destination(object); },
-                            [&](const ZBinding& known) {
-                                return means(name, qualifier, known.selector1, known.mSelector1, known.qualifier1);
-                            }) > 0;
+           table->dropWhere(
+               ZMethodBindings::Destinations, [&] { return BindingTable::destination(object); },
+               [&](const ZBinding& known) {
+                   return means(name, qualifier, known.selector1, known.mSelector1, known.qualifier1);
+               }) > 0;
 }
 bool ZBinding::unbindLabeled(ZObject* src, ZObject* dst, const ZSelector& label) {
     ZMethodBindings* table = bindingTable();
     return table && src &&
-           table->dropWhere(ZMethodBindings::Sources, [&] { return BindingTable::source(src); },
-                            [&](const ZBinding& known) { return known.label == label && (!dst || known.dst == dst); }) >
-               0;
+           table->dropWhere(
+               ZMethodBindings::Sources, [&] { return BindingTable::source(src); },
+               [&](const ZBinding& known) { return known.label == label && (!dst || known.dst == dst); }) > 0;
 }
 bool ZBinding::unbindLabeled(ZObject* src, const ZSelector& label) { return unbindLabeled(src, nullptr, label); }
 
@@ -227,46 +231,63 @@ void ZBinding::removeObject(ZObject* object) {
     if (object->hasBindings())
         table->dropWhere(
             ZMethodBindings::Sources, [&] { return BindingTable::source(object); }, all);
-    if (toolkit::load(BindingTable::destination(object)) >= 0)
-        table->dropWhere(
-            ZMethodBindings::Destinations, [&] { return BindingTable::destination(object); }, all);
+    while (toolkit::load(BindingTable::destination(object)) >= 0) {
+        constexpr int batch = 32;
+        orv::DroppedBinding dropped[batch];
+        int count = 0;
+        ZScopedLock held(table->lock);
+        for (int& head = BindingTable::destination(object); head >= 0 && count < batch;) {
+            ZBinding& binding = table->at(head);
+            const bool clears = binding.index >= 0 && table->drop(binding);
+            if (clears)
+                table->clearRecord(binding, dropped[count++]);
+            else
+                table->leaveDestination(binding);
+        }
+    }
 }
 void ZBinding::removeType(ZMetaType* type) {
     ZMethodBindings* table = bindingTable();
     if (!table || !type) return;
     auto all = [](const ZBinding&) { return true; };
-    table->dropWhere(ZMethodBindings::SourceTypes, [&] { return type->record().bindingSrc; }, all);
-    table->dropWhere(ZMethodBindings::DestinationTypes, [&] { return type->record().bindingDst; }, all);
+    table->dropWhere(
+        ZMethodBindings::SourceTypes, [&] { return type->record().bindingSrc; }, all);
+    table->dropWhere(
+        ZMethodBindings::DestinationTypes, [&] { return type->record().bindingDst; }, all);
 }
 void ZBinding::removeMethod(ZMethod* method) {
     ZMethodBindings* table = bindingTable();
     if (!table || !method) return;
     auto all = [](const ZBinding&) { return true; };
-    table->dropWhere(ZMethodBindings::SourceMethods, [&] { return method->getBinding(false); }, all);
-    table->dropWhere(ZMethodBindings::DestinationMethods, [&] { return method->getBinding(true); }, all);
+    table->dropWhere(
+        ZMethodBindings::SourceMethods, [&] { return method->getBinding(false); }, all);
+    table->dropWhere(
+        ZMethodBindings::DestinationMethods, [&] { return method->getBinding(true); }, all);
 }
 
 bool ZBinding::leaveDestination(ZObject* object) {
     ZMethodBindings* table = bindingTable();
     if (!table || !object) return true;
-    // One reference for this step, and one for each call that is under way: who calls gives it up.
-    incmemref(object, true);
-    for (bool more = true; more;) {
+    for (bool begun = false;; begun = true) {
         constexpr int batch = 32;
         orv::DroppedBinding dropped[batch];
         int count = 0;
         ZScopedLock held(table->lock);
-        int index = BindingTable::destination(object);
-        for (; index >= 0 && count < batch; index = BindingTable::destination(object)) {
+        // One reference for all of this, and one for each call that is under way: who calls gives it up.
+        if (!begun) incmemref(object, true);
+        for (int index = BindingTable::destination(object); index >= 0 && count < batch;) {
             ZBinding& binding = table->at(index);
-            incmemref(object, true);
-            if (!table->drop(binding, true)) continue;
-            decmemref(object);
-            table->clearRecord(binding, dropped[count++]);
+            index = binding.nextDst;
+            if (binding.index >= 0 && table->drop(binding)) {
+                table->clearRecord(binding, dropped[count++]);
+                continue;
+            }
+            uint seen = toolkit::load(binding.active);
+            while (!(seen & Owed) && !toolkit::compareExchange(binding.active, seen, seen | Owed)) {}
+            if (!(seen & Owed)) incmemref(object, true);
         }
-        more = index >= 0;
+        if (count < batch) return decmemref(object) <= 0;
     }
-    return decmemref(object) <= 0;
 }
 
 // After changes of methods
@@ -326,13 +347,14 @@ bool ZMethodBindings::relink(ZBinding& binding, const orv::BindingRequest& reque
         binding.needsCall = request.needsCall;
         binding.convertFirst = request.convertFirst;
         binding.dropRest = request.dropRest;
+        setDirect(binding);
     } else {
         // What it had stood for is there still.
         toolkit::store(binding.src, oldSource);
         toolkit::store(binding.srcMethod, oldMethod);
         level = levelFor(binding);
     }
-    toolkit::store(binding.serial, ++serials);
+    toolkit::store(binding.serial, nextSerial());
     rememberPair(binding);
     linkSource(binding, level);
     for (List list : plain) link(list, binding);
@@ -363,15 +385,16 @@ void ZMethodBindings::refresh(int index) {
     }
     // One that goes takes the record along.
     if ((known.hasSource && !known.src.get()) || (known.hasDestination && !known.dst.get())) return;
+    toolkit::EpochGuard guard;
     BindingMethod from, to;
     if (!from.find(known.src.get(), known.srcType, known.mSelector0, known.qualifier0) ||
         !to.find(known.dst.get(), known.dstType, known.mSelector1, known.qualifier1)) {
-        dropAt(index);
+        dropAt(index, true);
         return;
     }
-    ZMethod* source = from.method.getMethod();
+    ZMethod* source = from.method;
     while (ZMethod* base = source->getBaseMethod()) source = base;
-    ZMethod* destination = to.method.getMethod();
+    ZMethod* destination = to.method;
     const bool sameTypes = from.type == known.srcType && to.type == known.dstType;
     if (source == known.srcMethod.getMethod() && destination == known.dstMethod.getMethod() && sameTypes) return;
     orv::BindingRequest request = orv::requestFor(from, to);
@@ -408,6 +431,7 @@ void ZMethodBindings::refresh(int index) {
             fresh.params = binding->params;
             fresh.paramPos = binding->paramPos;
             toolkit::store(fresh.hasParams, binding->hasParams);
+            setDirect(fresh);
             toolkit::store(fresh.refs, binding->refs);
             fresh.countReferences = binding->countReferences;
             toolkit::store(fresh.enabled, binding->enabled);

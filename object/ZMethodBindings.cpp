@@ -75,8 +75,8 @@ bool ZMethodBindings::addChunk() {
     if (capacity > 0x7FFFFFFF - growBy) return false;
     if (!directory || chunk == directory->room) {
         const uint room = directory ? directory->room * 2 : 16;
-        auto larger = static_cast<Directory*>(
-            toolkit::allocZeroedBlock(sizeof(Directory) + size_t(room) * sizeof(ZBinding*)));
+        auto larger =
+            static_cast<Directory*>(toolkit::allocZeroedBlock(sizeof(Directory) + size_t(room) * sizeof(ZBinding*)));
         if (!larger) return false;
         larger->room = room;
         larger->outgrown = directory;
@@ -153,17 +153,17 @@ void ZMethodBindings::setHead(List list, const ZBinding& binding, int first) {
             binding.srcMethod->setTypeBinding(first);
         return;
     }
-    if (int* place = head(list, binding)) store(*place, first);
+    if (int* place = head(list, binding)) storeRelease(*place, first);
 }
 int& ZMethodBindings::next(List list, ZBinding& binding) {
-    int* const links[] = {&binding.nextSrc,   &binding.nextDst, &binding.nextSType,
-                          &binding.nextDType, &binding.next0,   &binding.next1};
-    return *links[list];
+    constexpr int ZBinding::*links[] = {&ZBinding::nextSrc,   &ZBinding::nextDst, &ZBinding::nextSType,
+                                        &ZBinding::nextDType, &ZBinding::next0,   &ZBinding::next1};
+    return binding.*links[list];
 }
 int& ZMethodBindings::previous(List list, ZBinding& binding) {
-    int* const links[] = {&binding.prevSrc,   &binding.prevDst, &binding.prevSType,
-                          &binding.prevDType, &binding.prev0,   &binding.prev1};
-    return *links[list];
+    constexpr int ZBinding::*links[] = {&ZBinding::prevSrc,   &ZBinding::prevDst, &ZBinding::prevSType,
+                                        &ZBinding::prevDType, &ZBinding::prev0,   &ZBinding::prev1};
+    return binding.*links[list];
 }
 void ZMethodBindings::link(List list, ZBinding& binding) {
     int first = -1;
@@ -378,12 +378,14 @@ int ZMethodBindings::add(const orv::BindingRequest& request) {
     store(made.enabled, byte(1));
     made.countReferences = 1;
     made.hasParams = 0;
+    made.toAll = !request.dst;
+    setDirect(made);
     made.byProperty = request.byProperty;
     made.needsCall = request.needsCall;
     made.convertFirst = request.convertFirst;
     made.dropRest = request.dropRest;
     made.dstOffset = request.dstOffset;
-    store(made.serial, ++serials);
+    store(made.serial, nextSerial());
     storeRelease(made.active, uint(ZBinding::Idle));
     store(usedCount, usedCount + 1);
     rememberPair(made);
@@ -397,11 +399,15 @@ int ZMethodBindings::add(const orv::BindingRequest& request) {
     return index;
 }
 
-bool ZMethodBindings::drop(ZBinding& binding, bool owed) {
+void ZMethodBindings::setDirect(ZBinding& binding) {
+    constexpr uint special = ZMethod::CollectArgs | ZMethod::Creator | ZMethod::Manage;
+    const ZMethod* to = binding.dstMethod;
+    store(binding.direct, byte(to->fastWords() == 0 && !binding.hasParams && !(to->getFlags() & special)));
+}
+bool ZMethodBindings::drop(ZBinding& binding) {
     forgetPair(binding);
     unlinkSource(binding);
-    for (List list : {Destinations, SourceTypes, DestinationTypes, SourceMethods, DestinationMethods})
-        unlink(list, binding);
+    for (List list : {SourceTypes, DestinationTypes, SourceMethods, DestinationMethods}) unlink(list, binding);
     if (!binding.src) {
         uint& sources = binding.srcType->record().boundSources;
         store(sources, sources - 1);
@@ -410,10 +416,15 @@ bool ZMethodBindings::drop(ZBinding& binding, bool owed) {
     store(binding.index, -1);
     store(usedCount, usedCount - 1);
     uint seen = load(binding.active);
-    for (;;) {
-        const uint mark = owed && seen & ZBinding::Running ? ZBinding::Gone | ZBinding::Owed : ZBinding::Gone;
-        if (toolkit::compareExchange(binding.active, seen, seen | mark)) return !(seen & ZBinding::Running);
-    }
+    while (!toolkit::compareExchange(binding.active, seen, seen | ZBinding::Gone)) {}
+    // A destination that goes has to know that it is being called.
+    if (seen & ZBinding::Running) return false;
+    unlink(Destinations, binding);
+    return true;
+}
+void ZMethodBindings::leaveDestination(ZBinding& binding) {
+    unlink(Destinations, binding);
+    store(binding.dst, static_cast<ZObject*>(nullptr));
 }
 void ZMethodBindings::clearRecord(ZBinding& binding, orv::DroppedBinding& dropped) {
     dropped.srcMethod = binding.srcMethod;
@@ -442,7 +453,7 @@ bool ZMethodBindings::move(ZBinding& binding, int priority) {
         store(binding.priority, old);
         level = levelFor(binding);
     }
-    store(binding.serial, ++serials);
+    store(binding.serial, nextSerial());
     linkSource(binding, level);
     return binding.priority == priority;
 }
@@ -462,11 +473,14 @@ int ZMethodBindings::behind(const ZObject* src, const ZMethod* method, const orv
     return -1;
 }
 
-bool ZMethodBindings::dropAt(int index) {
+bool ZMethodBindings::dropAt(int index, bool all) {
     orv::DroppedBinding dropped;
     ZScopedLock held(lock);
     ZBinding* binding = get(index);
     if (!binding) return false;
-    if (drop(*binding)) clearRecord(*binding, dropped);
+    if (!all && binding->countReferences && binding->refs > 1)
+        store(binding->refs, binding->refs - 1);
+    else if (drop(*binding))
+        clearRecord(*binding, dropped);
     return true;
 }

@@ -128,9 +128,17 @@ private:
     int findGroup(const ZObject* src, const ZMethod* method);
     int firstOfGroup(int group) const;
     int add(const orv::BindingRequest& request);
-    /// Takes a record out of all lists; true if it is the caller's to clear, false if who runs it does so, who with
-    /// `owed` releases the destination too.
-    bool drop(ZBinding& binding, bool owed = false);
+    /// Takes a record out of all lists; true if it is the caller's to clear. One that runs is cleared by who runs it,
+    /// and stays in the list of its destination until then.
+    bool drop(ZBinding& binding);
+    /// To be called when the destination's method, or the fixed arguments, are others.
+    static void setDirect(ZBinding& binding);
+    /// The destination of a dropped record goes, or isn't called any more.
+    void leaveDestination(ZBinding& binding);
+    ularge nextSerial() {
+        toolkit::store(serials, serials + 1);
+        return serials;
+    }
     /// What a dropped record held.
     void clearRecord(ZBinding& binding, orv::DroppedBinding& dropped);
     void linkSource(ZBinding& binding, int level);
@@ -162,8 +170,8 @@ private:
     /// Drops those of a list that match, in steps that each hold the lock for a short while; how many those were.
     /// `start` answers the head of the list.
     template <class Start, class Match> int dropWhere(List list, Start start, Match match);
-    /// Drops one record; false if the place has none by now.
-    bool dropAt(int index);
+    /// Drops one record, unless it counts and isn't the last, or `all` is set; false if the place has none by now.
+    bool dropAt(int index, bool all);
 
     ZSpinLock lock;
     Directory* directory = nullptr;
@@ -193,7 +201,7 @@ template <class Start, class Match> int ZMethodBindings::dropWhere(List list, St
         while (index >= 0 && count < batch && steps++ < longestHold) {
             ZBinding& binding = at(index);
             const int behind = next(list, binding);
-            if (match(binding)) {
+            if (binding.index >= 0 && match(binding)) {
                 ++total;
                 if (drop(binding)) clearRecord(binding, dropped[count++]);
             }

@@ -189,7 +189,7 @@ void ZObject::release() {
     if (priv) {
         if (priv->has(ObjectData::Deleting)) return;
         // Who is calling it as the destination of a binding keeps it until that has ended.
-        if (ORV_UNLIKELY(toolkit::load(bindingDst) >= 0) && !ZBinding::leaveDestination(this)) return;
+        if (ORV_UNLIKELY(toolkit::loadAcquire(bindingDst) >= 0) && !ZBinding::leaveDestination(this)) return;
         priv->set(ObjectData::Deleting, true);
     }
     deleting();

@@ -23,9 +23,9 @@ struct BindingEnd {
     bool hasMethodNamed() const;
 };
 
-/// A method that was found, and what it is called on.
+/// A method that was found, borrowed under a guard, and what it is called on.
 struct BindingMethod {
-    ZMethodRef method; ///< the method alone
+    ZMethod* method = nullptr;
     ZObject* object = nullptr;
     ZMetaType* type = nullptr;
     int offset = 0;
@@ -45,8 +45,8 @@ inline BindingRequest requestFor(const BindingMethod& source, const BindingMetho
     request.dst = destination.object;
     request.srcType = source.type;
     request.dstType = destination.type;
-    request.srcMethod = source.method.getMethod();
-    request.dstMethod = destination.method.getMethod();
+    request.srcMethod = source.method;
+    request.dstMethod = destination.method;
     request.dstOffset = destination.offset;
     return request;
 }

@@ -28,8 +28,8 @@ using Run = BenchPair::Run;
 namespace peers::qt {
 const Run propertyGet = nullptr, propertySet = nullptr, dynamicGet = nullptr, dynamicSet = nullptr, invoke = nullptr,
           typeFromName = nullptr, create = nullptr, childByName = nullptr, readAll = nullptr, enums = nullptr,
-          copyInt = nullptr, copyText = nullptr, textToInt = nullptr, fire0 = nullptr, fire1 = nullptr, fire10 = nullptr,
-          connect = nullptr;
+          copyInt = nullptr, copyText = nullptr, textToInt = nullptr, fire0 = nullptr, fire1 = nullptr,
+          fire10 = nullptr, connect = nullptr;
 } // namespace peers::qt
 #endif
 #ifndef ORV_PEER_RTTR

@@ -75,9 +75,9 @@ TEST_F(BindingTest, CallsInFallingPriorityAndAmongEqualsInOrder) {
     struct {
         int place, priority;
         const char* order;
-    } const rows[] = {{3, ZBinding::High, "dabce"}, {0, ZBinding::Low, "dbcea"}, {2, ZBinding::Low, "dbeac"},
-                      {4, 20000, "edbac"},          {1, 5001, "edbac"},          {3, 5001, "ebdac"},
-                      {3, 5001, "ebdac"},           {1, -7, "edacb"}};
+    } const rows[] = {
+        {3, ZBinding::High, "dabce"}, {0, ZBinding::Low, "dbcea"}, {2, ZBinding::Low, "dbeac"}, {4, 20000, "edbac"},
+        {1, 5001, "edbac"},           {3, 5001, "ebdac"},          {3, 5001, "ebdac"},          {1, -7, "edacb"}};
     for (const auto& row : rows) {
         EXPECT_TRUE(ZBinding::setPriority(places[size_t(row.place)], row.priority));
         EXPECT_EQ(order(), row.order) << row.place << " to " << row.priority;
@@ -259,7 +259,7 @@ TEST_F(BindingTest, TypesReachAllInstances) {
     Held small(zmake<SmallBell>());
     ASSERT_GE(watch->bindType(ztype<Bell>(), struck(), ring()), 0);
     EXPECT_EQ(strike(a.get()), "w.ring ");
-    EXPECT_EQ(strike(small.get()), "w.ring "); // declared above
+    EXPECT_EQ(strike(small.get()), "w.ring ");                                 // declared above
     ZBinding::callV(small.get(), method("void struck()", ztype<SmallBell>())); // its own form
     EXPECT_EQ(Bell::takeLog(), "w.ring ");
     ASSERT_GE(watch->bindType(ztype<SmallBell>(), "int asked()", ring()), 0);
@@ -324,11 +324,12 @@ TEST_F(BindingTest, LinksBindByPathsAndCopyFirst) {
         ZBindingLink::Direction direction;
         int a, b;   // once bound, 5 and 6 before
         int fa, fb; // after 7 in a, then 8 in b
-    } const rows[] = {{ZBindingLink::Forward, 5, 5, 7, 8}, {ZBindingLink::Backward, 6, 6, 8, 8},
-                      {ZBindingLink::Cross, 5, 5, 8, 8}};
+    } const rows[] = {
+        {ZBindingLink::Forward, 5, 5, 7, 8}, {ZBindingLink::Backward, 6, 6, 8, 8}, {ZBindingLink::Cross, 5, 5, 8, 8}};
     for (const auto& row : rows)
         for (bool byMap : {false, true}) {
-            const ZBindingLink link(byMap ? "top.a.width" : "a.width", byMap ? "top.b.width" : "b.width", row.direction);
+            const ZBindingLink link(byMap ? "top.a.width" : "a.width", byMap ? "top.b.width" : "b.width",
+                                    row.direction);
             auto bind = [&](bool on) { return byMap ? link.bind(objects, "top", on) : link.bind(root.get(), on); };
             a->setProperty("width", ZVariant(5));
             b->setProperty("width", ZVariant(6));
@@ -484,7 +485,8 @@ TEST_F(BindingTest, ManyOfOneSourceTakeNoLongerEach) {
     }
     EXPECT_EQ(ZBinding::bindings()->used(), uint(count));
     ZBinding::callV(source.get(), from);
-    for (int i = 0; i < count; i += 2) EXPECT_TRUE(ZBinding::unbind(source.get(), to[size_t(i)], nullptr, nullptr, from, into));
+    for (int i = 0; i < count; i += 2)
+        EXPECT_TRUE(ZBinding::unbind(source.get(), to[size_t(i)], nullptr, nullptr, from, into));
     for (ZObject* object : to) object->release();
     EXPECT_FALSE(source->hasBindings());
 }
@@ -527,7 +529,7 @@ TEST_F(BindingTest, ChainsEndWithALine) {
         return last;
     };
     runWithStack(64 << 20, [&] { EXPECT_EQ(reached(3), size_t(ZBinding::depthLimit)); });
-    runWithStack(1 << 20, [&] {
+    runWithStack(4 << 20, [&] {
         const size_t last = reached(4);
         EXPECT_TRUE(last > 16 && last < size_t(ZBinding::depthLimit)) << last;
     });

@@ -74,9 +74,7 @@ TEST_F(BindingThreads, AValueThatComesMeanwhileIsPassedOnToo) {
     };
     source->setProperty("width", ZVariant(1));
     EXPECT_EQ(Bell::takeLog(), ".hear 1 .hear 2 ");
-    follower->onRing = [&](Bell&) {
-        std::thread([&] { ZBinding::callV(source, method("void struck()")); }).join();
-    };
+    follower->onRing = [&](Bell&) { std::thread([&] { ZBinding::callV(source, method("void struck()")); }).join(); };
     EXPECT_EQ(strike(source), ".ring "); // no property: passed by
     source->release();
     follower->release();
@@ -84,10 +82,9 @@ TEST_F(BindingThreads, AValueThatComesMeanwhileIsPassedOnToo) {
 
 TEST_F(BindingThreads, MethodsChangeWhileTheyAreFired) {
     Bell *source = makeQuiet(), *target = makeQuiet();
-    ZMethod* own = ZMethod::create("void ring()", {}, ZMethod::Dynamic, nullptr,
-                                   [](const void* bell, ZMethod*, void*) {
-                                       ++static_cast<Bell*>(const_cast<void*>(bell))->rung;
-                                   });
+    ZMethod* own = ZMethod::create("void ring()", {}, ZMethod::Dynamic, nullptr, [](const void* bell, ZMethod*, void*) {
+        ++static_cast<Bell*>(const_cast<void*>(bell))->rung;
+    });
     const ZSelector struck("void struck()"), ring("void ring()");
     ASSERT_GE(source->bind(target, struck, ring), 0);
     ZMethod* from = method("void struck()");
