@@ -266,6 +266,8 @@ private:
                          ZVariant* result);
     static bool fireProperty(ZObject* object, const ZMethod* method, const ZVariant& value);
     static int make(const orv::BindingRequest& request);
+    static int nearBinding(ZObject* src, const ZObject* dst, const ZSelector& srcName, const ZSelector& dstName,
+                           const ZSelector& srcQualifier, const ZSelector& dstQualifier);
     static const ZMethod* boundSetter(const ZObject* object, const ZMethod* declared, const ZSelector& name);
 
     // What a walk reads without the lock is loaded and stored as whole words.

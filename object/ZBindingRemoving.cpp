@@ -116,6 +116,25 @@ void eachPair(ZObject* src, ZObject* dst, const ZSelector& srcName, const ZSelec
 
 } // namespace
 
+int ZBinding::nearBinding(ZObject* src, const ZObject* dst, const ZSelector& srcName, const ZSelector& dstName,
+                          const ZSelector& srcQualifier, const ZSelector& dstQualifier) {
+    constexpr int most = 8;
+    ZMethodBindings* table = bindingTable();
+    if (!table || !src->hasBindings()) return -1;
+    ZScopedLock held(table->lock);
+    int index = BindingTable::source(src);
+    for (int steps = 0; index >= 0 && steps < most; ++steps) {
+        const ZBinding& known = table->at(index);
+        const bool named = known.selector0.isEmpty() ? known.mSelector0 == srcName : known.selector0 == srcName;
+        const bool aimed = known.selector1.isEmpty() ? known.mSelector1 == dstName : known.selector1 == dstName;
+        if (known.dst == dst && named && aimed && (srcQualifier.isEmpty() || srcQualifier == known.qualifier0) &&
+            (dstQualifier.isEmpty() || dstQualifier == known.qualifier1))
+            return index;
+        index = known.nextSrc;
+    }
+    return -1;
+}
+
 int ZBinding::find(const ZObject* src, const ZObject* dst, const ZSelector& srcName, const ZSelector& dstName,
                    const ZSelector& srcQualifier, const ZSelector& dstQualifier) {
     int found = -1;
@@ -140,6 +159,9 @@ bool ZBinding::unbind(ZObject* src, ZObject* dst, const ZSelector& srcName, cons
                       const ZSelector& srcQualifier, const ZSelector& dstQualifier) {
     if (!src || !dst || srcName.isEmpty() || dstName.isEmpty()) return false;
     bool any = false;
+    // Among a few, a record that was made by just these names is found sooner than what they lead to.
+    if (const int near = nearBinding(src, dst, srcName, dstName, srcQualifier, dstQualifier); near >= 0)
+        return remove(near, false);
     eachPair(src, dst, srcName, dstName, srcQualifier, dstQualifier,
              [&](int index) { return any |= remove(index, false); });
     ZMethodBindings* table = bindingTable();
