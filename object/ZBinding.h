@@ -305,5 +305,5 @@ private:
     int nextEqual = -1; ///< in the index of pairs; the next free record
     int number = -1;    ///< its place, whatever stands there
     int dstOffset = 0;  ///< of the part of the destination that the method is called on
-    ularge serial = 0;  ///< when it was made or moved
+    ularge serial = 0;  ///< when it was made or moved: one number stands for one record at one place; stored last
 };

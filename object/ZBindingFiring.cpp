@@ -56,7 +56,7 @@ struct BindingSignal {
 private:
     void walk(const ZObject* source, const ZMethod* listed, int index);
     void walkTypes();
-    bool isExpected(const ZBinding& binding, const ZObject* source, const ZMethod* listed,
+    bool isExpected(const ZBinding& binding, ularge serial, const ZObject* source, const ZMethod* listed,
                     const BindingMark& mark) const;
     bool matchesType(const ZBinding& binding) const;
     void call(const ZBinding& binding);
@@ -94,11 +94,10 @@ bool BindingSignal::run() {
     return called;
 }
 
-bool BindingSignal::isExpected(const ZBinding& binding, const ZObject* source, const ZMethod* listed,
+bool BindingSignal::isExpected(const ZBinding& binding, ularge serial, const ZObject* source, const ZMethod* listed,
                                const BindingMark& mark) const {
-    const ularge serial = load(binding.serial);
     return load(binding.src) == source && load(binding.srcMethod) == listed && serial <= limit &&
-           mark.isBefore(load(binding.priority), serial) && load(binding.index) >= 0;
+           mark.isBefore(load(binding.priority), serial);
 }
 
 void BindingSignal::walk(const ZObject* source, const ZMethod* listed, int index) {
@@ -107,7 +106,8 @@ void BindingSignal::walk(const ZObject* source, const ZMethod* listed, int index
     BindingMark mark;
     for (;;) {
         ZBinding* found = table.record(index);
-        if (!found || !isExpected(*found, source, listed, mark)) {
+        const ularge serial = found ? loadAcquire(found->serial) : 0;
+        if (!found || !isExpected(*found, serial, source, listed, mark)) {
             // The end, unless the list has changed where this stood.
             const uint now = loadAcquire(table.version);
             if (ORV_LIKELY(now == version)) return;
@@ -118,10 +118,9 @@ void BindingSignal::walk(const ZObject* source, const ZMethod* listed, int index
             continue;
         }
         ZBinding& binding = *found;
-        const ularge serial = load(binding.serial);
         uint seen = ZBinding::Idle;
         if (!load(binding.enabled)) {
-            mark = {load(binding.priority), load(binding.serial)};
+            mark = {load(binding.priority), serial};
             index = load(binding.nextSrc);
             continue;
         }
@@ -139,14 +138,14 @@ void BindingSignal::walk(const ZObject* source, const ZMethod* listed, int index
             if (!ZBindingStack::runs(&binding) && !(seen & ZBinding::Again) &&
                 !toolkit::compareExchange(binding.active, seen, seen | ZBinding::Again))
                 continue;
-            mark = {load(binding.priority), load(binding.serial)};
+            mark = {load(binding.priority), serial};
             index = load(binding.nextSrc);
             continue;
         }
         // A number stands for one record, and for one place of it.
         const bool right = ORV_LIKELY(load(binding.serial) == serial);
         if (right) mark = {load(binding.priority), serial};
-        const ZBinding* outer = std::exchange(frame.running, &binding);
+        frame.running = &binding;
         if (right && (source || matchesType(binding))) {
             ZObject* const target = load(binding.dst);
             if (ORV_LIKELY(load(binding.direct) && want == Nothing && target)) {
@@ -163,8 +162,8 @@ void BindingSignal::walk(const ZObject* source, const ZMethod* listed, int index
         seen = ZBinding::Running;
         const bool stays =
             ORV_LIKELY(toolkit::compareExchange(binding.active, seen, uint(ZBinding::Idle))) || leave(binding, seen);
-        frame.running = outer;
-        if (!frame.valid) return;
+        frame.running = nullptr;
+        if (ORV_UNLIKELY(!frame.valid)) return;
         if (ORV_LIKELY(stays && right)) {
             index = behind;
             continue;

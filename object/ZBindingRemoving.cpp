@@ -376,7 +376,7 @@ bool ZMethodBindings::relink(ZBinding& binding, const orv::BindingRequest& reque
         toolkit::store(binding.srcMethod, oldMethod);
         level = levelFor(binding);
     }
-    toolkit::store(binding.serial, nextSerial());
+    toolkit::storeRelease(binding.serial, nextSerial());
     rememberPair(binding);
     linkSource(binding, level);
     for (List list : plain) link(list, binding);

@@ -385,7 +385,7 @@ int ZMethodBindings::add(const orv::BindingRequest& request) {
     made.convertFirst = request.convertFirst;
     made.dropRest = request.dropRest;
     made.dstOffset = request.dstOffset;
-    store(made.serial, nextSerial());
+    storeRelease(made.serial, nextSerial());
     storeRelease(made.active, uint(ZBinding::Idle));
     store(usedCount, usedCount + 1);
     rememberPair(made);
@@ -453,7 +453,7 @@ bool ZMethodBindings::move(ZBinding& binding, int priority) {
         store(binding.priority, old);
         level = levelFor(binding);
     }
-    store(binding.serial, nextSerial());
+    storeRelease(binding.serial, nextSerial());
     linkSource(binding, level);
     return binding.priority == priority;
 }
