@@ -162,7 +162,6 @@ void BindingSignal::walk(const ZObject* source, const ZMethod* listed, int index
         seen = ZBinding::Running;
         const bool stays =
             ORV_LIKELY(toolkit::compareExchange(binding.active, seen, uint(ZBinding::Idle))) || leave(binding, seen);
-        frame.running = nullptr;
         if (ORV_UNLIKELY(!frame.valid)) return;
         if (ORV_LIKELY(stays && right)) {
             index = behind;
@@ -212,6 +211,7 @@ bool BindingSignal::leave(ZBinding& binding, uint seen) {
             seen = load(binding.active);
         } else if (seen & ZBinding::Gone) {
             ZObject* owed = nullptr;
+            frame.running = nullptr;
             {
                 ZMethodBindings& table = *bindingTable();
                 DroppedBinding dropped;
