@@ -370,7 +370,7 @@ public:
                        const ZSelector& qualifier = {}, const ZSelector& targetQualifier = {});
     virtual bool xunbind(ZObject* target, const ZSelector& name, const ZSelector& targetName,
                          const ZSelector& qualifier = {}, const ZSelector& targetQualifier = {});
-    /// With fixed arguments, put in at `position`, which counts from 1.
+    /// With fixed arguments, put in behind `position` of the source's.
     virtual int bindArg(ZObject* target, const ZSelector& name, const ZSelector& targetName,
                         const ZArrayT<ZVariant>& arguments, int position);
     /// To the object that is published under the name of a service: -1 if there is none.
