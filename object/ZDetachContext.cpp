@@ -2,6 +2,9 @@
 
 #include "object/ZMetaType.h"
 #include "object/ztype.h"
+#include "value/ZContentMap.h"
+#include "value/ZTypeArray.h"
+#include "value/ZTypeNameMap.h"
 #include "value/ZVArray.h"
 #include "value/ZVHashSet.h"
 #include "value/ZVKeyMap.h"
@@ -109,6 +112,18 @@ bool ZDetachContext::detachSelectMap(ZVSelectMap& map) {
 bool ZDetachContext::detachKeyMap(ZVKeyMap& map) {
     return within([&] { return map.deepDetach(this); });
 }
+bool ZDetachContext::detachArray(ZTypeArray& values) {
+    return within([&] { return values.deepDetach(this); });
+}
+bool ZDetachContext::detachNamedTypeArray(ZNamedTypeArray& values) {
+    return within([&] { return values.deepDetach(this); });
+}
+bool ZDetachContext::detachContentMap(ZContentMap& map) {
+    return within([&] { return map.deepDetach(this); });
+}
+bool ZDetachContext::detachTypeNameMap(ZTypeNameMap& map) {
+    return within([&] { return map.deepDetach(this); });
+}
 bool ZDetachContext::detachArray(ZArrayT<ZVariant>& values) {
     return within([&] {
         for (uint i = 0; i < values.count(); ++i) {
@@ -132,6 +147,12 @@ bool ZDetachContext::detachValue(ZVArray& values) { return alone<ZVArray>(values
 bool ZDetachContext::detachValue(ZVHashSet& values) { return alone(values, &ZDetachContext::detachHashSet); }
 bool ZDetachContext::detachValue(ZVSelectMap& map) { return alone(map, &ZDetachContext::detachSelectMap); }
 bool ZDetachContext::detachValue(ZVKeyMap& map) { return alone(map, &ZDetachContext::detachKeyMap); }
+bool ZDetachContext::detachValue(ZTypeArray& values) { return alone<ZTypeArray>(values, &ZDetachContext::detachArray); }
+bool ZDetachContext::detachValue(ZNamedTypeArray& values) {
+    return alone(values, &ZDetachContext::detachNamedTypeArray);
+}
+bool ZDetachContext::detachValue(ZContentMap& map) { return alone(map, &ZDetachContext::detachContentMap); }
+bool ZDetachContext::detachValue(ZTypeNameMap& map) { return alone(map, &ZDetachContext::detachTypeNameMap); }
 
 void ZDetachContext::setDocumentState(ZObject* object) {
     ZObject* old = document;

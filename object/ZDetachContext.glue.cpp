@@ -1,6 +1,9 @@
 #include "object/ZDetachContext.h"
 
 #include "object/glue.h"
+#include "value/ZContentMap.h"
+#include "value/ZTypeArray.h"
+#include "value/ZTypeNameMap.h"
 #include "value/ZVArray.h"
 #include "value/ZVHashSet.h"
 #include "value/ZVKeyMap.h"
@@ -25,6 +28,10 @@ template <> struct Table<ZDetachContext> : Declares<ZDetachContext> {
         ORV_METHOD(bool, detachHashSet, (ZVHashSet&), ),
         ORV_METHOD(bool, detachSelectMap, (ZVSelectMap&), ),
         ORV_METHOD(bool, detachKeyMap, (ZVKeyMap&), ),
+        ORV_METHOD(bool, detachArray, (ZTypeArray&), ),
+        ORV_METHOD(bool, detachNamedTypeArray, (ZNamedTypeArray&), ),
+        ORV_METHOD(bool, detachContentMap, (ZContentMap&), ),
+        ORV_METHOD(bool, detachTypeNameMap, (ZTypeNameMap&), ),
         ORV_STATIC(bool, detachValue, (ZVariant&)),
         ORV_STATIC(bool, detachValue, (ZVArray&)),
         ORV_STATIC(bool, detachValue, (ZVHashSet&)),

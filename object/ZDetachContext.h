@@ -38,6 +38,10 @@ public:
     bool detachSelectMap(ZVSelectMap& map);
     bool detachKeyMap(ZVKeyMap& map);
     bool detachArray(ZArrayT<ZVariant>& values);
+    bool detachArray(ZTypeArray& values);
+    bool detachNamedTypeArray(ZNamedTypeArray& values);
+    bool detachContentMap(ZContentMap& map);
+    bool detachTypeNameMap(ZTypeNameMap& map);
     /// The instance that is held; the holder's reference goes over to what replaces it.
     bool detachHeld(ZType*& instance);
     /// The same as those above, in a detach of its own.
@@ -47,6 +51,10 @@ public:
     static bool detachValue(ZVHashSet& values);
     static bool detachValue(ZVSelectMap& map);
     static bool detachValue(ZVKeyMap& map);
+    static bool detachValue(ZTypeArray& values);
+    static bool detachValue(ZNamedTypeArray& values);
+    static bool detachValue(ZContentMap& map);
+    static bool detachValue(ZTypeNameMap& map);
 
     /// The object whose document the copies go to; retained.
     ZObject* documentState() const { return document; }

@@ -102,8 +102,8 @@ ZVariant Catalogue::maintainer(std::string_view text) const {
     if (!made) return {};
     *static_cast<ZString*>(maintainerType->field(made, "name")) = stringOf(name);
     *static_cast<ZString*>(maintainerType->field(made, "address")) = stringOf(address);
-    ZVariant value;
-    value.setValue(maintainerType, made, false, false); // takes it over
+    ZVariant value(maintainerType, made);
+    maintainerType->deleteInstance(made);
     return value;
 }
 
