@@ -5,6 +5,7 @@
 #include "object/ZMetaType.h"
 #include "object/ZProperty.h"
 #include "object/glue.h"
+#include "text/ZRegExp.h"
 
 namespace orv::glue {
 
@@ -17,12 +18,14 @@ template <> struct Table<ZBinding> : Declares<ZBinding> {
                    (ZObject*, ZObject*, const ZSelector&, const ZSelector&, const ZSelector&, const ZSelector&, bool)),
         ORV_STATIC(int, bindtype, (ZObject*, ZObject*, ZMetaType*, ZMetaType*, const ZSelector&, const ZSelector&)),
         ORV_STATIC(int, bind, (ZObject*, ZObject*, ZMetaType*, ZMetaType*, ZMethod*, ZMethod*), "unsafe"),
+        ORV_STATIC(int, bind, (ZObject*, ZObject*, const ZRegExp&, const ZRegExp&)),
         ORV_STATIC(bool, autobind, (ZObject*, ZObject*, bool)),
         ORV_STATIC(bool, unbind,
                    (ZObject*, ZObject*, const ZSelector&, const ZSelector&, const ZSelector&, const ZSelector&)),
         ORV_STATIC(bool, unbind, (ZObject*, ZObject*, ZMetaType*, ZMetaType*, ZMethod*, ZMethod*), "unsafe"),
         ORV_STATIC(bool, unbindmethod,
                    (ZObject*, ZObject*, const ZSelector&, const ZSelector&, const ZSelector&, const ZSelector&)),
+        ORV_STATIC(bool, unbind, (ZObject*, ZObject*, const ZRegExp&, const ZRegExp&)),
         ORV_STATIC(bool, unbindprop, (ZObject*, ZObject*, const ZSelector&, const ZSelector&)),
         ORV_STATIC(bool, unbindtype, (ZObject*, ZObject*, ZMetaType*, ZMetaType*, const ZSelector&, const ZSelector&)),
         ORV_STATIC(bool, unbindsrc, (ZObject*, const ZSelector&, const ZSelector&)),

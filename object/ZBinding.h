@@ -73,6 +73,9 @@ public:
     static int bind(ZObject* src, ZObject* dst, const ZSelector& srcName, const ZSelector& dstName,
                     const ZSelector& srcQualifier = {}, const ZSelector& dstQualifier = {});
     static int bind(ZObject* src, ZObject* dst, const char* srcName, const char* dstName);
+    /// Each method of `src` whose plain name one pattern matches as a whole to each of `dst` that the other one does,
+    /// where their parameters match; the last place is answered. Nothing is made for them.
+    static int bind(ZObject* src, ZObject* dst, const ZRegExp& srcNames, const ZRegExp& dstNames);
     /// As methods only.
     static int bindmethod(ZObject* src, ZObject* dst, const ZSelector& srcName, const ZSelector& dstName,
                           const ZSelector& srcQualifier, const ZSelector& dstQualifier, bool quiet);
@@ -101,6 +104,7 @@ public:
     static bool unbind(ZObject* src, ZObject* dst, const ZSelector& srcName, const ZSelector& dstName,
                        const ZSelector& srcQualifier = {}, const ZSelector& dstQualifier = {});
     static bool unbind(ZObject* src, ZObject* dst, const char* srcName, const char* dstName);
+    static bool unbind(ZObject* src, ZObject* dst, const ZRegExp& srcNames, const ZRegExp& dstNames);
     static bool unbind(ZObject* src, ZObject* dst, ZMetaType* srcType, ZMetaType* dstType, ZMethod* srcMethod,
                        ZMethod* dstMethod);
     static bool unbindmethod(ZObject* src, ZObject* dst, const ZSelector& srcName, const ZSelector& dstName,

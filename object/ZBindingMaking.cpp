@@ -128,6 +128,16 @@ bool autoBindMethods(ZObject* object, ZArrayT<ZMethodRef>& all) {
         if (!take(entry.get())) return false;
     return eachTypeMethod(object->type(), take);
 }
+bool methodNames(ZObject* object, ZHashSetT<ZSelector>& names) {
+    toolkit::EpochGuard guard;
+    auto take = [&](const ZMethod* method) {
+        return method->isConstructor() || method->isDestructor() || names.add(method->methodName());
+    };
+    const ZObject::MethodTable own = object->getMethods();
+    for (const ZMethodPtr& entry : own)
+        if (!take(entry.get())) return false;
+    return eachTypeMethod(object->type(), take);
+}
 
 } // namespace orv
 

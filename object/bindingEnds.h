@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/ZHashSetT.h"
 #include "object/ZMethodRef.h"
 #include "object/ZProperty.h"
 #include "object/bindingTables.h"
@@ -55,5 +56,7 @@ inline BindingRequest requestFor(const BindingMethod& source, const BindingMetho
 bool overloads(ZObject* object, ZMetaType* type, const ZSelector& name, const ZSelector& qualifier,
                ZArrayT<ZMethodRef>& all);
 bool autoBindMethods(ZObject* object, ZArrayT<ZMethodRef>& all);
+/// The plain names of all methods that one calls on the object, each once. False without memory.
+bool methodNames(ZObject* object, ZHashSetT<ZSelector>& names);
 
 } // namespace orv

@@ -3,6 +3,7 @@
 #include "object/ZPropertyRef.h"
 #include "tests/object/bindingTypes.h"
 #include "tests/support/CaptureDebug.h"
+#include "text/ZRegExp.h"
 #include "value/ZVSelectMap.h"
 
 #include <functional>
@@ -231,6 +232,14 @@ TEST_F(BindingTest, NamesStandForOverloadsAndForWhatIsMissing) {
     const ZVariant three(3);
     EXPECT_TRUE(ZBinding::callArgs(a.get(), a->method(nullptr, "void later(int)", {}), &three, 1));
     EXPECT_EQ(Bell::takeLog(), "b.hear 3 ");
+    // Patterns match whole names of methods, whatever else the object has.
+    const ZRegExp strucks("struc."), hears("he.r"), part("hea");
+    EXPECT_LT(ZBinding::bind(a.get(), b.get(), strucks, part), 0);
+    EXPECT_GE(ZBinding::bind(a.get(), b.get(), strucks, hears), 0);
+    EXPECT_EQ(strike(a.get()), "b.hear 0 b.text 0 ");
+    EXPECT_TRUE(ZBinding::unbind(a.get(), b.get(), strucks, hears));
+    EXPECT_FALSE(ZBinding::unbind(a.get(), b.get(), strucks, hears));
+    EXPECT_EQ(strike(a.get()), "");
     // Text forms, paths, labels, names.
     b->setParent(a.get());
     EXPECT_GE(ZBinding::bind(a.get(), a.get(), "void struck()", "b.ring"), 0);
