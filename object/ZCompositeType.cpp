@@ -12,7 +12,6 @@ using orv::CompositeMember;
 
 namespace {
 
-const __ZPassMetaType* tagOf(const __ZPassMetaType* tag) { return tag ? tag : orv::passType(ztype<ZCompositeType>()); }
 void freeLayout(toolkit::EpochLink* link) { zrelease(static_cast<CompositeLayout*>(link)); }
 
 /// The metatype that a map's value is; null for anything else.
@@ -27,11 +26,11 @@ ZMetaType* metaTypeIn(const ZVariant& value) {
 
 ZCompositeType::ZCompositeType(ZPackage* package, const ZSelector& name, const __ZPassMetaType* type,
                                ZInternal* internal)
-    : SyntheticType(package, name, Composite, tagOf(type), internal) {
+    : SyntheticType(package, name, Composite, orv::tagFor<ZCompositeType>(type), internal) {
     if (own) setAlignment(1);
 }
 ZCompositeType::ZCompositeType(const ZCompositeType* source, const __ZPassMetaType* type, ZInternal* internal)
-    : SyntheticType(source, tagOf(type), internal) {
+    : SyntheticType(source, orv::tagFor<ZCompositeType>(type), internal) {
     toolkit::EpochGuard guard;
     const CompositeLayout* theirs = source->layout();
     Members members;

@@ -6,10 +6,6 @@
 
 namespace {
 
-const __ZPassMetaType* tagOf(const __ZPassMetaType* tag) {
-    return tag ? tag : orv::passType(ztype<ZNamedTypeArrayType>());
-}
-
 /// A copy: it stays whole while it is asked.
 ZNamedTypeArray arrayAt(const void* instance) {
     return instance ? *static_cast<const ZNamedTypeArray*>(instance) : ZNamedTypeArray();
@@ -20,12 +16,12 @@ ZNamedTypeArray arrayAt(const void* instance) {
 ZNamedTypeArrayType::ZNamedTypeArrayType(ZPackage* package, const ZSelector& name, Type kind,
                                          const ZArrayT<ZSelector>& bases, const __ZPassMetaType* type,
                                          ZInternal* internal)
-    : SyntheticType(package, name, kind, bases, tagOf(type), internal) {}
+    : SyntheticType(package, name, kind, bases, orv::tagFor<ZNamedTypeArrayType>(type), internal) {}
 ZNamedTypeArrayType::ZNamedTypeArrayType(const ZNamedTypeArrayType* source, const __ZPassMetaType* type,
                                          ZInternal* internal)
-    : SyntheticType(source, tagOf(type), internal) {}
+    : SyntheticType(source, orv::tagFor<ZNamedTypeArrayType>(type), internal) {}
 ZNamedTypeArrayType::ZNamedTypeArrayType(const __ZPassMetaType* type, ZInternal* internal)
-    : SyntheticType(nullptr, ZSelector(), Structure, tagOf(type), internal) {}
+    : SyntheticType(nullptr, ZSelector(), Structure, orv::tagFor<ZNamedTypeArrayType>(type), internal) {}
 
 ZType* ZNamedTypeArrayType::copy() const { return zmake<ZNamedTypeArrayType>(this, orv::passType(type())); }
 ZMetaType* ZNamedTypeArrayType::makeVariant(const ZSelector& name) {

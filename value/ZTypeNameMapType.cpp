@@ -4,17 +4,13 @@
 #include "object/ztype.h"
 #include "value/ZTypeNameMap.h"
 
-static const __ZPassMetaType* tagOf(const __ZPassMetaType* tag) {
-    return tag ? tag : orv::passType(ztype<ZTypeNameMapType>());
-}
-
 ZTypeNameMapType::ZTypeNameMapType(ZPackage* package, const ZSelector& name, Type kind, const ZArrayT<ZSelector>& bases,
                                    const __ZPassMetaType* type, ZInternal* internal)
-    : ZVSelectMapType(package, name, kind, bases, tagOf(type), internal) {}
+    : ZVSelectMapType(package, name, kind, bases, orv::tagFor<ZTypeNameMapType>(type), internal) {}
 ZTypeNameMapType::ZTypeNameMapType(const ZTypeNameMapType* source, const __ZPassMetaType* type, ZInternal* internal)
-    : ZVSelectMapType(source, tagOf(type), internal) {}
+    : ZVSelectMapType(source, orv::tagFor<ZTypeNameMapType>(type), internal) {}
 ZTypeNameMapType::ZTypeNameMapType(const __ZPassMetaType* type, ZInternal* internal)
-    : ZVSelectMapType(tagOf(type), internal) {}
+    : ZVSelectMapType(orv::tagFor<ZTypeNameMapType>(type), internal) {}
 
 ZType* ZTypeNameMapType::copy() const { return zmake<ZTypeNameMapType>(this, orv::passType(type())); }
 ZMetaType* ZTypeNameMapType::makeVariant(const ZSelector& name) {

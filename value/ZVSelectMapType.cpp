@@ -7,8 +7,6 @@
 
 namespace {
 
-const __ZPassMetaType* tagOf(const __ZPassMetaType* tag) { return tag ? tag : orv::passType(ztype<ZVSelectMapType>()); }
-
 const ZVSelectMap& mapAt(const void* instance) {
     static constinit const ZVSelectMap none;
     return instance ? *static_cast<const ZVSelectMap*>(instance) : none;
@@ -18,11 +16,11 @@ const ZVSelectMap& mapAt(const void* instance) {
 
 ZVSelectMapType::ZVSelectMapType(ZPackage* package, const ZSelector& name, Type kind, const ZArrayT<ZSelector>& bases,
                                  const __ZPassMetaType* type, ZInternal* internal)
-    : SyntheticType(package, name, kind, bases, tagOf(type), internal) {}
+    : SyntheticType(package, name, kind, bases, orv::tagFor<ZVSelectMapType>(type), internal) {}
 ZVSelectMapType::ZVSelectMapType(const ZVSelectMapType* source, const __ZPassMetaType* type, ZInternal* internal)
-    : SyntheticType(source, tagOf(type), internal) {}
+    : SyntheticType(source, orv::tagFor<ZVSelectMapType>(type), internal) {}
 ZVSelectMapType::ZVSelectMapType(const __ZPassMetaType* type, ZInternal* internal)
-    : SyntheticType(nullptr, ZSelector(), Structure, tagOf(type), internal) {}
+    : SyntheticType(nullptr, ZSelector(), Structure, orv::tagFor<ZVSelectMapType>(type), internal) {}
 
 ZType* ZVSelectMapType::copy() const { return zmake<ZVSelectMapType>(this, orv::passType(type())); }
 ZMetaType* ZVSelectMapType::makeVariant(const ZSelector& name) {
