@@ -60,6 +60,7 @@ install: deps ## installs the library, its headers, orv and the CMake and pkg-co
 	@$(call CONFIGURE,release)
 	$(call BUILD,release) --target orvcore orv
 	cmake --install build/release
+	@[ -n "$$DESTDIR" ] || [ $$(id -u) -ne 0 ] || ldconfig
 
 check: ## clang-tidy over the library
 	@$(call CONFIGURE,fuzz)

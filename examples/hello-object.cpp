@@ -37,7 +37,7 @@ int main() {
     cover->setProperty("width", cover->getProperty("width").toInt() * 2);
     print(*cover);
 
-    // Types follow the value asked for; what can't be converted is refused, and nothing changes.
+    // A value is given as the type that is asked for. A property that isn't there is refused, and nothing changes.
     std::printf("as text: \"%s\"\n", cover->getProperty("width").toSelector().string());
     std::printf("a property that isn't there: %s\n", cover->setProperty("depth", 3) ? "set" : "refused");
 

@@ -192,11 +192,17 @@ void closeModule() {
 }
 
 bool registerPackages(const ZString& name, glue::List<PackageRow> packages, const ModuleNames& names) {
-    if (!openCount || ZModule::findModule(name) || !enterModule(name, packages, names)) return false;
+    if (!openCount || ZModule::findModule(name)) return false;
+    for (const PackageRow& row : packages)
+        if (ZPackage* known = ZPackage::retainPackage(ZSelector(row.name))) {
+            known->release();
+            return false;
+        }
+    if (!enterModule(name, packages, names)) return false;
     bool done = true;
     for (const PackageRow& row : packages) {
         ZPackage* package = loadPackage(ZSelector(row.name));
-        done &= package != nullptr;
+        done &= package && int(package->getTypes().count()) >= row.types.count;
         if (package) package->release();
     }
     finishTypes();

@@ -34,8 +34,9 @@ ORV_API glue::List<PackageRow> corePackages();
 ///
 /// `module` becomes the name of the `ZModule` that the packages know; `names` are the constants of the caller's code,
 /// which are linked first: `zsel` and `ztype` work there from now on. Rows and names stay where they are until the
-/// library has stopped, which ends the packages and lets go of the names. False if there is a module of that name, the
-/// library isn't started, or there was no memory for all: packages that were opened stay. One thread at a time.
+/// library has stopped, which ends the packages and lets go of the names. False if there is a module, or a package,
+/// of such a name, the library isn't started, or there was no memory for all types: packages that were opened stay
+/// then. What `uses` names and isn't there is passed over, and the debug log tells. One thread at a time.
 ORV_API bool registerPackages(const ZString& module, glue::List<PackageRow> packages,
                               const ModuleNames& names = moduleNames());
 

@@ -58,8 +58,8 @@ public:
     void clear();
 
     // Matching. With `partial`, a text that ends inside a possible match, behind its first character, counts to its
-    // end. What takes longer than the
-    // time limit, or needs too much memory, is given up: there is no match then, and `gaveUp` tells.
+    // end. What takes longer than the time limit, or needs too much memory, is given up: there is no match then, and
+    // `gaveUp` tells.
 
     /// Whether the whole text matches.
     bool match(const ZString& text, bool partial = false) const;

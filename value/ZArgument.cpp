@@ -146,9 +146,9 @@ bool ZArgument::setPointer(int index, const void* pointer, Holding holds) {
     holding(index) = holds;
     return true;
 }
-bool ZArgument::setText(int index, const ZString& value) {
+bool ZArgument::setText(int index, const ZString& value, Lifetime lifetime) {
     const auto view = value.view();
-    if (!owned && value.length() && view.width == textType && !value.isInternal())
+    if (!owned && lifetime == Lasting && value.length() && view.width == textType && !value.isInternal())
         return setPointer(index, view.text, Nothing);
     if (void* text = value.str(textType)) return setPointer(index, text, Text);
     // Text that is empty is no null text.
@@ -161,7 +161,7 @@ bool ZArgument::set(int index, large value) {
     const ZMetaType* type = types[uint(index)];
     if (isText(type)) {
         ZString text;
-        return text.setLarge(value) && setText(index, text);
+        return text.setLarge(value) && setText(index, text, Passing);
     }
     if (!isNumber(type)) return false;
     if (isReal(type)) return set(index, real(value));
@@ -178,38 +178,37 @@ bool ZArgument::set(int index, real value) {
     const ZMetaType* type = types[uint(index)];
     if (isText(type)) {
         ZString text;
-        return text.setReal(value) && setText(index, text);
+        return text.setReal(value) && setText(index, text, Passing);
     }
-    if (!isReal(type)) return isNumber(type) && set(index, realToInteger<large>(value));
+    if (!isReal(type)) return isNumber(type) && set(index, ZVariant(value));
     std::memcpy(placeOf(index), &value, sizeof value);
     return true;
 }
 bool ZArgument::set(int index, const ZString& value) {
     if (!hasPlace(index)) return false;
     const ZMetaType* type = types[uint(index)];
-    if (isText(type)) return setText(index, value);
+    if (isText(type)) return setText(index, value, Lasting);
     if (!isNumber(type)) return false;
     if (isReal(type)) {
         real number = 0;
         return value.toReal(number) && set(index, number);
     }
-    large number = 0;
-    return value.toLarge(number) && set(index, number);
+    return set(index, ZVariant(value));
 }
-bool ZArgument::set(int index, const ZSelector& value) { return set(index, ZString(value)); }
+bool ZArgument::set(int index, const ZSelector& value) {
+    const ZString text(value);
+    return hasPlace(index) && isText(types[uint(index)]) ? setText(index, text, Passing) : set(index, text);
+}
 
 bool ZArgument::set(int index, const ZVariant& value) {
     if (!hasPlace(index)) return false;
     ZMetaType* type = types[uint(index)];
     if (isText(type)) {
         if (value.type() && value.type()->kind() == ZMetaType::String)
-            return setText(index, *static_cast<const ZString*>(value.getPtr()));
+            return setText(index, *static_cast<const ZString*>(value.getPtr()), Lasting);
         ZString text;
         if (!text.setVariant(value) || (text.isEmpty() && !value.isNullData() && isText(value.type()))) return false;
-        const bool kept = std::exchange(owned, true);
-        const bool done = setText(index, text);
-        owned = kept;
-        return done;
+        return setText(index, text, Passing);
     }
     if (isReal(type)) {
         real number = 0;

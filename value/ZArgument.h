@@ -111,7 +111,9 @@ private:
     byte& holding(int index) const { return reinterpret_cast<byte*>(offsets + count())[index - 1]; }
     void drop(int index);
     void dropValues();
-    bool setText(int index, const ZString& value);
+    /// Whether the text outlives this or has to be kept.
+    enum Lifetime : bool { Lasting, Passing };
+    bool setText(int index, const ZString& value, Lifetime lifetime);
     bool setPointer(int index, const void* pointer, Holding holds);
 
     ZArrayT<ZMetaType*> types;

@@ -13,6 +13,7 @@ namespace {
 constexpr const orv::glue::ClassRow* types[] = {orv::glue::rowOf<Gauge>(), orv::glue::rowOf<Reading>()};
 constexpr const char* uses[] = {"orv.core.object"};
 constexpr orv::PackageRow packages[] = {{"plant.gauges", ZPackage::Public, types, uses}};
+constexpr orv::PackageRow taken[] = {{"orv.core.object", ZPackage::Public, types, uses}};
 
 bool run() {
     auto boiler = ZRetainPtrT<ZObject>::adopt(ZObject::create("Gauge"));
@@ -35,7 +36,8 @@ int main() {
     // Each start knows the types anew.
     for (int start = 0; start < 2; ++start) {
         ZCoreLib library("plant", false, false, true);
-        good &= orv::registerPackages("plant", packages) && !orv::registerPackages("plant", packages);
+        good &= !orv::registerPackages("other", taken) && orv::registerPackages("plant", packages) &&
+                !orv::registerPackages("plant", packages);
         good &= run();
     }
     return good ? 0 : 1;

@@ -22,6 +22,6 @@ check "$place/build/plant"
 
 export PKG_CONFIG_PATH=$(dirname "$(find "$place/prefix" -name orvcore.pc)")
 # shellcheck disable=SC2046
-"$compiler" -Wall -Wextra -Werror $(pkg-config --define-prefix --cflags orvcore) "$source"/*.cpp -o "$place/plant" \
-    $(pkg-config --define-prefix --libs orvcore)
-LD_LIBRARY_PATH=$(pkg-config --define-prefix --variable=libdir orvcore) check "$place/plant"
+"$compiler" -Wall -Wextra -Werror $(pkg-config --cflags orvcore) "$source"/*.cpp -o "$place/plant" \
+    $(pkg-config --libs orvcore)
+LD_LIBRARY_PATH=$(pkg-config --variable=libdir orvcore) check "$place/plant"

@@ -32,6 +32,11 @@ TEST(Command, ExitStatusAndWhereThingsGo) {
         {"--version", 0, "v1.3.004", ""},
         {"", 2, "", "subcommand"},
         {"word", 2, "", "unknown command \"word\""},
+        {"packages --help", 0, "--where", ""},
+        {"packages --where 'Package ='", 2, "", "--where, column 10"},
+        {"packages --show bash --where 'Package = x'", 2, "", "excludes"},
+        {"packages --section none-such", 1, "", "no section"},
+        {"packages none-such", 1, "all", "none-such: No such file"},
         {"words", 2, "", "folder"},
         {"words --top 0 " + folder.path("texts"), 2, "", "--top"},
         {"words --sort size " + folder.path("texts"), 2, "", "--sort"},
@@ -76,7 +81,10 @@ TEST(Command, TypesAsJsonAreJson) {
 TEST(Command, AFullDiskIsAFailure) {
     TempFolder folder;
     folder.file("texts/a.txt", "one");
-    int status =
-        std::system((std::string(ORV_PROGRAM) + " words " + folder.path("texts") + " >/dev/full 2>/dev/null").c_str());
-    EXPECT_EQ(WEXITSTATUS(status), 1);
+    for (const std::string& arguments :
+         {"words " + folder.path("texts"), std::string("packages"), std::string("types ZObject")}) {
+        const int status =
+            std::system((std::string(ORV_PROGRAM) + " " + arguments + " >/dev/full 2>/dev/null").c_str());
+        EXPECT_EQ(WEXITSTATUS(status), 1) << arguments;
+    }
 }

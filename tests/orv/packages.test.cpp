@@ -84,10 +84,17 @@ TEST_F(Packages, AreChosenByConditions) {
     for (auto& row : rows) EXPECT_EQ(where(row.condition), row.names) << row.condition;
     options.section = "libs";
     EXPECT_EQ(where("Installed-Size < 50"), "liby ");
-    for (const char* wrong : {"Priority = best", "Version = 1_0", "Installed-Size = many", "Colour = red"}) {
+    for (const char* wrong :
+         {"Priority = best", "Priority = 99", "Version = 1_0", "Installed-Size = many", "Colour = red"}) {
         options.where = wrong;
         EXPECT_NE(run().find("--where, column "), std::string::npos) << wrong;
     }
+    options.where = "";
+    options.section = "";
+    options.match = "^lib[xy]";
+    EXPECT_NE(run().find("2 packages, 120 KiB"), std::string::npos);
+    options.match = "\xC3\xA4[";
+    EXPECT_NE(run().find("--match, column 3"), std::string::npos) << run();
 }
 
 TEST_F(Packages, OneIsShownByNameOrKey) {
@@ -113,11 +120,26 @@ TEST_F(Packages, AChangeTravelsToTheTotals) {
                      "  libs.total: 21 -> 27\n"
                      "  all.total: 61 -> 67\n"
                      "  a twin that is bound both ways: 1 -> 7, after 2 settings\n");
-    for (const char* wrong : {"libx1.2", "libx1.2.Installed-Size=x", "libx1.2.Colour=1", "none.Installed-Size=1",
-                              "tool-doc.Installed-Size=1"}) {
+    options.set = {"libx1.2.Maintainer.name=Lee, Ann"};
+    EXPECT_NE(run().find("Maintainer.name: Ann Lee -> Lee, Ann\n"), std::string::npos) << run();
+    options.set = {"libx1.2.Maintainer=Lee <lee@y.org>"};
+    EXPECT_NE(run().find(" -> Lee <lee@y.org>\n"), std::string::npos);
+    for (const char* wrong :
+         {"libx1.2", "libx1.2.Installed-Size=x", "libx1.2.Installed-Size=-1", "tool.Priority=7", "tool.Section=libs",
+          "libx1.2.Colour=1", "none.Installed-Size=1", "tool-doc.Installed-Size=1"}) {
         options.set = {wrong};
         EXPECT_NE(run().find("exit 1"), std::string::npos) << wrong;
     }
+}
+
+TEST_F(Packages, SizesAddUpToTheLargestNumberAtMost) {
+    const std::string most = "9223372036854775807";
+    options.files = {folder.file("large", "Package: a\nVersion: 1\nInstalled-Size: " + most +
+                                              "\n\nPackage: b\nVersion: 1\nInstalled-Size: " + most +
+                                              "\n\nPackage: c\nVersion: 1\nInstalled-size: -5\n")};
+    const std::string said = run();
+    EXPECT_NE(said.find("3 " + most), std::string::npos) << said;
+    EXPECT_NE(said.find("Installed-size is left out: \"-5\""), std::string::npos) << said;
 }
 
 TEST_F(Packages, DamageIsToldByLineAndTheRestIsShown) {

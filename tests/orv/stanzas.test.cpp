@@ -45,12 +45,16 @@ TEST(Stanzas, WhatIsReadAndWhatIsToldOf) {
         {"A: 1\n more\n\tstill\nB:\n .\n", "1:A=1\n more\n\tstill;B=\n .;|"},
         {"# remark\nA: 1\n# between\n go on\n\n# alone\n\nB: 2\n", "1:A=1\n go on;|8:B=2;|"},
         {"A: gr\xC3\xBCn: x\n", "1:A=gr\xC3\xBCn: x;|"},
+        {"\xEF\xBB\xBF"
+         "A: 1\n",
+         "1:A=1;|"},
         // Damage ends the stanza and nothing else.
         {"A: 1\n\nno field\nB: 2\n\nC: 3\n", "1:A=1;|!3 6:C=3;|"},
         {"A: 1\nB\n\nC: 3\n", "!2 4:C=3;|"},
         {" starts\nA: 1\n\nC: 3\n", "!1 4:C=3;|"},
         {": nameless\n\nA b: 1\n\nC: 3\n", "!1 !3 5:C=3;|"},
         {"A: 1\nB: 2\na: 3\n\nC: 3\n", "!3 5:C=3;|"},
+        {"A: x\xC2\x9Bm\n\nC: 3\n", "!1 3:C=3;|"},
         {"A: \x01\nB: \x02\n\nA: \xFF\n\nC: 3\n", "!1 !4 6:C=3;|"},
         {std::string("A: 0\0\n\nC: 3\n", 12), "!1 3:C=3;|"},
         {"A: 1\n\nB: 2\nC: cu", "1:A=1;|!4 "},

@@ -57,6 +57,14 @@ TEST_F(ZArgumentTest, TakesArrays) {
         ZArgumentList walk = words.getArgs(2);
         EXPECT_EQ(ZString(static_cast<const wchar*>(walk.text().units)), ZString("right"));
     }
+    // What is made of a number or name is kept all the same.
+    ZArgument texts(ZVArray("number real name long"), ZString::Char, false);
+    EXPECT_TRUE(texts.set(1, large(1234567890123456789)) && texts.set(2, 0.123456789012345) &&
+                texts.set(3, ZSelector("a name that is long enough")));
+    ZArgumentList made = texts.getArgs();
+    EXPECT_STREQ(static_cast<const char*>(made.text().units), "1234567890123456789");
+    EXPECT_EQ(static_cast<const char*>(made.text().units)[0], '0');
+    EXPECT_STREQ(static_cast<const char*>(made.text().units), "a name that is long enough");
     const byte small[] = {1, 2, 3};
     ZArgument list(ZVArray(ztype<byte>(), small, 3), ZString::Char, false);
     EXPECT_EQ(list.size(), 16u);

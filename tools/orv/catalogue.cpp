@@ -53,6 +53,7 @@ bool Catalogue::makeTypes() {
     auto priority = ZRetainPtrT<ZEnumType>::adopt(zmake<ZEnumType>(package, ZSelector("Priority")));
     auto maintainer = ZRetainPtrT<ZCompositeType>::adopt(zmake<ZCompositeType>(package, ZSelector("Maintainer")));
     if (!priority || !maintainer) return false;
+    priority->data().setExclusive(true);
     int value = 1;
     for (const char* name : {"required", "important", "standard", "optional", "extra"})
         if (!priority->add(ZSelector(name), value++)) return false;
@@ -71,6 +72,12 @@ bool Catalogue::makeTypes() {
 
 std::string Catalogue::keyOf(const std::string& name, const std::string& architecture, const std::string& version) {
     return name + ":" + architecture + "=" + version;
+}
+
+size_t Catalogue::FieldHash::operator()(std::string_view name) const {
+    size_t hash = 14695981039346656037u; // FNV-1a
+    for (char c : name) hash = (hash ^ size_t(c >= 'A' && c <= 'Z' ? c + 32 : c)) * 1099511628211u;
+    return hash;
 }
 
 Catalogue::FieldKind& Catalogue::fieldKind(std::string_view name) {
@@ -107,24 +114,22 @@ ZVariant Catalogue::maintainer(std::string_view text) const {
     return value;
 }
 
-bool Catalogue::setField(ZObject& object, const FieldKind& field, std::string_view value, bool& understood) {
-    ZVariant held;
-    if (field.type == ztype<ZString>()) {
-        held = stringOf(value);
-    } else if (field.type == maintainerType) {
-        held = maintainer(value);
-    } else {
-        held = readLiteral(field.type, std::string(value));
-        understood = !held.isNull();
-        if (!understood) return true;
-    }
-    return object.setDynamicProperty(field.name, held, true);
+ZVariant Catalogue::readAs(ZMetaType* type, std::string_view text) const {
+    if (type == ztype<ZString>()) return stringOf(text);
+    if (type == maintainerType) return maintainer(text);
+    ZVariant value = readLiteral(type, std::string(text));
+    return type == ztype<large>() && value.toLarge() < 0 ? ZVariant() : value;
+}
+ZVariant Catalogue::read(const std::string& field, std::string_view text) const {
+    ZMetaType* type = fieldType(field);
+    return type ? readAs(type, text) : ZVariant();
 }
 
 bool Catalogue::add(const std::vector<StanzaReader::Field>& stanza, size_t line,
                     const std::function<void(const Damage&)>& tell) {
     auto value = [&](std::string_view wanted) {
-        auto found = std::find_if(stanza.begin(), stanza.end(), [&](auto& field) { return field.name == wanted; });
+        auto found =
+            std::find_if(stanza.begin(), stanza.end(), [&](auto& field) { return sameField(field.name, wanted); });
         return found == stanza.end() ? std::string_view() : found->value;
     };
     const std::string_view name = value("Package"), version = value("Version"), section = value("Section");
@@ -143,9 +148,10 @@ bool Catalogue::add(const std::vector<StanzaReader::Field>& stanza, size_t line,
     if (!parent || !object) return false;
     object->setSelector(nameOf(name));
     for (const auto& field : stanza) {
-        bool understood = true;
-        if (!setField(*object, fieldKind(field.name), field.value, understood)) return false;
-        if (!understood)
+        const FieldKind& kind = fieldKind(field.name);
+        const ZVariant read = readAs(kind.type, field.value);
+        if (!read.isNull() && !object->setDynamicProperty(kind.name, read, true)) return false;
+        if (read.isNull())
             tell({line, key + ": " + std::string(field.name) + " is left out: \"" +
                             std::string(field.value.substr(0, 60)) + "\" can't be understood"});
     }

@@ -49,6 +49,8 @@ public:
     PackageSection* section(const std::string& name) const;
     static std::string keyOf(const std::string& name, const std::string& architecture, const std::string& version);
 
+    /// A value for a field from the text that stands for it; null if it stands for none. Sizes aren't negative.
+    ZVariant read(const std::string& field, std::string_view text) const;
     /// The type that a field has, or "Maintainer.name" and "Maintainer.address"; null for one that no package has.
     ZMetaType* fieldType(const std::string& name) const;
 
@@ -56,6 +58,15 @@ private:
     struct NameHash {
         using is_transparent = void;
         size_t operator()(std::string_view name) const { return std::hash<std::string_view>()(name); }
+    };
+    // Names of fields are the same in upper and lower case.
+    struct FieldHash {
+        using is_transparent = void;
+        size_t operator()(std::string_view name) const;
+    };
+    struct FieldEqual {
+        using is_transparent = void;
+        bool operator()(std::string_view a, std::string_view b) const { return sameField(a, b); }
     };
     struct FieldKind {
         ZSelector name;
@@ -66,7 +77,7 @@ private:
     FieldKind& fieldKind(std::string_view name);
     bool add(const std::vector<StanzaReader::Field>& fields, size_t line,
              const std::function<void(const Damage&)>& tell);
-    bool setField(ZObject& object, const FieldKind& field, std::string_view value, bool& understood);
+    ZVariant readAs(ZMetaType* type, std::string_view text) const;
     ZVariant maintainer(std::string_view text) const;
     PackageSection* sectionFor(std::string_view name);
 
@@ -76,7 +87,7 @@ private:
     ZRetainPtrT<PackageSection> root;
     ZVKeyMap packages;
     int firstOfFile = 0; ///< the first package of the file being read
-    std::unordered_map<std::string, FieldKind, NameHash, std::equal_to<>> fields;
+    std::unordered_map<std::string, FieldKind, FieldHash, FieldEqual> fields;
     std::unordered_map<std::string, PackageSection*, NameHash, std::equal_to<>> sections;
 };
 

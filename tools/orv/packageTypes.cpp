@@ -35,9 +35,13 @@ real PackageSection::meanSize() const {
 
 void PackageSection::resum() {
     large size = 0;
-    for (const ZObject* child = getFirst(nullptr, ZSelector()); child; child = child->getNext())
-        size += child->type() == ztype<PackageSection>() ? static_cast<const PackageSection*>(child)->sum
-                                                         : child->getProperty(zsel<"Installed-Size">()).toLarge();
+    for (const ZObject* child = getFirst(nullptr, ZSelector()); child; child = child->getNext()) {
+        const large more = child->type() == ztype<PackageSection>()
+                               ? static_cast<const PackageSection*>(child)->sum
+                               : child->getProperty(zsel<"Installed-Size">()).toLarge();
+        // Sizes are at least 0; what is beyond all numbers stays the largest.
+        if (__builtin_add_overflow(size, more, &size)) size = INT64_MAX;
+    }
     setTotal(size);
 }
 

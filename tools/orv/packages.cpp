@@ -83,7 +83,8 @@ private:
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
         const char* program = "/usr/lib/apt/apt-helper";
-        const char* arguments[] = {program, "cat-file", file.c_str(), nullptr};
+        const std::string path = file[0] == '-' ? "./" + file : file; // no option of that program
+        const char* arguments[] = {program, "cat-file", path.c_str(), nullptr};
         const int error = posix_spawn(&child, program, &actions, nullptr, const_cast<char**>(arguments), environ);
         posix_spawn_file_actions_destroy(&actions);
         close(ends[1]);
@@ -173,6 +174,7 @@ struct Run {
     Catalogue& catalogue;
     std::FILE *out, *log;
     bool failed = false;
+    bool misunderstood = false; ///< what was asked
 
     void complainOf(const std::string& message) {
         complain(command, message, log);
@@ -186,6 +188,7 @@ struct Run {
     void printOne(int index);
     void show();
     void set(const std::string& change);
+    void set(int index, const std::string& field, const std::string& text);
 };
 
 void Run::load() {
@@ -216,14 +219,19 @@ bool Run::select(std::vector<int>& chosen) {
         condition = Where::read(options.where, typeOf, fault);
         if (!condition) {
             complainOf("--where, column " + std::to_string(fault.column) + ": " + fault.what);
-            std::fprintf(log, "    %s\n    %*s\n", options.where.c_str(), int(fault.column), "^");
+            constexpr size_t shown = 100;
+            if (options.where.size() <= shown && options.where.find_first_of("\t\n\r") == std::string::npos)
+                std::fprintf(log, "    %s\n    %*s\n", options.where.c_str(), int(fault.column), "^");
+            misunderstood = true;
             return false;
         }
     }
     ZRegExp pattern;
-    if (!options.match.empty() && !pattern.setPattern(ZString(options.match.c_str()))) {
-        complainOf("--match, column " + std::to_string(pattern.errorPosition() + 1) + ": " +
-                   printed(pattern.errorText()));
+    if (!options.match.empty() && !pattern.setPattern(ZString(options.match.c_str()), ZRegExp::UCDGroup)) {
+        const std::string_view before(options.match.data(), size_t(std::max(pattern.errorPosition(), 0)));
+        const auto column = std::count_if(before.begin(), before.end(), [](char c) { return (c & 0xC0) != 0x80; });
+        complainOf("--match, column " + std::to_string(column + 1) + ": " + printed(pattern.errorText()));
+        misunderstood = true;
         return false;
     }
     const PackageSection* section = nullptr;
@@ -234,7 +242,11 @@ bool Run::select(std::vector<int>& chosen) {
     for (int i = 0; i < catalogue.count(); ++i) {
         const ZObject* package = catalogue.package(i);
         if (section && package->getParent() != section) continue;
-        if (!options.match.empty() && pattern.find(ZString(package->selector())) < 0) continue;
+        if (!options.match.empty() && pattern.find(ZString(package->selector())) < 0) {
+            if (!pattern.gaveUp()) continue;
+            complainOf("--match: " + catalogue.key(i) + ": " + printed(pattern.errorText()));
+            return false;
+        }
         if (condition && !condition->matches(*package)) continue;
         chosen.push_back(i);
     }
@@ -317,38 +329,44 @@ void Run::show() {
     if (options.json) std::fputs("]\n", out);
 }
 
-/// "NAME.PROPERTY=VALUE", where the name may be a whole key, with "." and "=" in it.
+/// "NAME.PROPERTY=VALUE", where the name may be a whole key, with "." and "=" in it, and the property
+/// "Maintainer.name".
 void Run::set(const std::string& change) {
-    for (size_t sign = change.find('='); sign != change.npos; sign = change.find('=', sign + 1)) {
-        const size_t dot = change.rfind('.', sign);
-        if (dot == change.npos) continue;
-        const std::string name = change.substr(0, dot), field = change.substr(dot + 1, sign - dot - 1),
-                          written = change.substr(sign + 1);
-        const std::vector<int> found = catalogue.findAll(name);
-        if (found.empty()) continue;
-        if (found.size() > 1)
-            return complainOf("\"" + name + "\" may be " + catalogue.key(found[0]) + " or " + catalogue.key(found[1]) +
-                              "; give the whole key");
-        ZObject& package = *catalogue.package(found[0]);
-        ZMetaType* type = catalogue.fieldType(field);
-        if (!type || !package.hasProperty(ZSelector(field.c_str())))
-            return complainOf(catalogue.key(found[0]) + " has no field \"" + field + "\"");
-        const ZVariant read = readLiteral(type, written);
-        if (read.isNull()) return complainOf("\"" + written + "\" is no " + type->getName().string());
-        const std::string before = value(package, ZSelector(field.c_str()));
-        std::fprintf(out, "%s.%s: %s -> %s\n", catalogue.key(found[0]).c_str(), field.c_str(), before.c_str(),
-                     printed(read).c_str());
-        PackageSection::changed = [this](const PackageSection& section, large old) {
-            std::fprintf(out, "  %s.total: %lld -> %lld\n", section.selector().string(), old, section.total());
-        };
-        Twin twin(package, ZSelector(field.c_str()));
-        if (!package.setProperty(ZSelector(field.c_str()), read)) complainOf("it can't be set");
-        PackageSection::changed = nullptr;
-        std::fprintf(out, "  a twin that is bound both ways: %s -> %s, after %d settings\n", before.c_str(),
-                     twin.value().c_str(), twin.settings());
-        return;
-    }
+    for (size_t sign = change.find('='); sign != change.npos; sign = change.find('=', sign + 1))
+        for (size_t dot = change.rfind('.', sign); dot != change.npos;
+             dot = dot ? change.rfind('.', dot - 1) : change.npos) {
+            const std::vector<int> found = catalogue.findAll(change.substr(0, dot));
+            if (found.empty()) continue;
+            if (found.size() > 1)
+                return complainOf("\"" + change.substr(0, dot) + "\" may be " + catalogue.key(found[0]) + " or " +
+                                  catalogue.key(found[1]) + "; give the whole key");
+            return set(found[0], change.substr(dot + 1, sign - dot - 1), change.substr(sign + 1));
+        }
     complainOf("--set " + change + ": expected NAME.PROPERTY=VALUE with the name of a package");
+}
+
+void Run::set(int index, const std::string& field, const std::string& text) {
+    ZObject& package = *catalogue.package(index);
+    const std::string key = catalogue.key(index);
+    const ZSelector name(field.c_str());
+    const ZVariant before = package.getProperty(name);
+    if (before.isNull()) return complainOf(key + " has no field \"" + field + "\"");
+    if (sameField(field, "Section")) return complainOf("the section of a package can't be set");
+    const ZVariant after = catalogue.read(field, text);
+    if (after.isNull())
+        return complainOf("\"" + text + "\" is no " + catalogue.fieldType(field)->getName().string() + " for " + field);
+    std::FILE* trace = options.json ? log : out;
+    std::fprintf(trace, "%s.%s: %s -> %s\n", key.c_str(), field.c_str(), printed(before).c_str(),
+                 printed(after).c_str());
+    PackageSection::changed = [trace](const PackageSection& section, large old) {
+        std::fprintf(trace, "  %s.total: %lld -> %lld\n", section.selector().string(), old, section.total());
+    };
+    Twin twin(package, name);
+    if (!package.setProperty(name, after)) complainOf("it can't be set");
+    PackageSection::changed = nullptr;
+    if (twin.settings())
+        std::fprintf(trace, "  a twin that is bound both ways: %s -> %s, after %d settings\n", printed(before).c_str(),
+                     twin.value().c_str(), twin.settings());
 }
 
 } // namespace
@@ -367,10 +385,11 @@ int listPackages(const PackageOptions& options, std::FILE* out, std::FILE* log) 
         run.show();
     } else if (!options.where.empty() || !options.section.empty() || !options.match.empty()) {
         if (std::vector<int> chosen; run.select(chosen)) run.printPackages(chosen);
-    } else if (options.set.empty()) {
+    } else if (options.set.empty() || options.json) {
         run.printSections();
     }
-    return run.failed ? Failed : Done;
+    if (std::fflush(out) != 0 || std::ferror(out)) run.complainOf("the answer can't be written");
+    return run.misunderstood ? Usage : run.failed ? Failed : Done;
 }
 
 void addPackages(CLI::App& app, int& exit) {
@@ -381,12 +400,18 @@ void addPackages(CLI::App& app, int& exit) {
         "FILE", options->files,
         "status file or package list, also compressed; \"-\" for the standard input; a folder for the lists "
         "in it; /var/lib/dpkg/status without it");
-    sub->add_option("--where", options->where,
-                    "only those for which it holds: NAME OP VALUE with and, or, not and brackets, as in "
-                    "'Installed-Size > 20000 and not Section = libs'");
-    sub->add_option("--section", options->section, "only those of a section");
-    sub->add_option("--match", options->match, "only those of whose name a part matches a regular expression");
-    sub->add_option("--show", options->show, "all fields of one: NAME, NAME:ARCH or NAME:ARCH=VERSION");
+    auto where =
+        sub->add_option("--where", options->where,
+                        "only those for which it holds: NAME OP VALUE with and, or, not and brackets, as in "
+                        "'Installed-Size > 20000 and "
+                        "not Section = libs'; a field that isn't there matches nothing, so that \"not\" of it holds");
+    auto section = sub->add_option("--section", options->section, "only those of a section");
+    auto match =
+        sub->add_option("--match", options->match, "only those of whose name a part matches a regular expression");
+    sub->add_option("--show", options->show, "all fields of one: NAME, NAME:ARCH or NAME:ARCH=VERSION")
+        ->excludes(where)
+        ->excludes(section)
+        ->excludes(match);
     sub->add_option("--set", options->set, "set a property, NAME.PROPERTY=VALUE, and tell how the change travels")
         ->expected(1)
         ->take_all();

@@ -19,11 +19,12 @@ std::string_view trimmed(std::string_view text) {
 bool isNameByte(char c) { return c > ' ' && c < 127 && c != ':'; }
 bool isControl(char c) { return (static_cast<unsigned char>(c) < ' ' && c != '\t') || c == 127; }
 char lower(char c) { return c >= 'A' && c <= 'Z' ? char(c + 32) : c; }
-bool sameName(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
-}
 
 } // namespace
+
+bool sameField(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
+}
 
 StanzaReader::StanzaReader(Source from, std::function<void(const Damage&)> teller)
     : source(std::move(from)), tell(std::move(teller)), buffer(chunk) {}
@@ -56,6 +57,7 @@ StanzaReader::Line StanzaReader::readLine(std::string_view& out) {
             begin += length + 1;
             tooLong = dropping || length > longestLine;
             out = std::string_view(at, tooLong ? 0 : length);
+            if (lineNumber == 1 && out.substr(0, 3) == "\xEF\xBB\xBF") out.remove_prefix(3); // the mark of UTF-8
             if (!out.empty() && out.back() == '\r') out.remove_suffix(1);
             return !tooLong && trimmed(out).empty() ? Line::Blank : Line::Text;
         }
@@ -92,6 +94,10 @@ bool StanzaReader::add(std::string_view line) {
         return damaged("byte " + std::to_string(static_cast<unsigned char>(*control)) + " at column " +
                        std::to_string(control - line.begin() + 1)),
                false;
+    // The controls behind ASCII, which terminals obey too.
+    for (size_t at = line.find('\xC2'); at != line.npos; at = line.find('\xC2', at + 1))
+        if (at + 1 < line.size() && static_cast<unsigned char>(line[at + 1]) < 0xA0)
+            return damaged("a control character at column " + std::to_string(at + 1)), false;
     if (!toolkit::utf8Valid(line.data(), line.size())) return damaged("bytes that aren't UTF-8"), false;
 
     if (line.front() == ' ' || line.front() == '\t') {
@@ -109,7 +115,7 @@ bool StanzaReader::add(std::string_view line) {
     if (places.size() == mostFields)
         return damaged("the stanza has more than " + std::to_string(mostFields) + " fields"), false;
     for (const Place& known : places)
-        if (sameName(std::string_view(text).substr(known.name, known.nameLength), name))
+        if (sameField(std::string_view(text).substr(known.name, known.nameLength), name))
             return damaged("the field " + std::string(name) + " is there twice"), false;
     const std::string_view value = trimmed(line.substr(colon + 1));
     const size_t at = text.size();

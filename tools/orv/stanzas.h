@@ -14,6 +14,9 @@ struct Damage {
     std::string what;
 };
 
+/// Whether two names of fields are the same, upper and lower case of ASCII aside.
+bool sameField(std::string_view a, std::string_view b);
+
 /// Reads the stanzas of a control file, as the package manager keeps them (deb822(5)): lines "Name: value", a value
 /// going on in lines that begin with a blank or tab, stanzas parted by empty lines. Holds one stanza at a time.
 ///

@@ -382,7 +382,13 @@ void addTypes(CLI::App& app, int& exit) {
     command->add_flag("--unsafe", options->unsafe, "of the methods only those that no sandbox calls")->needs(methods);
     command->add_flag("--properties", options->properties, "also each property with its words");
     command->add_flag("--json", options->json, "print JSON");
-    command->callback([options, &exit] { exit = printTypes(*options, stdout, stderr); });
+    command->callback([options, &exit] {
+        exit = printTypes(*options, stdout, stderr);
+        if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
+            complain("types", "the answer can't be written", stderr);
+            exit = Failed;
+        }
+    });
 }
 
 } // namespace orv::tool

@@ -1,5 +1,6 @@
 #include "tools/orv/where.h"
 
+#include "object/ZEnumType.h"
 #include "object/ZMetaType.h"
 #include "object/ztype.h"
 #include "text/ZString.h"
@@ -46,6 +47,8 @@ ZVariant readLiteral(ZMetaType* type, const std::string& text) {
     if (plain == ztype<ZString>()) return ZVariant(read);
     if (plain == ztype<ZSelector>()) return ZVariant(ZSelector(read));
     if (value.isNull() || !value.getPtr() || !plain->fromString(value.getPtr(), read)) return {};
+    // A number that is no item stands for nothing.
+    if (const ZEnumType* items = plain->enumType(); items && !items->holds(value.toLarge())) return {};
     return value;
 }
 
@@ -125,7 +128,7 @@ private:
     }
     int one(int depth) {
         if (!good()) return -1;
-        if (depth > Where::deepest) return failAt(at, "the brackets are nested too deep"), -1;
+        if (depth > Where::deepest) return failAt(at, "nested too deep"), -1;
         if (takeWord("not")) {
             Where::Node node;
             node.kind = Where::Node::Not;
