@@ -123,7 +123,7 @@ TEST_F(ObjectThreads, DelegatesGoWhileOthersCallThem) {
                 owner->getPropDelegate("none");
             }
         });
-    int gone = 0;
+    std::atomic<int> gone{0};
     const int rounds = 300;
     for (int round = 0; round < rounds || (called < 20 && round < 100000); ++round) {
         auto guest = zmake<Ending>([&] { ++gone; }, uint(round % 2 ? ZObject::Priority : ZObject::Binder));
