@@ -109,8 +109,8 @@ ZVariant Catalogue::maintainer(std::string_view text) const {
     if (!made) return {};
     *static_cast<ZString*>(maintainerType->field(made, "name")) = stringOf(name);
     *static_cast<ZString*>(maintainerType->field(made, "address")) = stringOf(address);
-    ZVariant value(maintainerType, made);
-    maintainerType->deleteInstance(made);
+    ZVariant value;
+    value.setValue(maintainerType, made, false, false); // which takes it over
     return value;
 }
 
@@ -156,7 +156,7 @@ bool Catalogue::add(const std::vector<StanzaReader::Field>& stanza, size_t line,
                             std::string(field.value.substr(0, 60)) + "\" can't be understood"});
     }
     object->setParent(parent);
-    return packages.set(keyText, ZVariant(object.get()));
+    return packages.add(keyText, ZVariant(object.get()));
 }
 
 bool Catalogue::load(const StanzaReader::Source& source, const std::function<void(const Damage&)>& tell) {

@@ -3,6 +3,7 @@
 #include "toolkit/utf8.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 namespace orv::tool {
@@ -17,6 +18,20 @@ std::string_view trimmed(std::string_view text) {
     return text;
 }
 bool isNameByte(char c) { return c > ' ' && c < 127 && c != ':'; }
+/// Whether eight bytes may have a control character or a byte C2 among them; a tab counts too.
+bool mayHaveControl(const char* at) {
+    constexpr uint64_t ones = 0x0101010101010101, highs = ones << 7;
+    uint64_t bytes;
+    std::memcpy(&bytes, at, sizeof bytes);
+    const auto has = [](uint64_t x) { return (x - ones) & ~x & highs; }; // a byte 0
+    return ((bytes - ones * ' ') & ~bytes & highs) | has(bytes ^ ones * 127) | has(bytes ^ ones * 0xC2);
+}
+/// Where one may stand first; most lines have none.
+size_t firstSuspect(std::string_view line) {
+    size_t at = 0;
+    while (at + 8 <= line.size() && !mayHaveControl(line.data() + at)) at += 8;
+    return at;
+}
 bool isControl(char c) { return (static_cast<unsigned char>(c) < ' ' && c != '\t') || c == 127; }
 char lower(char c) { return c >= 'A' && c <= 'Z' ? char(c + 32) : c; }
 
@@ -90,12 +105,13 @@ bool StanzaReader::add(std::string_view line) {
     if (cut) return damaged("the file ends within the line"), false;
     if (text.size() + line.size() + 1 > longestStanza)
         return damaged("the stanza has more than " + std::to_string(longestStanza) + " bytes"), false;
-    if (auto control = std::find_if(line.begin(), line.end(), isControl); control != line.end())
+    const size_t suspect = firstSuspect(line);
+    if (auto control = std::find_if(line.begin() + ptrdiff_t(suspect), line.end(), isControl); control != line.end())
         return damaged("byte " + std::to_string(static_cast<unsigned char>(*control)) + " at column " +
                        std::to_string(control - line.begin() + 1)),
                false;
     // The controls behind ASCII, which terminals obey too.
-    for (size_t at = line.find('\xC2'); at != line.npos; at = line.find('\xC2', at + 1))
+    for (size_t at = line.find('\xC2', suspect); at != line.npos; at = line.find('\xC2', at + 1))
         if (at + 1 < line.size() && static_cast<unsigned char>(line[at + 1]) < 0xA0)
             return damaged("a control character at column " + std::to_string(at + 1)), false;
     if (!toolkit::utf8Valid(line.data(), line.size())) return damaged("bytes that aren't UTF-8"), false;
