@@ -8,6 +8,7 @@
 #include "tools/orv/where.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace orv::tool {
 
@@ -42,7 +43,8 @@ std::string printed(const ZVariant& value) {
 Catalogue::Catalogue() {
     open = registerPackages("orv.tool", ownPackages) && makeTypes();
     root = ZRetainPtrT<PackageSection>::adopt(open ? zmake<PackageSection>() : nullptr);
-    open = root && packages.setTypes(ztype<ZString>(), ztype<ZObject>());
+    // Buckets for some ten thousand keys.
+    open = root && packages.setTypes(ztype<ZString>(), ztype<ZObject>()) && packages.init(0, 100, 16, 0, 0, 0);
     if (open) root->setSelector("all");
 }
 Catalogue::~Catalogue() = default;
@@ -107,8 +109,8 @@ ZVariant Catalogue::maintainer(std::string_view text) const {
     while (!name.empty() && name.back() == ' ') name.remove_suffix(1);
     void* made = maintainerType->createInstance();
     if (!made) return {};
-    *static_cast<ZString*>(maintainerType->field(made, "name")) = stringOf(name);
-    *static_cast<ZString*>(maintainerType->field(made, "address")) = stringOf(address);
+    *static_cast<ZString*>(maintainerType->field(made, zsel<"name">())) = stringOf(name);
+    *static_cast<ZString*>(maintainerType->field(made, zsel<"address">())) = stringOf(address);
     ZVariant value;
     value.setValue(maintainerType, made, false, false); // which takes it over
     return value;
@@ -116,9 +118,12 @@ ZVariant Catalogue::maintainer(std::string_view text) const {
 
 ZVariant Catalogue::readAs(ZMetaType* type, std::string_view text) const {
     if (type == ztype<ZString>()) return stringOf(text);
+    if (type == ztype<ZSelector>()) return nameOf(text);
     if (type == maintainerType) return maintainer(text);
-    ZVariant value = readLiteral(type, std::string(text));
-    return type == ztype<large>() && value.toLarge() < 0 ? ZVariant() : value;
+    if (type != ztype<large>()) return readLiteral(type, std::string(text));
+    large number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && end == text.data() + text.size() && number >= 0 ? ZVariant(number) : ZVariant();
 }
 ZVariant Catalogue::read(const std::string& field, std::string_view text) const {
     ZMetaType* type = fieldType(field);
